@@ -1,0 +1,212 @@
+#include "fake_platform.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+namespace fake {
+namespace {
+
+Platform *standing = nullptr;
+
+struct ShortName {
+    const char *uri;
+    const char *name;
+};
+
+constexpr std::array<ShortName, 8> namespaces{{
+    {"http://openconfig.net/yang/optical-transport-line-protection", "openconfig"},
+    {"http://vexlo.example/ns/yang/Vexlo-ORBIT-tlm2200-ots-cfg", "ots-cfg"},
+    {"http://vexlo.example/ns/yang/Vexlo-ORBIT-config-mda-cfg", "mda-cfg"},
+    {"http://vexlo.example/ns/yang/Vexlo-ORBIT-ifmgr-cfg", "ifmgr-cfg"},
+    {"http://vexlo.example/ns/yang/Vexlo-ORBIT-controller-optics-cfg", "optics-cfg"},
+    {"http://vexlo.example/ns/yang/Vexlo-ORBIT-controller-tlm2200-ots-oper", "ots-oper"},
+    {"http://vexlo.example/ns/yang/Vexlo-ORBIT-controller-optics-oper", "optics-oper"},
+    {"http://vexlo.example/ns/yang/Vexlo-ORBIT-pmengine-oper", "pmengine-oper"},
+}};
+
+} // namespace
+
+std::string quoted(const char *text) {
+    return text == nullptr ? "null" : "\"" + std::string(text) + "\"";
+}
+
+std::string namespace_name(const char *uri) {
+    if (uri == nullptr) {
+        return "null";
+    }
+    const auto *const found = std::find_if(namespaces.begin(), namespaces.end(),
+                                           [&](const ShortName &entry) { return std::string_view(entry.uri) == uri; });
+    return found == namespaces.end() ? quoted(uri) : found->name;
+}
+
+std::string hex(std::uint32_t number) {
+    std::array<char, 11> text{};
+    std::snprintf(text.data(), text.size(), "0x%08x", number);
+    return text.data();
+}
+
+Platform::Platform() {
+    if (standing != nullptr) {
+        std::fputs("a second fake platform was made while one stands\n", stderr);
+        std::abort();
+    }
+    standing = this;
+}
+
+Platform::~Platform() {
+    standing = nullptr;
+}
+
+Platform &Platform::current() {
+    if (standing == nullptr) {
+        std::fputs("the plug-in called the platform while no fake platform stands\n", stderr);
+        std::abort();
+    }
+    return *standing;
+}
+
+std::vector<std::string> Platform::calls(unsigned groups) const {
+    std::vector<std::string> chosen;
+    for (const Line &line : lines_) {
+        if ((line.group & groups) != 0) {
+            chosen.push_back(line.text);
+        }
+    }
+    return chosen;
+}
+
+void Platform::forget() {
+    lines_.clear();
+    counts_.clear();
+    log_.clear();
+    trace_.clear();
+}
+
+std::size_t Platform::count(const std::string &operation) const {
+    const auto found = counts_.find(operation);
+    return found == counts_.end() ? 0 : found->second;
+}
+
+void Platform::fault(std::string what) {
+    faults_.push_back(std::move(what));
+}
+
+std::vector<std::string> Platform::take_faults() {
+    return std::exchange(faults_, {});
+}
+
+void Platform::name(const void *object, std::string name) {
+    names_[object] = std::move(name);
+}
+
+std::string Platform::name_of(const void *object) const {
+    if (object == nullptr) {
+        return "null";
+    }
+    const auto found = names_.find(object);
+    if (found != names_.end()) {
+        return found->second;
+    }
+    for (const Tree *tree : trees_) {
+        if (tree->owns(object)) {
+            return tree->path_of(object);
+        }
+        if (const std::string owner = tree->owner_of_array(object); !owner.empty()) {
+            return "children of " + owner;
+        }
+    }
+    return "unknown";
+}
+
+void Platform::attach(Tree &tree) {
+    trees_.push_back(&tree);
+}
+
+Tree *Platform::tree_of(const void *node) const {
+    const auto found = std::find_if(trees_.begin(), trees_.end(), [&](const Tree *tree) { return tree->owns(node); });
+    return found == trees_.end() ? nullptr : *found;
+}
+
+void Platform::answer(std::string operation, std::uint32_t result, std::size_t nth, std::string containing) {
+    rules_.push_back({std::move(operation), result, nth, std::move(containing)});
+}
+
+void Platform::before(std::string operation, std::function<void(const std::string &)> hook, std::string containing) {
+    hooks_.push_back({std::move(operation), std::move(hook), std::move(containing)});
+}
+
+std::vector<std::string> Platform::heap() const {
+    std::vector<std::string> outstanding;
+    for (const auto &entry : heap_) {
+        outstanding.push_back(std::string(entry.second.text.get()) + " (" + entry.second.tag + ")");
+    }
+    std::sort(outstanding.begin(), outstanding.end());
+    return outstanding;
+}
+
+std::optional<std::uint32_t> Platform::record(Group group, const std::string &operation, const std::string &arguments) {
+    const std::string line = operation + "(" + arguments + ")";
+    lines_.push_back({group, line});
+    const std::size_t number = ++counts_[operation];
+    for (std::size_t i = 0; i < hooks_.size(); ++i) { // a hook may install another
+        const Hook hook = hooks_[i];
+        if (hook.operation == operation && line.find(hook.containing) != std::string::npos) {
+            hook.run(line);
+        }
+    }
+    for (const Rule &rule : rules_) {
+        if (rule.operation == operation && (rule.nth == 0 || rule.nth == number) &&
+            line.find(rule.containing) != std::string::npos) {
+            return rule.result;
+        }
+    }
+    return std::nullopt;
+}
+
+void Platform::record_message(Group group, std::string line) {
+    lines_.push_back({group, std::move(line)});
+}
+
+void Platform::add_log(LogRecord record) {
+    log_.push_back(std::move(record));
+}
+
+void Platform::add_trace(TraceRecord record) {
+    trace_.push_back(std::move(record));
+}
+
+char *Platform::duplicate(const char *text, const char *tag) {
+    const std::string_view source(text);
+    auto copy = std::make_unique<char[]>(source.size() + 1);
+    std::copy(source.begin(), source.end(), copy.get());
+    char *const address = copy.get();
+    heap_[address] = {std::move(copy), tag == nullptr ? "null" : tag};
+    return address;
+}
+
+void Platform::release(void *text) {
+    if (text != nullptr && heap_.erase(text) == 0) {
+        fault("hvs_named_free of something that yfw_strdup did not give, or a second time");
+    }
+}
+
+void Platform::keep_current_entry(yfw_map_ctx ctx, const char *list_path) {
+    if (ctx == nullptr || ctx->request == nullptr) {
+        return;
+    }
+    ctx->request->list_node = nullptr;
+    current_entry_.reset();
+    const std::string_view path(list_path);
+    const std::string_view tag = path.substr(path.rfind('/') + 1);
+    if (hierarchy.empty() || hierarchy.back().node->tag == nullptr || hierarchy.back().node->tag != tag) {
+        return;
+    }
+    current_entry_ = Tree::copy_of(*hierarchy.back().node);
+    current_entry_->rename("list_node");
+    ctx->request->list_node = current_entry_->root();
+}
+
+} // namespace fake
