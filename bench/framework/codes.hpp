@@ -1,0 +1,20 @@
+// The framework's own error codes, and the names of all codes that a translation may end with.
+#ifndef BENCH_FRAMEWORK_CODES_HPP
+#define BENCH_FRAMEWORK_CODES_HPP
+
+#include <string>
+
+#include "kerr.h"
+
+namespace bench::framework {
+
+inline constexpr kerrno leafref_mismatch = 0xaaf30200;  // a list key differs from the leaf that it refers to
+inline constexpr kerrno invalid_arguments = 0xaaf30400; // a null or malformed argument of a framework operation
+inline constexpr kerrno not_served = 0xaaf30600;        // an operation that this framework cannot serve here
+
+// The symbolic name of a code, e.g. "YMAP_ERR_UNSUPPORTED"; for one without a name its number, "0x12345678".
+std::string name_of(kerrno code);
+
+} // namespace bench::framework
+
+#endif
