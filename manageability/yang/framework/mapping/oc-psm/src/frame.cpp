@@ -1,0 +1,36 @@
+#include "frame.hpp"
+
+namespace ymap {
+
+kerrno refuse_arguments(const Function &function, yfw_map_ctx ctx) {
+    YMAP_ASSERT_CONTEXT(function, ctx);
+    YMAP_ERROR(function, ctx, "Invalid arguments passed!");
+    yfw_oc_error_path(ctx);
+    return YMAP_ERR_INVALID_ARGS;
+}
+
+void start(const Function &function, yfw_map_ctx ctx) {
+    YMAP_ASSERT_CONTEXT(function, ctx);
+    YMAP_TRACE(function, ctx, "Start");
+}
+
+kerrno end(const Function &function, yfw_map_ctx ctx, kerrno result) {
+    YMAP_TRACE(function, ctx, "End");
+    return result;
+}
+
+void record_error_node(yfw_map_ctx ctx, const char *tag, const char *allocation) {
+    if (ctx == nullptr || ctx->request == nullptr) {
+        return;
+    }
+    char *&name = ctx->request->error_node_name;
+    if (name != nullptr) {
+        hvs_named_free(name);
+        name = nullptr;
+    }
+    if (tag != nullptr) {
+        name = yfw_strdup(tag, allocation);
+    }
+}
+
+} // namespace ymap

@@ -1,0 +1,194 @@
+#include "openconfig_visit.hpp"
+
+#include <algorithm>
+#include <array>
+
+namespace ymap {
+
+namespace {
+
+// The read-selection bits that survive the entry into a container or list.
+constexpr std::uint32_t read_selection_mask = 0x11111110;
+
+constexpr Walker walkers[] = {
+#define YMAP_WALKER_FUNCTION(suffix)                                                                                   \
+    { YMAP_STRING(YMAP_WALKER(suffix)), YMAP_CALLBACK_PROTOTYPE(YMAP_WALKER(suffix)), YMAP_OPENCONFIG_SOURCE("parser") }
+#define YMAP_CONTAINER(suffix, parent, tag, access)                                                                    \
+    {NodeId::suffix,                                                                                                   \
+     NodeKind::container,                                                                                              \
+     Access::access,                                                                                                   \
+     YMAP_WALKER_FUNCTION(suffix),                                                                                     \
+     YMAP_WALKER(suffix),                                                                                              \
+     YMAP_CONTAINER_CALLBACK(suffix),                                                                                  \
+     nullptr,                                                                                                          \
+     YMAP_AUGMENT_HOOK(suffix)},
+#define YMAP_LIST(suffix, parent, tag, access, conversion)                                                             \
+    {NodeId::suffix,                                                                                                   \
+     NodeKind::list,                                                                                                   \
+     Access::access,                                                                                                   \
+     YMAP_WALKER_FUNCTION(suffix),                                                                                     \
+     YMAP_WALKER(suffix),                                                                                              \
+     nullptr,                                                                                                          \
+     YMAP_LIST_CALLBACK(suffix),                                                                                       \
+     YMAP_AUGMENT_HOOK(suffix)},
+#define YMAP_LEAF_ROW(suffix, kind, access)                                                                            \
+    {NodeId::suffix,                                                                                                   \
+     NodeKind::kind,                                                                                                   \
+     Access::access,                                                                                                   \
+     YMAP_WALKER_FUNCTION(suffix),                                                                                     \
+     YMAP_WALKER(suffix),                                                                                              \
+     nullptr,                                                                                                          \
+     YMAP_LEAF_CALLBACK(suffix),                                                                                       \
+     nullptr},
+#define YMAP_KEY(suffix, parent, tag, access, conversion) YMAP_LEAF_ROW(suffix, key, access)
+#define YMAP_LEAF(suffix, parent, tag, access, conversion) YMAP_LEAF_ROW(suffix, leaf, access)
+#define YMAP_REFUSED(suffix, parent, tag, access) YMAP_LEAF_ROW(suffix, refused, access)
+#include "openconfig_table.hpp"
+};
+
+// The table's rows ordered by parent, and where each parent's children begin.
+struct Families {
+    std::array<NodeId, node_count> children{};
+    std::array<std::size_t, node_count + 1> begins{};
+};
+
+constexpr Families families = [] {
+    Families result;
+    std::size_t next = 0;
+    for (std::size_t parent = 0; parent < node_count; ++parent) {
+        result.begins[parent] = next;
+        for (const NodeRow &row : node_rows) {
+            if (row.parent == node_rows[parent].id) {
+                result.children[next++] = row.id;
+            }
+        }
+    }
+    result.begins[node_count] = next;
+    return result;
+}();
+
+} // namespace
+
+const Walker &walker_of(NodeId id) {
+    return walkers[static_cast<std::size_t>(id)];
+}
+
+std::span<const NodeId> children_of(NodeId id) {
+    const auto index = static_cast<std::size_t>(id);
+    return std::span(families.children)
+        .subspan(families.begins[index], families.begins[index + 1] - families.begins[index]);
+}
+
+std::span<Node> Visit::children() const {
+    if ((node.flags & YFW_NODE_CHILDREN_VALID) == 0 || node.children == nullptr) {
+        return {};
+    }
+    return {node.children, static_cast<std::size_t>(std::max(node.child_count, 0))};
+}
+
+bool Visit::is_malformed() const {
+    if ((node.flags & YFW_NODE_CHILDREN_VALID) == 0 || node.child_count <= 0 || node.children != nullptr) {
+        return false;
+    }
+    YMAP_ERROR(self.function, ctx, "Failed to get subtrees!");
+    return true;
+}
+
+void Visit::enter() {
+    const bool list = self.kind == NodeKind::list;
+    yfw_map_add_to_node_hierarchy(ctx, &node, list ? 2 : 1);
+    set_hierarchy_kind(list ? YFW_KIND_LIST : YFW_KIND_CONTAINER);
+    if (is_read(ctx)) {
+        request.read_selection &= read_selection_mask;
+    }
+}
+
+void Visit::leave() {
+    yfw_map_remove_from_node_hierarchy(ctx, &node);
+}
+
+void Visit::set_hierarchy_kind(std::uint32_t kind) {
+    node.hierarchy_kind = kind;
+    node.second_flags |= YFW_NODE2_KIND_SET;
+}
+
+const Walker *Visit::known_child(const char *tag) const {
+    for (const NodeId id : children_of(self.id)) {
+        const NodeRow &row = row_of(id);
+        if (match(tag, row.tag)) {
+            const bool served = row.access == Access::configuration || is_operational_read(ctx);
+            return served ? &walker_of(id) : nullptr;
+        }
+    }
+    return nullptr;
+}
+
+kerrno Visit::dispatch(Node &child) {
+    const Walker *known = child.tag != nullptr ? known_child(child.tag) : nullptr;
+    return known != nullptr ? known->walker(ctx, &child, destination) : dispatch_unknown(child);
+}
+
+kerrno Visit::dispatch_unknown(Node &child) {
+    if (child.tag == nullptr) {
+        YMAP_ERROR(self.function, ctx, "Tag name is not available!");
+        return YMAP_ERR_BAD_TREE;
+    }
+    if (!match(child.namespace_uri, openconfig)) {
+        return self.hook(ctx, &child, destination);
+    }
+    if (self.kind == NodeKind::list) {
+        YMAP_ERROR(self.function, ctx, "Unsupported tag `%s`is specified in the request.", child.tag);
+    } else {
+        YMAP_ERROR(self.function, ctx, "Unsupported tag `%s` is specified in the request.", child.tag);
+    }
+    if (is_read(ctx)) {
+        return KERR_SUCCESS;
+    }
+    record_error_node(ctx, child.tag, allocation_tag);
+    yfw_oc_error_path(ctx);
+    return YMAP_ERR_UNSUPPORTED;
+}
+
+void Visit::spread_to(NodeId child) {
+    if (row_of(child).access == Access::configuration || is_operational_read(ctx)) {
+        walker_of(child).walker(ctx, &node, destination);
+    }
+}
+
+void Visit::settle_content_matches() {
+    constexpr std::uint32_t seen = YFW_READ_CONTENT_MATCH_LEAF | YFW_READ_SELECTION_LEAF;
+    if ((request.read_selection & seen) == YFW_READ_CONTENT_MATCH_LEAF) {
+        request.read_selection = (request.read_selection & ~seen) | YFW_READ_CONTENT_MATCH_ONLY;
+    }
+}
+
+void Visit::forget_read_selection() {
+    request.read_selection &= read_selection_mask;
+}
+
+Replacement::Replacement(const Visit &visit)
+    : node_(visit.node), request_(visit.request), operation_(node_.operation), flags_(request_.replace_flags),
+      marker_(request_.replace_marker) {
+    rewrite_operation(YFW_OPERATION_REMOVE);
+    request_.replace_flags |= YFW_REPLACE_REMOVE_PASS;
+    request_.replace_marker = 1;
+}
+
+Replacement::~Replacement() {
+    rewrite_operation(operation_);
+    request_.replace_flags = flags_;
+    request_.replace_marker = marker_;
+}
+
+void Replacement::begin_merge() {
+    rewrite_operation(YFW_OPERATION_MERGE);
+    const unsigned other = request_.replace_flags & ~YFW_REPLACE_REMOVE_PASS;
+    request_.replace_flags = static_cast<std::uint8_t>(other | YFW_REPLACE_MERGE_PASS);
+}
+
+void Replacement::rewrite_operation(std::uint32_t operation) {
+    node_.operation = operation;
+    node_.flags |= YFW_NODE_OPERATION_REWRITTEN;
+}
+
+} // namespace ymap

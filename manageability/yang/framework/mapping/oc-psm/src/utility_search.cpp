@@ -1,0 +1,171 @@
+// Searches of request and answer trees by tag path, and the dump of a context.
+#include "utility.hpp"
+
+#include <cstring>
+#include <span>
+
+using namespace ymap;
+
+namespace {
+
+bool is_in_use(const Node *node) {
+    return node != nullptr && (node->flags & YFW_NODE_IN_USE) != 0;
+}
+
+std::span<const Node> children_of(const Node &node) {
+    if (node.children == nullptr || node.child_count < 1) {
+        return {};
+    }
+    return {node.children, static_cast<std::size_t>(node.child_count)};
+}
+
+void append_tag(char *path, const Node &node) {
+    if (node.tag != nullptr) {
+        yfw_strcat_s(path, path_size, node.tag);
+    }
+}
+
+bool is_equal(const char *first, const char *second) {
+    return std::strcmp(first, second) == 0;
+}
+
+// Searches the children with `search(child)`, each with the path of its parent and a slash in the same buffer, which is
+// given back as it was.
+template <typename Search>
+int search_children(const Node &node, char *path, Search search) {
+    for (const Node &child : children_of(node)) {
+        char parent_path[path_size] = {};
+        yfw_strcpy_s(parent_path, path_size, path);
+        yfw_strcat_s(path, path_size, "/");
+        if (search(child) == 1) {
+            return 1;
+        }
+        yfw_strcpy_s(path, path_size, parent_path);
+    }
+    return 0;
+}
+
+bool holds_data(const Function &function, yfw_map_ctx ctx, const Node &node, const char *path_to_find, const char *path,
+                const char *value_to_find) {
+    if (!has_value(node)) {
+        return false;
+    }
+    YMAP_TRACE(function, ctx, "data %s", node.value);
+    YMAP_TRACE(function, ctx, "path        : <%s>", path);
+    YMAP_TRACE(function, ctx, "path_to_find: <%s>", path_to_find);
+    YMAP_TRACE(function, ctx, "data_to_find: <%s>", value_to_find);
+    if (!is_equal(path, path_to_find) || !is_equal(node.value, value_to_find)) {
+        return false;
+    }
+    YMAP_TRACE(function, ctx, "data found !");
+    return true;
+}
+
+} // namespace
+
+extern "C" {
+
+int compare_path(yfw_map_ctx ctx, const Node *node, const char *path_to_find, char *path, char *value) {
+    if (!is_in_use(node)) {
+        return 0;
+    }
+    append_tag(path, *node);
+    if (has_value(*node) && is_equal(path, path_to_find)) {
+        yfw_strcpy_s(value, 200, node->value);
+        return 1;
+    }
+    yfw_strcat_s(path, path_size, "/");
+    for (const Node &child : children_of(*node)) {
+        char child_path[path_size] = {};
+        yfw_strcpy_s(child_path, path_size, path);
+        if (compare_path(ctx, &child, path_to_find, child_path, value) == 1) {
+            return 1;
+        }
+    }
+    return 0;
+}
+
+int search_data_in_response(yfw_map_ctx ctx, const Node *node, const char *path_to_find, char *path,
+                            const char *value_to_find) {
+    static constexpr Function function{"search_data_in_response",
+                                       "int search_data_in_response(yfw_map_ctx, const struct kidl_yfw_datatree *, "
+                                       "const char *, char *, const char *)",
+                                       YMAP_SOURCE("utility")};
+    if (node == nullptr) {
+        YMAP_ASSERT_CONTEXT(function, ctx);
+        YMAP_ERROR(function, ctx, "return, req is NULL");
+        return 0;
+    }
+    if (!is_in_use(node)) {
+        return 0;
+    }
+    YMAP_ASSERT_CONTEXT(function, ctx);
+    YMAP_TRACE(function, ctx, "TAG <%s>", shown(node->tag));
+    append_tag(path, *node);
+    if (holds_data(function, ctx, *node, path_to_find, path, value_to_find)) {
+        return 1;
+    }
+    YMAP_TRACE(function, ctx, "subtree_count %d", node->child_count);
+    return search_children(*node, path, [&](const Node &child) {
+        return search_data_in_response(ctx, &child, path_to_find, path, value_to_find);
+    });
+}
+
+int check_request_type_3(yfw_map_ctx ctx, const Node *node, const char *path_to_find, char *path) {
+    static constexpr Function function{
+        "check_request_type_3",
+        "int check_request_type_3(yfw_map_ctx, const struct kidl_yfw_datatree *, const char *, char *)",
+        YMAP_SOURCE("utility")};
+    if (node == nullptr) {
+        YMAP_ASSERT_CONTEXT(function, ctx);
+        YMAP_ERROR(function, ctx, "return, req is NULL");
+        return 0;
+    }
+    if (!is_in_use(node)) {
+        return 0;
+    }
+    append_tag(path, *node);
+    if (is_equal(path, path_to_find)) {
+        return 1;
+    }
+    return search_children(*node, path,
+                           [&](const Node &child) { return check_request_type_3(ctx, &child, path_to_find, path); });
+}
+
+int check_request_type(yfw_map_ctx ctx, const Node *node, const char *path_to_find) {
+    char path[path_size] = {};
+    return check_request_type_3(ctx, node, path_to_find, path);
+}
+
+void print_data(yfw_map_ctx ctx) {
+    static constexpr Function function{"print_data", "void print_data(yfw_map_ctx)", YMAP_SOURCE("utility")};
+    if (ctx != nullptr) {
+        ctx->data_printed = 1;
+    }
+    YMAP_ASSERT_CONTEXT(function, ctx);
+    YMAP_TRACE(function, ctx, " list index %d", static_cast<int>(ctx->output_count));
+    for (const yfw_map_output_entry &entry : std::span(ctx->output, ctx->output_count)) {
+        yfw_map_print_datatree_internal(ctx, entry.node, "output list node");
+        yfw_map_print_datatree_internal(ctx, entry.key, "output list key");
+    }
+    const yfw_map_request &request = *ctx->request;
+    YMAP_TRACE(function, ctx, " hierarchy_len  %d", static_cast<int>(request.hierarchy_length));
+    int iteration = 0;
+    for (const yfw_map_hierarchy_level &level : std::span(request.hierarchy, request.hierarchy_length)) {
+        YMAP_TRACE(function, ctx, "iteration %d", iteration);
+        yfw_map_print_datatree_internal(ctx, level.node, "node_data");
+        ++iteration;
+    }
+    yfw_map_print_datatree_internal(ctx, ctx->root_node, "root_node");
+    yfw_map_print_datatree_internal(ctx, ctx->parent_node, "parent_node");
+    yfw_map_print_datatree_internal(ctx, ctx->current_node, "current_node");
+    yfw_map_print_datatree_internal(ctx, request.request_root, "reg_dup_datatree");
+    yfw_map_print_datatree_internal(ctx, ctx->pending_list, "plist");
+    int index = 0;
+    for (const char *xpath : std::span(ctx->xpaths, ctx->xpath_count)) {
+        YMAP_TRACE(function, ctx, "xpath[%d]: %s", index, shown(xpath));
+        ++index;
+    }
+}
+
+} // extern "C"
