@@ -57,8 +57,9 @@ enum Group : unsigned {
     Filter = 128,   // should_log, trace_index
     Database = 256, // sysdb_..., access
     Bags = 512,     // bag_...
+    Callbacks = 1024, // the plug-in's own callbacks, where a test program stands in between
     Channels = Log | Trace,
-    Everything = 1023,
+    Everything = 2047,
 };
 
 // A log line as it arrived.

@@ -1,0 +1,196 @@
+#include "checker.hpp"
+
+#include <algorithm>
+#include <string_view>
+
+namespace fake {
+namespace {
+
+constexpr char optics[] = "\"/interface-configurations/interface-configuration/optics\", ns=optics-cfg";
+
+bool tagged(const kidl_yfw_datatree &node, std::string_view tag) {
+    return node.tag != nullptr && tag == node.tag;
+}
+
+template <class Value>
+void compare(const std::string &what, Value was, Value is, std::vector<std::string> &found) {
+    if (was == is) {
+        return;
+    }
+    std::string line = what;
+    if constexpr (std::is_pointer_v<Value>) {
+        line += " is another";
+    } else {
+        line += " " + std::to_string(was) + " -> " + std::to_string(is);
+    }
+    found.push_back(line);
+}
+
+// Only the kinds that the walk gives to this sort of node, and only with the bit that makes them count.
+bool is_allowed_kind(const kidl_yfw_datatree &was, const kidl_yfw_datatree &is, bool is_entry) {
+    if (was.hierarchy_kind == is.hierarchy_kind && was.second_flags == is.second_flags) {
+        return true;
+    }
+    if (is.second_flags != (was.second_flags | YFW_NODE2_KIND_SET)) {
+        return false;
+    }
+    if (is_entry) {
+        return is.hierarchy_kind == YFW_KIND_LIST;
+    }
+    return is.hierarchy_kind == YFW_KIND_CONTAINER || is.hierarchy_kind == YFW_KIND_LEAF ||
+           is.hierarchy_kind == YFW_KIND_CONTENT_MATCH;
+}
+
+} // namespace
+
+Checker::Checker(const Platform &platform, yfw_map_ctx ctx) : platform_(platform), ctx_(ctx), before_(take()) {}
+
+std::vector<std::string> Checker::differences() const {
+    std::vector<std::string> found;
+    const Picture now = take();
+    compare_nodes(now, found);
+    if (now.hierarchy != before_.hierarchy) {
+        found.emplace_back("the node hierarchy");
+    }
+    if (now.itree != before_.itree) {
+        found.emplace_back("the instance-tree stack");
+    }
+    const yfw_map_request &was = before_.request;
+    const yfw_map_request &is = now.request;
+    compare("registration", was.registration, is.registration, found);
+    compare("whole_subtree_walk", was.whole_subtree_walk, is.whole_subtree_walk, found);
+    compare("delete_walk", was.delete_walk, is.delete_walk, found);
+    compare("replace_flags", was.replace_flags, is.replace_flags, found);
+    compare("replace_marker", was.replace_marker, is.replace_marker, found);
+    if (!is_read()) {
+        compare("read_selection", was.read_selection, is.read_selection, found);
+    }
+    compare("selection_mode", was.selection_mode, is.selection_mode, found);
+    compare("leaf_selection", was.leaf_selection, is.leaf_selection, found);
+    compare("xpath_error", was.xpath_error, is.xpath_error, found);
+    compare("hierarchy_length", was.hierarchy_length, is.hierarchy_length, found);
+    compare("output_depth", was.output_depth, is.output_depth, found);
+    compare("request_root", was.request_root, is.request_root, found);
+    compare("answer_root", was.answer_root, is.answer_root, found);
+    compare("module_list", was.module_list, is.module_list, found);
+    compare("request", before_.context.request, now.context.request, found);
+    compare("enabled_levels", before_.context.debug_log_filter.enabled_levels,
+            now.context.debug_log_filter.enabled_levels, found);
+    compare("trace_enabled", before_.context.trace_enabled, now.context.trace_enabled, found);
+    compare("output_count", before_.context.output_count, now.context.output_count, found);
+    compare("output", before_.context.output, now.context.output, found);
+    return found;
+}
+
+Checker::Picture Checker::take() const {
+    Picture picture;
+    for (const Tree *tree : platform_.trees()) {
+        visit(picture.nodes, *tree->root(), tree->path_of(tree->root()), false);
+    }
+    for (const yfw_map_hierarchy_level &level : platform_.hierarchy) {
+        picture.hierarchy.push_back(platform_.name_of(level.node) + " " + std::to_string(level.kind));
+    }
+    for (const Platform::StackEntry &entry : platform_.itree_stack) {
+        picture.itree.push_back(platform_.name_of(entry.children) + " " + std::to_string(entry.count));
+    }
+    picture.request = *ctx_->request;
+    picture.context = *ctx_;
+    return picture;
+}
+
+void Checker::visit(Nodes &nodes, const kidl_yfw_datatree &node, const std::string &path, bool in_entry) const {
+    NodeState &state = nodes[path];
+    state.node = &node;
+    state.content = node;
+    state.is_entry = tagged(node, "aps-module");
+    state.is_key = in_entry && tagged(node, "name");
+    if (node.children == nullptr) {
+        return;
+    }
+    for (std::int32_t i = 0; i < node.child_count; ++i) {
+        const kidl_yfw_datatree &child = node.children[i];
+        const bool is_key = state.is_entry && tagged(child, "name");
+        visit(nodes, child, path + "/" + std::to_string(i) + ":" + (child.tag == nullptr ? "untagged" : child.tag),
+              state.is_entry);
+        nodes[path].has_key = nodes[path].has_key || is_key;
+    }
+}
+
+void Checker::compare_nodes(const Picture &now, std::vector<std::string> &found) const {
+    for (const auto &[path, was] : before_.nodes) {
+        const auto is = now.nodes.find(path);
+        if (is == now.nodes.end()) {
+            found.push_back(path + ": gone");
+        } else {
+            compare_node(path, was, is->second, found);
+        }
+    }
+    for (const auto &[path, is] : now.nodes) {
+        if (before_.nodes.count(path) != 0) {
+            continue;
+        }
+        const auto parent = before_.nodes.find(path.substr(0, path.rfind('/')));
+        const auto parent_now = now.nodes.find(path.substr(0, path.rfind('/')));
+        if (parent == before_.nodes.end() || !got_its_key(parent->second, parent_now->second)) {
+            found.push_back(path + ": new");
+        }
+    }
+}
+
+void Checker::compare_node(const std::string &path, const NodeState &was, const NodeState &is,
+                           std::vector<std::string> &found) const {
+    const kidl_yfw_datatree &old = was.content;
+    const kidl_yfw_datatree &now = is.content;
+    compare(path + ": tag", old.tag, now.tag, found);
+    compare(path + ": namespace", old.namespace_uri, now.namespace_uri, found);
+    compare(path + ": value", old.value, now.value, found);
+    compare(path + ": operation", old.operation, now.operation, found);
+    const std::uint32_t allowed = allowed_flags(was);
+    if ((now.flags & ~allowed) != (old.flags & ~allowed) || (old.flags & allowed & ~now.flags) != 0) {
+        compare(path + ": flags", old.flags, now.flags, found);
+    }
+    if (!is_allowed_kind(old, now, was.is_entry)) {
+        found.push_back(path + ": hierarchy kind " + std::to_string(old.hierarchy_kind) + " -> " +
+                        std::to_string(now.hierarchy_kind) + ", second flags " + std::to_string(old.second_flags) +
+                        " -> " + std::to_string(now.second_flags));
+    }
+    if (now.consumed_mark != old.consumed_mark && !(was.is_key && now.consumed_mark == 1)) {
+        compare(path + ": consumed mark", static_cast<int>(old.consumed_mark), static_cast<int>(now.consumed_mark),
+                found);
+    }
+    if (!got_its_key(was, is)) {
+        compare(path + ": child count", old.child_count, now.child_count, found);
+        compare(path + ": children", old.children, now.children, found);
+    }
+}
+
+// Flags that the walk may have set; none may have gone.
+std::uint32_t Checker::allowed_flags(const NodeState &was) const {
+    std::uint32_t allowed = was.is_key ? YFW_NODE_KEY_CONSUMED : 0;
+    if (was.content.operation == YFW_OPERATION_REPLACE) {
+        allowed |= YFW_NODE_OPERATION_REWRITTEN;
+    }
+    const std::string source = "src=" + platform_.name_of(was.node) + ",";
+    for (const std::string &line : platform_.calls(Output)) {
+        if (line.find(optics) != std::string::npos && line.find(source) != std::string::npos) {
+            allowed |= YFW_NODE_OPERATION_REWRITTEN;
+        }
+    }
+    return allowed;
+}
+
+bool Checker::got_its_key(const NodeState &was, const NodeState &is) const {
+    if (!was.is_entry || was.has_key || !is_read() || is.content.child_count != was.content.child_count + 1) {
+        return false;
+    }
+    const kidl_yfw_datatree &added = is.content.children[was.content.child_count];
+    return tagged(added, "name") && added.value == nullptr && added.consumed_mark == 1 &&
+           added.flags == (YFW_NODE_IN_USE | YFW_NODE_KEY_CONSUMED);
+}
+
+bool Checker::is_read() const {
+    const std::uint32_t kind = ctx_->request->registration->operation_kind;
+    return kind == YFW_KIND_GET_CONFIG || kind == YFW_KIND_GET;
+}
+
+} // namespace fake
