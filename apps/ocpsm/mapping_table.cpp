@@ -1,0 +1,145 @@
+#include "mapping_table.hpp"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "native_models.hpp"
+
+namespace ocpsm {
+namespace {
+
+// The access of a row, in a scope where nothing else bears these names.
+namespace access {
+inline constexpr bool configuration = true;
+inline constexpr bool state = false;
+} // namespace access
+
+constexpr NodeRow node_table[] = {
+#define YMAP_CONTAINER(suffix, parent, tag, access_of_row)                                                             \
+    {NodeKind::container, false, #suffix, #parent, tag, access::access_of_row, {}},
+#define YMAP_LIST(suffix, parent, tag, access_of_row, conversion)                                                      \
+    {NodeKind::list, false, #suffix, #parent, tag, access::access_of_row, #conversion},
+#define YMAP_KEY(suffix, parent, tag, access_of_row, conversion)                                                       \
+    {NodeKind::leaf, true, #suffix, #parent, tag, access::access_of_row, #conversion},
+#define YMAP_LEAF(suffix, parent, tag, access_of_row, conversion)                                                      \
+    {NodeKind::leaf, false, #suffix, #parent, tag, access::access_of_row, #conversion},
+#define YMAP_REFUSED(suffix, parent, tag, access_of_row)                                                               \
+    {NodeKind::leaf, false, #suffix, #parent, tag, access::access_of_row, {}},
+#include "ymap_oc_opt_psm_openconfig_transport_line_protection_nodes.def"
+#undef YMAP_CONTAINER
+#undef YMAP_LIST
+#undef YMAP_KEY
+#undef YMAP_LEAF
+#undef YMAP_REFUSED
+};
+
+// A native module's name is the last step of its namespace.
+constexpr std::string_view module_name(std::string_view namespace_uri) {
+    return namespace_uri.substr(namespace_uri.rfind('/') + 1);
+}
+
+constexpr ConversionRow conversion_table[] = {
+#define YMAP_TO_LOW(conversion, steps, value, port, model, path)                                                       \
+    {#conversion, #steps, #value, #port, module_name(ymap::model), path},
+#include "ymap_oc_opt_psm_openconfig_transport_line_protection_man_leaves.def"
+#undef YMAP_TO_LOW
+};
+
+constexpr UnsupportedRow unsupported_table[] = {
+#define OCPSM_UNSUPPORTED(path, reason) {path, reason},
+#include "unsupported_nodes.def"
+#undef OCPSM_UNSUPPORTED
+};
+
+constexpr std::pair<std::string_view, std::string_view> step_texts[] = {
+    {"revertive", "the leaf in the module's slot"},
+    {"wait_to_restore", "the leaf in the module's slot"},
+    {"slot_setting", "the leaf in the module's slot"},
+    {"force_to_port", "the leaf in the module's slot"},
+    {"attenuation", "in edits the interface entry of the port's controller; then the leaf"},
+    {"hysteresis", "the interface entry of the port's controller; then the leaf"},
+    {"primary_threshold", "the interface entry of the port's controller; threshold type \"low\" and the leaf"},
+    {"secondary_threshold", "the interface entry of the port's controller; threshold type \"low\" and the leaf"},
+    {"state_leaf", "in reads a selection of the leaf"},
+    {"state_force_to_port", "in reads a selection of the leaf"},
+    {"state_power", "in reads selections of the leaf and of its twin in dBm"},
+    {"state_history", "in reads a selection of the leaf in time-line instance 1"},
+};
+
+constexpr std::string_view name_prefix = "ymap_o2n_oc_opt_psm_openconfigtransportlineprotection_";
+
+} // namespace
+
+std::span<const NodeRow> node_rows() {
+    return node_table;
+}
+
+std::span<const ConversionRow> conversion_rows() {
+    return conversion_table;
+}
+
+std::span<const UnsupportedRow> unsupported_rows() {
+    return unsupported_table;
+}
+
+std::string schema_path(std::span<const NodeRow> rows, const NodeRow &row) {
+    // A parent stands before its children, so that a row can never be above itself.
+    const auto above = rows.first(static_cast<size_t>(&row - rows.data()));
+    const auto parent =
+        std::find_if(above.begin(), above.end(), [&](const NodeRow &r) { return r.suffix == row.parent; });
+    std::string path = parent == above.end() ? std::string() : schema_path(above, *parent);
+    return path.append("/").append(row.tag);
+}
+
+std::string schema_path(const UnsupportedRow &row) {
+    return std::string(YMAP_MODULE "/").append(row.path);
+}
+
+std::vector<std::string> exported_names(const NodeRow &row) {
+    const auto name = [&](std::string_view kind, std::string_view ending = {}) {
+        return std::string(name_prefix).append(kind).append(row.suffix).append(ending);
+    };
+    constexpr std::array<std::string_view, 3> callback_kinds = {"cont_", "list_", "leaf_"};
+    std::vector<std::string> names = {name({}), name(callback_kinds.at(static_cast<size_t>(row.kind)))};
+    if (row.kind != NodeKind::leaf) {
+        names.push_back(name({}, "_parse_augments"));
+    }
+    if (!row.conversion.empty()) {
+        names.emplace_back(row.conversion);
+    }
+    return names;
+}
+
+const ConversionRow *find_conversion(std::span<const ConversionRow> rows, std::string_view conversion) {
+    const auto row =
+        std::find_if(rows.begin(), rows.end(), [&](const ConversionRow &r) { return r.conversion == conversion; });
+    return row == rows.end() ? nullptr : &*row;
+}
+
+std::string describe_value(const ConversionRow &row, std::string_view units) {
+    const auto scaled = [&](std::string_view step, std::string_view factor) {
+        return std::string(step).append(units.empty() ? "" : " ").append(units).append(", ").append(factor);
+    };
+    if (row.value == "tenths") {
+        return scaled("0.1", "x10");
+    }
+    if (row.value == "hundredths") {
+        return scaled("0.01", "x100");
+    }
+    if (row.value == "lockout") {
+        return "PRIMARY: protected, SECONDARY: working, NONE: empty";
+    }
+    if (row.value == "empty") {
+        return "selection only";
+    }
+    return units.empty() ? std::string("as it stands") : std::string(units).append(", as it stands");
+}
+
+std::string_view describe_steps(std::string_view steps) {
+    const auto *const text = std::find_if(std::begin(step_texts), std::end(step_texts),
+                                          [&](const auto &pair) { return pair.first == steps; });
+    return text == std::end(step_texts) ? steps : text->second;
+}
+
+} // namespace ocpsm
