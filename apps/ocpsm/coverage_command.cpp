@@ -1,0 +1,31 @@
+#include "commands.hpp"
+
+#include <ostream>
+
+#include "bench/framework/plugin.hpp"
+#include "coverage.hpp"
+#include "device.hpp"
+#include "messages.hpp"
+#include "openconfig_model.hpp"
+
+namespace ocpsm {
+
+int coverage_command(const std::filesystem::path &plugin_file, std::ostream &output, std::ostream &errors) {
+    // The plug-in's wants are bound when it is loaded, those for the database too.
+    const bench::sysdb::Client database = load_database_client();
+    const bench::framework::Plugin plugin(plugin_file);
+    const std::vector<SchemaNode> model = read_openconfig_model();
+    const CoverageResult result =
+        check_coverage({model, node_rows(), conversion_rows(), unsupported_rows(),
+                        [&](const std::string &name) { return plugin.find(name) != nullptr; }, is_native_leaf});
+
+    for (const Finding &finding : result.findings) {
+        print_error(errors, {{}, finding.path + " " + finding.problem, {}, {}, {}});
+    }
+    output << model.size() << " nodes in the model: " << result.mapped << " mapped, " << result.refused << " refused, "
+           << result.unsupported << " unsupported; " << result.callbacks << " callbacks looked up in "
+           << plugin_file.filename().string() << "; " << result.findings.size() << " findings\n";
+    return result.findings.empty() ? exit_done : exit_refused;
+}
+
+} // namespace ocpsm

@@ -1,0 +1,49 @@
+#include "openconfig_model.hpp"
+
+#include <algorithm>
+
+#include <libyang/libyang.h>
+
+#include "bench/models/models.hpp"
+
+namespace ocpsm {
+namespace {
+
+namespace models = bench::models;
+
+NodeKind kind_of(models::NodeKind kind) {
+    switch (kind) {
+    case models::NodeKind::container:
+        return NodeKind::container;
+    case models::NodeKind::list:
+        return NodeKind::list;
+    default:
+        return NodeKind::leaf;
+    }
+}
+
+void append(std::vector<SchemaNode> &nodes, const lysc_node &node, const std::vector<std::string_view> &parent_keys) {
+    const models::NodeInfo info = models::describe(node);
+    const bool is_key = std::find(parent_keys.begin(), parent_keys.end(), info.name) != parent_keys.end();
+    nodes.push_back({models::schema_path(node), kind_of(info.kind), is_key, info.config, std::string(info.units)});
+    for (const lysc_node *child = lysc_node_child(&node); child != nullptr; child = child->next) {
+        append(nodes, *child, info.keys);
+    }
+}
+
+} // namespace
+
+std::vector<SchemaNode> read_openconfig_model() {
+    std::vector<SchemaNode> nodes;
+    for (const lysc_node *top : models::Schema::openconfig().top_nodes()) {
+        append(nodes, *top, {});
+    }
+    return nodes;
+}
+
+bool is_native_leaf(std::string_view module, std::string_view path) {
+    const auto info = models::Schema::native().describe(path);
+    return info && info->kind == models::NodeKind::leaf && info->module == module;
+}
+
+} // namespace ocpsm

@@ -1,0 +1,28 @@
+// A request as a person gives it: a file or standard input, in XML or JSON.
+#ifndef OCPSM_REQUEST_INPUT_HPP
+#define OCPSM_REQUEST_INPUT_HPP
+
+#include <istream>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "bench/framework/translation.hpp"
+
+namespace ocpsm {
+
+enum class Format { xml, json };
+
+// The text of a file, or of `standard_input` when `name` is "-". Throws bench::Error (input) for one that cannot be
+// read or holds nothing but blanks.
+std::string read_request(const std::string &name, std::istream &standard_input);
+
+// JSON when the first character that is no blank opens an object, else XML.
+Format format_of(std::string_view text);
+
+// What the text itself says about its kind: an XML <filter> is a get, a <config> an edit; nothing else says it.
+std::optional<bench::framework::Kind> kind_of(std::string_view text);
+
+} // namespace ocpsm
+
+#endif

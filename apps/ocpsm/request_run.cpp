@@ -1,0 +1,73 @@
+#include "request_run.hpp"
+
+#include <iostream>
+
+#include "bench/error.hpp"
+#include "device.hpp"
+#include "messages.hpp"
+
+namespace ocpsm {
+namespace {
+
+using bench::framework::Kind;
+using bench::framework::Translation;
+
+Kind kind_of_request(const RequestOptions &options, std::string_view text) {
+    const std::optional<Kind> kind = options.kind ? options.kind : kind_of(text);
+    if (!kind) {
+        throw bench::Error(bench::Error::Source::input, "missing-attribute", {},
+                           "the request does not say whether it is a read or an edit",
+                           "add --get, --get-config or --edit");
+    }
+    return *kind;
+}
+
+void print_channels(const Translation &translation, const RequestOptions &options, std::ostream &errors) {
+    if (options.log) {
+        for (const auto &line : translation.log) {
+            errors << on_one_line(line.text) << '\n';
+        }
+    }
+    if (options.trace) {
+        for (const auto &line : translation.trace) {
+            errors << on_one_line(line.text) << '\n';
+        }
+    }
+}
+
+} // namespace
+
+RequestRun run_request(const RequestOptions &options, bool keep_trace, std::ostream &errors) {
+    const std::string text = read_request(options.file, std::cin);
+    const Kind kind = kind_of_request(options, text);
+    const Device device(options.state, errors);
+    const bench::framework::Plugin plugin(options.plugin);
+
+    bench::framework::TranslationOptions translation_options;
+    translation_options.check_values = options.check_values;
+    translation_options.log = options.log;
+    translation_options.trace = options.trace || keep_trace;
+    translation_options.fitted_modules = device.fitted_modules();
+    Translation translation = bench::framework::translate(plugin.callback(bench::framework::openconfig_root_walker),
+                                                          text, kind, translation_options);
+
+    print_channels(translation, options, errors);
+    for (const std::string &warning : translation.warnings) {
+        print_warning(errors, warning);
+    }
+    return {kind, options.format.value_or(format_of(text)), std::move(translation)};
+}
+
+int print_result(const Translation &translation, std::ostream &output, std::ostream &errors) {
+    output << "result: " << translation.result_name << '\n';
+    if (!translation.error) {
+        return exit_done;
+    }
+    // The two streams may be the same terminal, and the error is to be the last line there.
+    output.flush();
+    const auto &error = *translation.error;
+    print_error(errors, {error.tag, error.message, error.location, error.offending_node, error.advice});
+    return exit_refused;
+}
+
+} // namespace ocpsm
