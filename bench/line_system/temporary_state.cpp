@@ -1,0 +1,38 @@
+#include "bench/line_system/temporary_state.hpp"
+
+#include <cerrno>
+#include <cstdlib>
+#include <string>
+#include <system_error>
+
+#include "bench/error.hpp"
+#include "bench/line_system/storage.hpp"
+
+namespace bench::line_system {
+
+TemporaryState::Directory::Directory() {
+    const char *parent = std::getenv("TMPDIR"); // NOLINT(concurrency-mt-unsafe)
+    std::string name =
+        (std::filesystem::path(parent == nullptr || *parent == '\0' ? "/tmp" : parent) / "ocpsm-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) {
+        throw Error(Error::Source::input, "operation-failed", "",
+                    "no temporary directory can be made as " + name + ": " + std::generic_category().message(errno),
+                    "set TMPDIR to a directory that can be written");
+    }
+    path = name;
+}
+
+TemporaryState::Directory::~Directory() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path, ignored);
+}
+
+TemporaryState::TemporaryState(sysdb::Store &store, const LineSystem &system) : store_(store) {
+    create(store_, directory_.path, system);
+}
+
+TemporaryState::~TemporaryState() {
+    store_.close();
+}
+
+} // namespace bench::line_system
