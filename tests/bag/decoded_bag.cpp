@@ -1,0 +1,168 @@
+#include "decoded_bag.hpp"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <new>
+
+#include <gtest/gtest.h>
+
+#include "bench/bag/format.hpp"
+#include "bench/kerr_table.hpp"
+
+namespace {
+
+std::size_t largest = 0;
+
+void *allocate(std::size_t size) {
+    largest = std::max(largest, size);
+    void *memory = std::malloc(size == 0 ? 1 : size); // NOLINT(cppcoreguidelines-no-malloc)
+    return memory != nullptr ? memory : throw std::bad_alloc();
+}
+
+std::optional<std::string> copy(const char *text) {
+    return text == nullptr ? std::nullopt : std::optional<std::string>(text);
+}
+
+Token read(const bag_token_td &raw) {
+    Token token{raw.type, copy(raw.name), 0, std::nullopt};
+    switch (raw.type) {
+    case BAG_TOKEN_INT8:
+        token.number = raw.value.int8;
+        break;
+    case BAG_TOKEN_UINT8:
+        token.number = raw.value.uint8;
+        break;
+    case BAG_TOKEN_INT16:
+        token.number = raw.value.int16;
+        break;
+    case BAG_TOKEN_UINT16:
+        token.number = raw.value.uint16;
+        break;
+    case BAG_TOKEN_INT32:
+        token.number = raw.value.int32;
+        break;
+    case BAG_TOKEN_UINT32:
+        token.number = raw.value.uint32;
+        break;
+    case BAG_TOKEN_INT64:
+        token.number = raw.value.int64;
+        break;
+    case BAG_TOKEN_UINT64:
+        token.number = static_cast<std::int64_t>(raw.value.uint64);
+        break;
+    case BAG_TOKEN_ENUM:
+        token.number = raw.value.enumeration;
+        break;
+    case BAG_TOKEN_BOOL:
+        token.number = raw.value.boolean;
+        break;
+    case BAG_TOKEN_IPV4:
+        token.text = std::string(4, '\0');
+        std::memcpy(token.text->data(), &raw.value.ipv4, 4);
+        break;
+    case BAG_TOKEN_TEXT:
+        token.text = copy(raw.value.text);
+        break;
+    case BAG_TOKEN_TEXT2:
+        token.text = copy(raw.second_text);
+        break;
+    default:
+        break;
+    }
+    return token;
+}
+
+// No failure gives anything to release, and every failure is final.
+void expect_final(bag_generic_state_td state, kerrno expected) {
+    bag_token_td token{};
+    EXPECT_EQ(bag_generic_token(state, &token), expected);
+    EXPECT_EQ(token.name, nullptr);
+    EXPECT_EQ(token.second_text, nullptr);
+    EXPECT_EQ(token.value.text, nullptr);
+}
+
+} // namespace
+
+void *operator new(std::size_t size) {
+    return allocate(size);
+}
+void *operator new[](std::size_t size) {
+    return allocate(size);
+}
+void operator delete(void *memory) noexcept {
+    std::free(memory);
+} // NOLINT(cppcoreguidelines-no-malloc)
+void operator delete[](void *memory) noexcept {
+    std::free(memory);
+} // NOLINT(cppcoreguidelines-no-malloc)
+void operator delete(void *memory, std::size_t) noexcept {
+    std::free(memory);
+} // NOLINT(cppcoreguidelines-no-malloc)
+void operator delete[](void *memory, std::size_t) noexcept {
+    std::free(memory);
+} // NOLINT(cppcoreguidelines-no-malloc)
+
+void reset_largest_allocation() {
+    largest = 0;
+}
+
+std::size_t largest_allocation() {
+    return largest;
+}
+
+std::ostream &operator<<(std::ostream &out, const Token &token) {
+    out << "type " << token.type << " name " << token.name.value_or("(none)") << " number " << token.number << " text ";
+    const std::string text = token.text.value_or("(none)");
+    return text.size() < 100 ? out << text : out << "of " << text.size() << " characters";
+}
+
+Decoded decode(std::string_view bytes) {
+    const auto exact = std::make_unique<char[]>(bytes.size());
+    bytes.copy(exact.get(), bytes.size());
+    Decoded decoded;
+    bag_generic_state_td state = nullptr;
+    reset_largest_allocation();
+    decoded.init = bag_generic_init(exact.get(), static_cast<std::uint32_t>(bytes.size()), &state);
+    EXPECT_EQ(state == nullptr, decoded.init != KERR_SUCCESS);
+    if (state == nullptr) {
+        return decoded;
+    }
+    std::size_t largest_in_decoder = largest_allocation();
+    bool ended = false;
+    while (!ended && decoded.tokens.size() <= bytes.size()) {
+        bag_token_td token{};
+        reset_largest_allocation();
+        decoded.last = bag_generic_token(state, &token);
+        largest_in_decoder = std::max(largest_in_decoder, largest_allocation());
+        if (decoded.last != KERR_SUCCESS) {
+            expect_final(state, decoded.last);
+            break;
+        }
+        decoded.tokens.push_back(read(token));
+        ended = token.type == BAG_TOKEN_END;
+        bag_generic_free_token_allocations(&token);
+    }
+    if (ended) {
+        expect_final(state, bench::bag::error_past_the_end);
+    }
+    EXPECT_LE(decoded.tokens.size(), bytes.size() / bench::bag::token_header_size);
+    EXPECT_LE(largest_in_decoder, std::max<std::size_t>(bytes.size(), 512));
+    bag_generic_destroy(state);
+    return decoded;
+}
+
+kerrno header_of(std::string_view bytes, bag_header_td &header) {
+    const std::size_t size = std::max(bytes.size(), bench::bag::max_header_size);
+    const auto padded = std::make_unique<char[]>(size);
+    bytes.copy(padded.get(), bytes.size());
+    return bag_header_info(padded.get(), &header);
+}
+
+std::string with_total_length(std::string bytes, std::size_t length) {
+    for (std::size_t i = 0; i < 4; ++i) {
+        bytes.at(4 + i) = static_cast<char>(length >> 8 * i & 0xffu);
+    }
+    return bytes;
+}
