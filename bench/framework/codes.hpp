@@ -15,6 +15,9 @@ inline constexpr kerrno not_served = 0xaaf30600;        // an operation that thi
 // The symbolic name of a code, e.g. "YMAP_ERR_UNSUPPORTED"; for one without a name its number, "0x12345678".
 std::string name_of(kerrno code);
 
+// The text of a code, of this and of the other services; never null.
+const char *text_of(kerrno code);
+
 } // namespace bench::framework
 
 #endif

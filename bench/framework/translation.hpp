@@ -2,21 +2,20 @@
 #ifndef BENCH_FRAMEWORK_TRANSLATION_HPP
 #define BENCH_FRAMEWORK_TRANSLATION_HPP
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "bench/framework/add_record.hpp"
+#include "bench/framework/kind.hpp"
 #include "bench/framework/log_service.hpp"
 #include "bench/framework/plugin.hpp"
+#include "bench/framework/refusal.hpp"
 #include "bench/native/native_request.hpp"
 #include "kerr.h"
 
 namespace bench::framework {
-
-// The operation kind of a request.
-enum class Kind : uint32_t { get_config = 0, edit = 1, get = 10 };
 
 struct TranslationOptions {
     bool check_values = true; // check the values of an edit against the model before the plug-in sees them
@@ -25,35 +24,12 @@ struct TranslationOptions {
     std::vector<std::string> fitted_modules; // names of the modules that there are, for operations on all of them
 };
 
-// One call of the platform's add operation, in the order of the calls.
-struct AddRecord {
-    std::string path; // as the plug-in gave it
-    std::string namespace_uri;
-    std::optional<std::string> value;         // none differs from the empty text
-    std::optional<uint32_t> source_operation; // the operation of the source node, none without a source
-    uint32_t first_flag = 0;
-    uint32_t second_flag = 0;
-    bool relative = false;  // below a node of the request itself (a path without a leading slash)
-    std::string walker;     // innermost walker at that moment; empty without trace
-    std::string conversion; // innermost conversion at that moment; empty without trace, or outside one
-    kerrno result = KERR_SUCCESS;
-};
-
 // One tree that was handed to the plug-in, and what came of it.
 struct HandedOver {
     native::NativeRequest native;
     std::vector<AddRecord> adds;
     kerrno result = KERR_SUCCESS;
     bool nothing_supported = false; // a read of nodes without support only: it is answered empty
-};
-
-// Why a request was refused; all texts without line ends.
-struct Refusal {
-    std::string tag;            // NETCONF error-tag (RFC 6241, appendix A)
-    std::string message;        // what was refused and why
-    std::string location;       // OpenConfig instance path, empty when there is none
-    std::string offending_node; // tag of the refused node as the plug-in recorded it, empty when it recorded none
-    std::string advice;         // what to do, may be empty
 };
 
 struct Translation {

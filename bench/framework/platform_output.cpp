@@ -1,0 +1,119 @@
+// The platform's services for output. Of those for answers only what needs no answer is served: the rest fails.
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "bench/framework/codes.hpp"
+#include "bench/framework/instance_path.hpp"
+#include "bench/framework/mapping_context.hpp"
+#include "yfw_map.h"
+
+using bench::framework::AddRecord;
+using bench::framework::MappingContext;
+
+namespace {
+
+AddRecord record_of(const char *path, const char *namespace_uri, const char *value, const kidl_yfw_datatree *source,
+                    uint32_t first_flag, uint32_t second_flag) {
+    AddRecord add;
+    add.path = path;
+    add.namespace_uri = namespace_uri;
+    if (value != nullptr) {
+        add.value = value;
+    }
+    if (source != nullptr) {
+        add.source_operation = source->operation;
+    }
+    add.first_flag = first_flag;
+    add.second_flag = second_flag;
+    add.relative = !add.path.starts_with('/');
+    return add;
+}
+
+// The one step of a relative path, without prefix; empty when it is not one step.
+std::string single_step(const std::string &path) {
+    return path.find('/') == std::string::npos ? bench::framework::without_prefixes(path) : std::string();
+}
+
+} // namespace
+
+kerrno yfw_map_datatree_add_path_flagged(yfw_map_ctx ctx, struct kidl_yfw_datatree *tree, const char *path,
+                                         const char *namespace_uri, const char *value,
+                                         const struct kidl_yfw_datatree *source, struct kidl_yfw_datatree **result,
+                                         uint32_t first_flag, uint32_t second_flag) {
+    MappingContext *context = MappingContext::of(ctx);
+    if (result != nullptr) {
+        *result = nullptr;
+    }
+    if (context == nullptr || tree == nullptr || path == nullptr || namespace_uri == nullptr) {
+        return bench::framework::invalid_arguments;
+    }
+    AddRecord add = record_of(path, namespace_uri, value, source, first_flag, second_flag);
+    if (!add.relative) {
+        // Native requests are no data trees: there is no node for the slot.
+        add.result = tree == &context->destination() ? context->add_absolute(add) : bench::framework::invalid_arguments;
+    } else if (const std::string tag = single_step(add.path); tag.empty() || tree == &context->destination()) {
+        add.result = bench::framework::invalid_arguments;
+    } else {
+        kidl_yfw_datatree &node = context->add_below(
+            *tree, {tag, add.namespace_uri, add.value, add.source_operation.value_or(YFW_OPERATION_MERGE), {}});
+        if (result != nullptr) {
+            *result = &node;
+        }
+    }
+    if (add.result != KERR_SUCCESS) {
+        context->record_own_refusal(context->hierarchy_path());
+    }
+    const kerrno code = add.result;
+    context->record(std::move(add));
+    return code;
+}
+
+kerrno yfw_map_get_node_info(yfw_map_ctx ctx, const char * /*list_path*/, const char *key_name, const char **text) {
+    MappingContext *context = MappingContext::of(ctx);
+    if (context == nullptr || key_name == nullptr || text == nullptr) {
+        return bench::framework::invalid_arguments;
+    }
+    *text = context->innermost_key(key_name);
+    return KERR_SUCCESS;
+}
+
+kerrno yfw_map_search_or_add_list(yfw_map_ctx /*ctx*/, struct kidl_yfw_datatree * /*destination*/,
+                                  struct yfw_map_module_list * /*list*/, const char * /*list_path*/,
+                                  const char * /*key_value*/, const char * /*key_name*/,
+                                  const char * /*namespace_uri*/) {
+    return bench::framework::not_served;
+}
+
+kerrno yfw_map_stitch_list_to_list(yfw_map_ctx /*ctx*/, struct yfw_map_stitch_entry * /*entry*/) {
+    return bench::framework::not_served;
+}
+
+void yfw_add_to_output_list_ctx(yfw_map_ctx ctx, const struct kidl_yfw_datatree *source,
+                                struct kidl_yfw_datatree *destination) {
+    if (MappingContext *context = MappingContext::of(ctx)) {
+        context->push_output(source, destination);
+    }
+}
+
+void yfw_remove_from_output_list_ctx(yfw_map_ctx ctx, const struct kidl_yfw_datatree * /*source*/,
+                                     struct kidl_yfw_datatree * /*destination*/) {
+    if (MappingContext *context = MappingContext::of(ctx)) {
+        context->pop_output();
+    }
+}
+
+void yfw_map_print_datatree_internal(yfw_map_ctx ctx, const struct kidl_yfw_datatree *node, const char *label) {
+    if (ctx == nullptr || ctx->trace_enabled == 0) {
+        return;
+    }
+    const std::string prefix = std::string(label == nullptr ? "" : label) + ": ";
+    if (node == nullptr) {
+        _lstrace(ctx->trace_buffer, 0, (prefix + "(none)").c_str());
+        return;
+    }
+    for (const std::string &line : bench::framework::print(*node)) {
+        _lstrace(ctx->trace_buffer, 0, (prefix + line).c_str());
+    }
+}
