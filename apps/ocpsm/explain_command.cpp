@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ostream>
 
+#include "bench/framework/codes.hpp"
 #include "bench/models/models.hpp"
 #include "mapping_table.hpp"
 #include "messages.hpp"
@@ -67,7 +68,11 @@ void print_add(std::ostream &output, const AddRecord &add, Kind kind) {
     } else {
         output << model << ":" << on_one_line(add.path);
     }
-    output << " = " << printed_value(add) << printed_scaling(add) << " (" << printed_operation(add, kind) << ")\n";
+    output << " = " << printed_value(add) << printed_scaling(add) << " (" << printed_operation(add, kind) << ")";
+    if (add.result != KERR_SUCCESS) {
+        output << " failed: " << bench::framework::name_of(add.result);
+    }
+    output << '\n';
 }
 
 } // namespace

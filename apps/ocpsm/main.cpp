@@ -46,6 +46,7 @@ private:
 
 CommandLine::CommandLine() {
     app.require_subcommand(1);
+    app.set_help_all_flag("--help-all", "Print the help of every subcommand and exit");
     app.footer("Exit codes: 0 done, 1 refused (nothing has changed), 2 bad usage or unreadable input.");
     app.add_option("--plugin", request.plugin, "The mapping plug-in, else oc-psm.so beside the program's libraries")
         ->type_name("FILE");
