@@ -6,18 +6,8 @@
 #ifndef OC_PSM_OPENCONFIG_CALLBACKS_HPP
 #define OC_PSM_OPENCONFIG_CALLBACKS_HPP
 
-#include "frame.hpp"
 #include "openconfig_names.hpp"
-
-namespace ymap {
-
-// The callback of a list, a leaf, a walker or an augment hook.
-using Callback = kerrno(yfw_map_ctx, const Node *, Node *);
-
-// The callback of a container.
-using ContainerCallback = kerrno(yfw_map_ctx, const Node *, unsigned int, Node *);
-
-} // namespace ymap
+#include "walk.hpp"
 
 extern "C" {
 

@@ -1,6 +1,5 @@
 #include "openconfig_visit.hpp"
 
-#include <algorithm>
 #include <array>
 
 namespace ymap {
@@ -77,21 +76,6 @@ std::span<const NodeId> children_of(NodeId id) {
     const auto index = static_cast<std::size_t>(id);
     return std::span(families.children)
         .subspan(families.begins[index], families.begins[index + 1] - families.begins[index]);
-}
-
-std::span<Node> Visit::children() const {
-    if ((node.flags & YFW_NODE_CHILDREN_VALID) == 0 || node.children == nullptr) {
-        return {};
-    }
-    return {node.children, static_cast<std::size_t>(std::max(node.child_count, 0))};
-}
-
-bool Visit::is_malformed() const {
-    if ((node.flags & YFW_NODE_CHILDREN_VALID) == 0 || node.child_count <= 0 || node.children != nullptr) {
-        return false;
-    }
-    YMAP_ERROR(self.function, ctx, "Failed to get subtrees!");
-    return true;
 }
 
 void Visit::enter() {

@@ -49,11 +49,8 @@ public:
     const bool whole; // the visit is part of a whole-subtree walk: `node` is then the node above
 
     // The node's children as they are now; a replace hides them for a pass.
-    std::span<Node> children() const;
+    std::span<Node> children() const { return children_of(node); }
     bool has_children() const { return !children().empty(); }
-
-    // Reports a node that says it has children but has none.
-    bool is_malformed() const;
 
     // Push the node on the hierarchy and pop it.
     void enter();

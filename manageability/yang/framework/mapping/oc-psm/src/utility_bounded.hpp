@@ -31,6 +31,18 @@ kerrno find_in_bag(yfw_map_ctx ctx, const char *path, bag_token_type_td wanted, 
                    Output out);
 kerrno read_module_name(yfw_map_ctx ctx, const char *psm_key, Output out);
 
+// A direct read.
+using Reader = kerrno(yfw_map_ctx, const char *key, Output);
+
+namespace bounded {
+
+#define YMAP_BAG_READER(reader, bind_path, item, field, type) Reader reader;
+#define YMAP_INTEGER_READER(reader, bind_path, item) Reader reader;
+#define YMAP_HISTORY_READER(reader, field) Reader reader;
+#include "utility_readers.hpp"
+
+} // namespace bounded
+
 } // namespace ymap
 
 #endif

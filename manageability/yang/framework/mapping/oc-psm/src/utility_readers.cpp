@@ -67,7 +67,7 @@ kerrno read_field(const Function &function, yfw_map_ctx ctx, const Field &field,
 }
 
 kerrno read_integer(const Function &function, yfw_map_ctx ctx, const char *bind_path, const char *item_name,
-                    const char *key, char *out) {
+                    const char *key, Output out) {
     trace_key(function, ctx, key);
     Item item;
     const kerrno result = item.fetch(ctx, bind_path, ItemPath(key, item_name).text(), SYSDB_ITEM_INT32);
@@ -79,8 +79,20 @@ kerrno read_integer(const Function &function, yfw_map_ctx ctx, const char *bind_
         return no_data;
     }
     std::memcpy(&number, item.data(), sizeof number);
-    std::sprintf(out, "%d", number);
+    char text[16] = {};
+    std::snprintf(text, sizeof text, "%d", number);
+    out.write(text);
     return KERR_SUCCESS;
+}
+
+kerrno read_history(yfw_map_ctx ctx, const char *field, bag_token_type_td type, const char *key, Output out) {
+    static constexpr Function function{
+        "sysdb_get_pm_30sec_power",
+        "kerrno sysdb_get_pm_30sec_power(yfw_map_ctx, const char *, bag_token_type_td, const char *, char *)",
+        YMAP_SOURCE("utility")};
+    return read_field(function, ctx,
+                      {"/oper/perfmgmt/gl/periodic/optics/interface/", "/30sec/optics/1/timeline_rev/0x1", field, type},
+                      key, out);
 }
 
 } // namespace
@@ -105,6 +117,30 @@ kerrno read_module_name(yfw_map_ctx ctx, const char *psm_key, Output out) {
     return find_in_bag(ctx, "inv_phy_entity_basic_info.Name", BAG_TOKEN_TEXT, item.data(), item.length(), out);
 }
 
+namespace bounded {
+
+#define YMAP_READER_FUNCTION(reader)                                                                                   \
+    static constexpr Function function {                                                                               \
+#reader, "kerrno " #reader "(yfw_map_ctx, const char *, char *)", YMAP_SOURCE("utility")                       \
+    }
+#define YMAP_BAG_READER(reader, bind_path, item, field, type)                                                          \
+    kerrno reader(yfw_map_ctx ctx, const char *key, Output out) {                                                      \
+        YMAP_READER_FUNCTION(reader);                                                                                  \
+        return read_field(function, ctx, {bind_path, item, field, type}, key, out);                                    \
+    }
+#define YMAP_INTEGER_READER(reader, bind_path, item)                                                                   \
+    kerrno reader(yfw_map_ctx ctx, const char *key, Output out) {                                                      \
+        YMAP_READER_FUNCTION(reader);                                                                                  \
+        return read_integer(function, ctx, bind_path, item, key, out);                                                 \
+    }
+#define YMAP_HISTORY_READER(reader, field)                                                                             \
+    kerrno reader(yfw_map_ctx ctx, const char *key, Output out) {                                                      \
+        return read_history(ctx, field, BAG_TOKEN_TEXT, key, out);                                                     \
+    }
+#include "utility_readers.hpp"
+
+} // namespace bounded
+
 } // namespace ymap
 
 extern "C" {
@@ -115,33 +151,15 @@ kerrno sysdb_get_psm_name_from_inventory(yfw_map_ctx ctx, const char *psm_key, c
 
 kerrno sysdb_get_pm_30sec_power(yfw_map_ctx ctx, const char *field, bag_token_type_td type, const char *key,
                                 char *out) {
-    static constexpr Function function{
-        "sysdb_get_pm_30sec_power",
-        "kerrno sysdb_get_pm_30sec_power(yfw_map_ctx, const char *, bag_token_type_td, const char *, char *)",
-        YMAP_SOURCE("utility")};
-    return read_field(function, ctx,
-                      {"/oper/perfmgmt/gl/periodic/optics/interface/", "/30sec/optics/1/timeline_rev/0x1", field, type},
-                      key, Output::unbounded(out));
+    return read_history(ctx, field, type, key, Output::unbounded(out));
 }
 
-#define YMAP_READER_FUNCTION(reader)                                                                                   \
-    static constexpr Function function {                                                                               \
-#reader, "kerrno " #reader "(yfw_map_ctx, const char *, char *)", YMAP_SOURCE("utility")                       \
-    }
 #define YMAP_BAG_READER(reader, bind_path, item, field, type)                                                          \
     kerrno reader(yfw_map_ctx ctx, const char *key, char *out) {                                                       \
-        YMAP_READER_FUNCTION(reader);                                                                                  \
-        return read_field(function, ctx, {bind_path, item, field, type}, key, Output::unbounded(out));                 \
+        return bounded::reader(ctx, key, Output::unbounded(out));                                                      \
     }
-#define YMAP_INTEGER_READER(reader, bind_path, item)                                                                   \
-    kerrno reader(yfw_map_ctx ctx, const char *key, char *out) {                                                       \
-        YMAP_READER_FUNCTION(reader);                                                                                  \
-        return read_integer(function, ctx, bind_path, item, key, out);                                                 \
-    }
-#define YMAP_HISTORY_READER(reader, field)                                                                             \
-    kerrno reader(yfw_map_ctx ctx, const char *key, char *out) {                                                       \
-        return sysdb_get_pm_30sec_power(ctx, field, BAG_TOKEN_TEXT, key, out);                                         \
-    }
+#define YMAP_INTEGER_READER(reader, bind_path, item) YMAP_BAG_READER(reader, bind_path, item, field, type)
+#define YMAP_HISTORY_READER(reader, field) YMAP_BAG_READER(reader, bind_path, item, field, type)
 #include "utility_readers.hpp"
 
 } // extern "C"

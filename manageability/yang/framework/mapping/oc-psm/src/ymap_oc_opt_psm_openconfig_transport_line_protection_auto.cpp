@@ -1,4 +1,5 @@
 // The node callbacks of the OpenConfig model: what the walkers call for each container, list entry and leaf.
+#include "node_callbacks.hpp"
 #include "openconfig_callbacks.hpp"
 #include "ymap_oc_opt_psm_openconfig_transport_line_protection_man.hpp"
 
@@ -6,31 +7,12 @@ namespace {
 
 using namespace ymap;
 
-kerrno container(const Function &function, yfw_map_ctx ctx, const Node *source, const Node *destination) {
-    start(function, ctx);
-    if (source == nullptr || destination == nullptr) {
-        return refuse_arguments(function, ctx);
-    }
-    return KERR_SUCCESS;
-}
-
 kerrno list(const Function &function, Callback &conversion, yfw_map_ctx ctx, const Node *source, Node *destination) {
-    start(function, ctx);
-    if (source == nullptr || destination == nullptr) {
-        return refuse_arguments(function, ctx);
-    }
-    const kerrno result = conversion(ctx, source, destination);
+    const kerrno result = list_callback(function, conversion, ctx, source, destination);
     if (result == KERR_SUCCESS) {
         yfw_map_is_request_delete(source); // the framework counts on the question, not on its answer
     }
     return result;
-}
-
-kerrno leaf(const Function &function, Callback &conversion, yfw_map_ctx ctx, const Node *source, Node *destination) {
-    if (source == nullptr || destination == nullptr) {
-        return refuse_arguments(function, ctx);
-    }
-    return conversion(ctx, source, destination);
 }
 
 // A leaf that the system cannot serve: the location is raised before the name is recorded, and the name's memory is
@@ -56,7 +38,7 @@ extern "C" {
 #define YMAP_CONTAINER(suffix, parent, tag, access)                                                                    \
     kerrno YMAP_CONTAINER_CALLBACK(suffix)(yfw_map_ctx ctx, const Node *source, unsigned int, Node *destination) {     \
         YMAP_AUTO_FUNCTION(YMAP_CONTAINER_CALLBACK(suffix), YMAP_CONTAINER_CALLBACK_PROTOTYPE);                        \
-        return container(function, ctx, source, destination);                                                          \
+        return container_callback(function, ctx, source, destination);                                                 \
     }
 #define YMAP_LIST(suffix, parent, tag, access, conversion)                                                             \
     kerrno YMAP_LIST_CALLBACK(suffix)(yfw_map_ctx ctx, const Node *source, Node *destination) {                        \
@@ -67,7 +49,7 @@ extern "C" {
 #define YMAP_LEAF(suffix, parent, tag, access, conversion)                                                             \
     kerrno YMAP_LEAF_CALLBACK(suffix)(yfw_map_ctx ctx, const Node *source, Node *destination) {                        \
         YMAP_AUTO_FUNCTION(YMAP_LEAF_CALLBACK(suffix), YMAP_CALLBACK_PROTOTYPE);                                       \
-        return leaf(function, conversion, ctx, source, destination);                                                   \
+        return leaf_callback(function, conversion, ctx, source, destination);                                          \
     }
 #define YMAP_REFUSED(suffix, parent, tag, access)                                                                      \
     kerrno YMAP_LEAF_CALLBACK(suffix)(yfw_map_ctx ctx, const Node *source, Node *destination) {                        \

@@ -56,7 +56,7 @@ kerrno walk_container(const Walker &self, yfw_map_ctx ctx, const Node *source, N
         return refuse_arguments(self.function, ctx);
     }
     Visit visit(self, ctx, *source, destination);
-    if (visit.is_malformed()) {
+    if (is_malformed(self.function, ctx, visit.node)) {
         return end(self.function, ctx, YMAP_ERR_BAD_TREE);
     }
     if (has_content_in_delete(visit)) {
@@ -88,11 +88,6 @@ struct EntryKeys {
 bool checks_keys(yfw_map_ctx ctx) {
     const std::uint32_t kind = operation_kind(ctx);
     return kind == 1 || kind == 8 || kind == 15;
-}
-
-void consume(Node &key) {
-    key.consumed_mark = 1;
-    key.flags |= YFW_NODE_KEY_CONSUMED;
 }
 
 // Fills `keys`; fails with the framework's code when a key breaks its leafref.
@@ -282,7 +277,7 @@ kerrno walk_list(const Walker &self, yfw_map_ctx ctx, const Node *source, Node *
         return refuse_arguments(self.function, ctx);
     }
     Visit visit(self, ctx, *source, destination);
-    if (visit.is_malformed()) {
+    if (is_malformed(self.function, ctx, visit.node)) {
         return end(self.function, ctx, YMAP_ERR_BAD_TREE);
     }
     if (!visit.has_children()) {

@@ -1,0 +1,17 @@
+// The exported names of a native model's walkers, callbacks and hooks, made from YMAP_NATIVE_MODULE and a row's suffix.
+#ifndef OC_PSM_NATIVE_NAMES_HPP
+#define OC_PSM_NATIVE_NAMES_HPP
+
+#define YMAP_NATIVE_JOIN(module, rest) ymap_n2o_oc_opt_psm_##module##_##rest
+#define YMAP_NATIVE_NAME(module, rest) YMAP_NATIVE_JOIN(module, rest)
+
+#define YMAP_NATIVE_WALKER(suffix) YMAP_NATIVE_NAME(YMAP_NATIVE_MODULE, suffix)
+#define YMAP_NATIVE_CONTAINER(suffix) YMAP_NATIVE_NAME(YMAP_NATIVE_MODULE, cont_##suffix)
+#define YMAP_NATIVE_LIST(suffix) YMAP_NATIVE_NAME(YMAP_NATIVE_MODULE, list_##suffix)
+#define YMAP_NATIVE_LEAF(suffix) YMAP_NATIVE_NAME(YMAP_NATIVE_MODULE, leaf_##suffix)
+#define YMAP_NATIVE_HOOK(suffix) YMAP_NATIVE_NAME(YMAP_NATIVE_MODULE, suffix##_parse_augments)
+
+// A leaf callback that is written by hand.
+#define YMAP_MAN_LEAF(suffix) YMAP_NATIVE_NAME(YMAP_NATIVE_MODULE, man_leaf_##suffix)
+
+#endif

@@ -1,0 +1,5 @@
+// The node callbacks of Vexlo-ORBIT-controller-optics-oper.
+#define YMAP_NATIVE_MODULE vexloorbitcontrolleropticsoper
+#define YMAP_NODES "ymap_oc_opt_psm_vexlo_orbit_controller_optics_oper_nodes.def"
+#define YMAP_FILE "ymap_oc_opt_psm_vexlo_orbit_controller_optics_oper_auto"
+#include "native_callbacks.hpp"

@@ -1,0 +1,117 @@
+// The interface entries of the line controllers tell which modules there are: one module per primary controller, or per
+// secondary controller that stands alone.
+#include <cstdio>
+#include <cstring>
+
+#include "module_writer.hpp"
+#include "to_high.hpp"
+
+namespace {
+
+using namespace ymap;
+
+#define YMAP_IFMGR_FUNCTION(name)                                                                                      \
+    static constexpr Function function {                                                                               \
+        YMAP_STRING(name), YMAP_CALLBACK_PROTOTYPE(name), YMAP_SOURCE("ymap_oc_opt_psm_vexlo_orbit_ifmgr_cfg_man")     \
+    }
+
+constexpr std::size_t text_size = 200;
+
+// Stitches the key of a module, which makes the module.
+void write_module_key(const Function &function, yfw_map_ctx ctx, Node *destination, const char *module) {
+    trace_module(function, ctx, module);
+    stitch_module_leaf(ctx, destination, module, "/name", module);
+}
+
+kerrno name_to_high(const Function &function, yfw_map_ctx ctx, const Node *source, Node *destination) {
+    char module[text_size] = {};
+    const char *name = value_of(*source);
+    if (check_controller_name_ots_is_good(ctx, name, module) == 1) {
+        write_module_key(function, ctx, destination, module);
+        return answers_configuration(ctx) ? add_module_leaf(ctx, destination, "/config/name", module) : KERR_SUCCESS;
+    }
+    return check_controller_name_ots_is_good_by_port(ctx, name, module, 2) == 1 ? KERR_SUCCESS : YMAP_ERR_SKIP;
+}
+
+// True when the answer holds the primary controller of the slot that a secondary controller belongs to.
+bool is_primary_answered(yfw_map_ctx ctx, const char *secondary) {
+    char primary[text_size] = {};
+    char path[path_size] = {};
+    std::snprintf(primary, sizeof primary, "Ots0/%d/0/1", LineController(secondary).slot);
+    return search_data_in_response(ctx, ctx->request->answer_root,
+                                   "interface-configurations/interface-configuration/interface-name", path,
+                                   primary) == 1;
+}
+
+// True when the entry on top of the hierarchy makes a module, whose key then stands in `module`. A secondary controller
+// makes one only in a read of configuration in which its primary controller is missing.
+bool makes_module(yfw_map_ctx ctx, char *module) {
+    const yfw_map_request &request = *ctx->request;
+    char path[path_size] = {};
+    char name[text_size] = {};
+    compare_path(ctx, request.hierarchy[request.hierarchy_length - 1].node, "interface-configuration/interface-name",
+                 path, name);
+    if (check_controller_name_ots_is_good(ctx, name, module) == 1) {
+        return true;
+    }
+    if (operation_kind(ctx) != YFW_KIND_GET_CONFIG ||
+        check_controller_name_ots_is_good_by_port(ctx, name, module, 2) != 1) {
+        return false;
+    }
+    return !is_primary_answered(ctx, name);
+}
+
+// True when the request names a module and it is another one.
+bool is_another_requested(yfw_map_ctx ctx, const char *module) {
+    char path[path_size] = {};
+    char requested[text_size] = {};
+    compare_path(ctx, ctx->request->request_root, "aps/aps-modules/aps-module/name", path, requested);
+    return requested[0] != '\0' && std::strcmp(requested, module) != 0;
+}
+
+kerrno list_to_high(const Function &function, yfw_map_ctx ctx, const Node *source, Node *destination) {
+    char module[text_size] = {};
+    if (ctx->request->hierarchy_length >= 2 && !makes_module(ctx, module)) {
+        return KERR_SUCCESS;
+    }
+    if (is_another_requested(ctx, module)) {
+        return YMAP_ERR_SKIP;
+    }
+    kerrno result = yfw_map_datatree_add_path_flagged(ctx, destination, YMAP_MODULE, openconfig, nullptr,
+                                                      is_delete(source) ? source : nullptr, nullptr, 1, 0);
+    if (operation_kind(ctx) == YFW_KIND_GET_CONFIG) {
+        write_module_key(function, ctx, destination, module);
+        result = add_module_leaf(ctx, destination, "/config/name", module);
+    }
+    return result;
+}
+
+} // namespace
+
+extern "C" {
+
+kerrno oc_opt_psm_if_list_cfg_to_high(yfw_map_ctx ctx, const Node *source, Node *destination) {
+    YMAP_IFMGR_FUNCTION(oc_opt_psm_if_list_cfg_to_high);
+    return convert_to_high(function, ctx, source, destination,
+                           [&] { return end(function, ctx, list_to_high(function, ctx, source, destination)); });
+}
+
+kerrno interface_psm_key_to_high(yfw_map_ctx ctx, const Node *source, Node *destination) {
+    YMAP_IFMGR_FUNCTION(interface_psm_key_to_high);
+    start(function, ctx);
+    return convert_to_high(function, ctx, source, destination,
+                           [&] { return end(function, ctx, name_to_high(function, ctx, source, destination)); });
+}
+
+#define YMAP_INTERFACE_NAME_LEAF                                                                                       \
+    ymap_n2o_oc_opt_psm_vexloorbitifmgrcfg_man_leaf_lvla_interfaceconfigurations_interfaceconfiguration_interfacename
+
+kerrno YMAP_INTERFACE_NAME_LEAF(yfw_map_ctx ctx, const Node *source, Node *destination) {
+    YMAP_IFMGR_FUNCTION(YMAP_INTERFACE_NAME_LEAF);
+    if (source == nullptr || destination == nullptr) {
+        return refuse_arguments(function, ctx);
+    }
+    return interface_psm_key_to_high(ctx, source, destination);
+}
+
+} // extern "C"
