@@ -22,49 +22,59 @@ TEST(WalkNames, AreAllWalkersOfTheModel) {
     EXPECT_EQ(walker_suffixes().size(), 79u);
 }
 
-class EveryWalker : public WalkTest, public ::testing::WithParamInterface<std::string> {
+class WalkArguments : public WalkTest {
 protected:
-    void expect_refused(kidl_yfw_datatree *node, kidl_yfw_datatree *destination) {
+    void expect_refused(const std::string &suffix, kidl_yfw_datatree *node, kidl_yfw_datatree *destination) {
+        SCOPED_TRACE(suffix);
+        request.set_error_node("kept");
+        platform.forget();
         const fake::Checker checker(platform, request.ctx());
-        EXPECT_EQ(fake::walker(GetParam())(request.ctx(), node, destination), 0xaaf2a000u);
+        EXPECT_EQ(fake::walker(suffix)(request.ctx(), node, destination), 0xaaf2a000u);
         EXPECT_EQ(checker.differences(), Lines{});
         // Start, the error, the location; no End.
-        EXPECT_EQ(story(), (Lines{"+" + GetParam(), "ERR " + GetParam() + ": Invalid arguments passed!", "error_path()"}));
+        EXPECT_EQ(story(), (Lines{"+" + suffix, "ERR " + suffix + ": Invalid arguments passed!", "error_path()"}));
         EXPECT_EQ(platform.calls(fake::Log), (Lines{"log TRC Start", "log ERR Invalid arguments passed!"}));
         EXPECT_EQ(request.error_node(), "kept");
     }
 };
 
-TEST_P(EveryWalker, RefusesAMissingNode) {
-    request.set_error_node("kept");
-    expect_refused(nullptr, dest);
+TEST_F(WalkArguments, MissingNodeIsRefusedByEveryWalker) {
+    for (const std::string &suffix : walker_suffixes()) {
+        expect_refused(suffix, nullptr, dest);
+    }
 }
 
-TEST_P(EveryWalker, RefusesAMissingDestination) {
-    request.set_error_node("kept");
-    expect_refused(build(container("node")).root(), nullptr);
+TEST_F(WalkArguments, MissingDestinationIsRefusedByEveryWalker) {
+    kidl_yfw_datatree *const node = build(container("node")).root();
+    for (const std::string &suffix : walker_suffixes()) {
+        expect_refused(suffix, node, nullptr);
+    }
 }
 
-TEST_P(EveryWalker, DrawsNoSequenceNumberWithoutTrace) {
+TEST_F(WalkArguments, NoSequenceNumberIsDrawnWithoutTrace) {
     request.set_channels(true, false);
-    EXPECT_EQ(fake::walker(GetParam())(request.ctx(), nullptr, dest), 0xaaf2a000u);
-    EXPECT_EQ(platform.count("trace_index"), 0u);
-    EXPECT_EQ(platform.calls(fake::Channels), (Lines{"log TRC Start", "log ERR Invalid arguments passed!"}));
+    for (const std::string &suffix : walker_suffixes()) {
+        SCOPED_TRACE(suffix);
+        platform.forget();
+        EXPECT_EQ(fake::walker(suffix)(request.ctx(), nullptr, dest), 0xaaf2a000u);
+        EXPECT_EQ(platform.count("trace_index"), 0u);
+        EXPECT_EQ(platform.calls(fake::Channels), (Lines{"log TRC Start", "log ERR Invalid arguments passed!"}));
+    }
 }
 
-TEST_P(EveryWalker, AbortsWithoutAContext) {
-    const std::string prototype = "kerrno " + (fake::callback_prefix + GetParam()) +
-                                  "(yfw_map_ctx, const struct kidl_yfw_datatree *, struct kidl_yfw_datatree *)";
-    const kidl_yfw_datatree *const node = build(container("node")).root();
-    EXPECT_DEATH(static_cast<void>(fake::walker(GetParam())(nullptr, node, dest)),
-                 escaped(parser) + ":[0-9]+: " + escaped(prototype + ": Assertion `((void *)0) != ctx' failed."));
+TEST_F(WalkArguments, MissingContextAbortsEveryWalker) {
+    kidl_yfw_datatree *const node = build(container("node")).root();
+    for (const std::string &suffix : walker_suffixes()) {
+        SCOPED_TRACE(suffix);
+        const std::string prototype = "kerrno " + (fake::callback_prefix + suffix) +
+                                      "(yfw_map_ctx, const struct kidl_yfw_datatree *, struct kidl_yfw_datatree *)";
+        const std::string message =
+            escaped(parser) + ":[0-9]+: " + escaped(prototype + ": Assertion `((void *)0) != ctx' failed.");
+        EXPECT_DEATH(static_cast<void>(fake::walker(suffix)(nullptr, node, dest)), message);
+        // The context is looked at before the node.
+        EXPECT_DEATH(static_cast<void>(fake::walker(suffix)(nullptr, nullptr, dest)), message);
+    }
 }
-
-std::string suffix_of(const ::testing::TestParamInfo<std::string> &info) {
-    return info.param;
-}
-
-INSTANTIATE_TEST_SUITE_P(Walk, EveryWalker, ::testing::ValuesIn(walker_suffixes()), suffix_of);
 
 } // namespace
 } // namespace walk

@@ -119,19 +119,17 @@ void WalkTest::note(const std::string &callback) {
     const kidl_yfw_datatree &node = *sampled_;
     const yfw_map_request &state = request.state;
     std::array<char, 300> line{};
-    std::snprintf(line.data(), line.size(),
-                  "%s: op %u%s children %d%s | whole %u delete %u replace %u marker %u selection 0x%x", callback.c_str(),
-                  node.operation, (node.flags & YFW_NODE_OPERATION_REWRITTEN) != 0 ? " rewritten" : "",
-                  node.children == nullptr ? 0 : node.child_count,
-                  (node.flags & YFW_NODE_CHILDREN_VALID) != 0 ? "" : " hidden", state.whole_subtree_walk,
-                  state.delete_walk, state.replace_flags, state.replace_marker, state.read_selection);
+    std::snprintf(
+        line.data(), line.size(), "%s: op %u%s children %d%s | whole %u delete %u replace %u marker %u selection 0x%x",
+        callback.c_str(), node.operation, (node.flags & YFW_NODE_OPERATION_REWRITTEN) != 0 ? " rewritten" : "",
+        node.children == nullptr ? 0 : node.child_count, (node.flags & YFW_NODE_CHILDREN_VALID) != 0 ? "" : " hidden",
+        state.whole_subtree_walk, state.delete_walk, state.replace_flags, state.replace_marker, state.read_selection);
     samples.emplace_back(line.data());
 }
 
 std::string channel_difference(const Lines &lines) {
     for (std::size_t i = 0; i < lines.size(); i += 2) {
-        if (lines[i].compare(0, 4, "log ") != 0 || i + 1 == lines.size() ||
-            lines[i + 1].compare(0, 6, "trace ") != 0) {
+        if (lines[i].compare(0, 4, "log ") != 0 || i + 1 == lines.size() || lines[i + 1].compare(0, 6, "trace ") != 0) {
             return "no pair of log and trace: " + lines[i];
         }
         const std::string level = lines[i].substr(4, 3);

@@ -125,6 +125,10 @@ void Platform::attach(Tree &tree) {
     trees_.push_back(&tree);
 }
 
+void Platform::detach(const Tree &tree) {
+    std::erase(trees_, &tree);
+}
+
 Tree *Platform::tree_of(const void *node) const {
     const auto found = std::find_if(trees_.begin(), trees_.end(), [&](const Tree *tree) { return tree->owns(node); });
     return found == trees_.end() ? nullptr : *found;

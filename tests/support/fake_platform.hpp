@@ -47,16 +47,16 @@ namespace fake {
 
 // The groups of calls, to be joined by |.
 enum Group : unsigned {
-    Output = 1,     // add, search_or_add_list, stitch, output_push, output_pop, get_node_info, print_datatree
-    Walk = 2,       // hierarchy, current list, leafref, instance-tree stack, error_path
-    Questions = 4,  // match, is_request_delete, is_request_add
-    Heap = 8,       // strdup, named_free
-    Texts = 16,     // bounded copies, memset_s, inet_ntoa_r, strerror
-    Log = 32,       // log lines
-    Trace = 64,     // trace lines
-    Filter = 128,   // should_log, trace_index
-    Database = 256, // sysdb_..., access
-    Bags = 512,     // bag_...
+    Output = 1,       // add, search_or_add_list, stitch, output_push, output_pop, get_node_info, print_datatree
+    Walk = 2,         // hierarchy, current list, leafref, instance-tree stack, error_path
+    Questions = 4,    // match, is_request_delete, is_request_add
+    Heap = 8,         // strdup, named_free
+    Texts = 16,       // bounded copies, memset_s, inet_ntoa_r, strerror
+    Log = 32,         // log lines
+    Trace = 64,       // trace lines
+    Filter = 128,     // should_log, trace_index
+    Database = 256,   // sysdb_..., access
+    Bags = 512,       // bag_...
     Callbacks = 1024, // the plug-in's own callbacks, where a test program stands in between
     Channels = Log | Trace,
     Everything = 2047,
@@ -149,6 +149,7 @@ public:
     [[nodiscard]] std::string name_of(const void *object) const;
     // A tree in which nodes are named by path and to which relative adds add. It must outlive the platform's use.
     void attach(Tree &tree);
+    void detach(const Tree &tree);
     [[nodiscard]] Tree *tree_of(const void *node) const;
     [[nodiscard]] const std::vector<Tree *> &trees() const { return trees_; }
 

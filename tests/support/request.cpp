@@ -80,4 +80,11 @@ Tree &RequestTest::build(const Node &description, const std::string &name) {
     return *trees_.back();
 }
 
+void RequestTest::drop_trees() {
+    for (const auto &tree : trees_) {
+        platform.detach(*tree);
+    }
+    trees_.clear();
+}
+
 } // namespace fake

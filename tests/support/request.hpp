@@ -54,6 +54,8 @@ protected:
 
     // Builds a tree and attaches it; its nodes print as their paths. With a name the root prints as that.
     Tree &build(const Node &description, const std::string &name = "");
+    // Releases all trees that were built so far, for tests that run through many.
+    void drop_trees();
 
     Platform platform;
     Request request;
