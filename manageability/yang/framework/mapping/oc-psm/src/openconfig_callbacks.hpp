@@ -24,7 +24,7 @@ extern "C" {
 #define YMAP_REFUSED(suffix, parent, tag, access)                                                                      \
     YMAP_EXPORT ymap::Callback YMAP_WALKER(suffix);                                                                    \
     YMAP_EXPORT ymap::Callback YMAP_LEAF_CALLBACK(suffix);
-#include "openconfig_table.hpp"
+#include "openconfig_table.inc"
 
 } // extern "C"
 

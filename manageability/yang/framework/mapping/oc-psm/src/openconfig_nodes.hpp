@@ -18,7 +18,7 @@ enum class NodeId {
 #define YMAP_KEY(suffix, parent, tag, access, conversion) suffix,
 #define YMAP_LEAF(suffix, parent, tag, access, conversion) suffix,
 #define YMAP_REFUSED(suffix, parent, tag, access) suffix,
-#include "openconfig_table.hpp"
+#include "openconfig_table.inc"
 };
 
 struct NodeRow {
@@ -42,7 +42,7 @@ inline constexpr NodeRow node_rows[] = {
     {NodeId::suffix, NodeId::parent, NodeKind::leaf, Access::access, #suffix, tag, #conversion},
 #define YMAP_REFUSED(suffix, parent, tag, access)                                                                      \
     {NodeId::suffix, NodeId::parent, NodeKind::refused, Access::access, #suffix, tag, nullptr},
-#include "openconfig_table.hpp"
+#include "openconfig_table.inc"
 };
 
 inline constexpr std::size_t node_count = std::size(node_rows);

@@ -42,7 +42,7 @@ constexpr Walker walkers[] = {
 #define YMAP_KEY(suffix, parent, tag, access, conversion) YMAP_LEAF_ROW(suffix, key, access)
 #define YMAP_LEAF(suffix, parent, tag, access, conversion) YMAP_LEAF_ROW(suffix, leaf, access)
 #define YMAP_REFUSED(suffix, parent, tag, access) YMAP_LEAF_ROW(suffix, refused, access)
-#include "openconfig_table.hpp"
+#include "openconfig_table.inc"
 };
 
 // The table's rows ordered by parent, and where each parent's children begin.

@@ -16,7 +16,7 @@ extern "C" {
 #define YMAP_PORT_TO_HIGH(conversion, entry, direction, divisor, leaf, reader, ports, config_reader, others)           \
     YMAP_SLOT_TO_HIGH(conversion, slot_list, value, leaf)
 #define YMAP_MODULE_TO_HIGH(conversion, steps, primary, secondary) YMAP_SLOT_TO_HIGH(conversion, slot_list, value, leaf)
-#include "to_high_tables.hpp"
+#include "to_high_tables.inc"
 
 // The interface entry of a controller: opens the module that it belongs to, once per module.
 YMAP_EXPORT kerrno oc_opt_psm_if_list_cfg_to_high(yfw_map_ctx ctx, const kidl_yfw_datatree *source,

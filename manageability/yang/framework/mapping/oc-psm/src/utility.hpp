@@ -104,7 +104,7 @@ YMAP_EXPORT void convert_bag_value_to_str(yfw_map_ctx ctx, const bag_token_td *t
 #define YMAP_INTEGER_READER(reader, bind_path, item)                                                                   \
     YMAP_EXPORT kerrno reader(yfw_map_ctx ctx, const char *key, char *out);
 #define YMAP_HISTORY_READER(reader, field) YMAP_EXPORT kerrno reader(yfw_map_ctx ctx, const char *key, char *out);
-#include "utility_readers.hpp"
+#include "utility_readers.inc"
 YMAP_EXPORT kerrno sysdb_get_pm_30sec_power(yfw_map_ctx ctx, const char *field, bag_token_type_td type, const char *key,
                                             char *out);
 YMAP_EXPORT kerrno sysdb_get_psm_name_from_inventory(yfw_map_ctx ctx, const char *psm_key, char *out);

@@ -39,7 +39,7 @@ namespace bounded {
 #define YMAP_BAG_READER(reader, bind_path, item, field, type) Reader reader;
 #define YMAP_INTEGER_READER(reader, bind_path, item) Reader reader;
 #define YMAP_HISTORY_READER(reader, field) Reader reader;
-#include "utility_readers.hpp"
+#include "utility_readers.inc"
 
 } // namespace bounded
 

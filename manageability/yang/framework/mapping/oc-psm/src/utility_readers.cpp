@@ -137,7 +137,7 @@ namespace bounded {
     kerrno reader(yfw_map_ctx ctx, const char *key, Output out) {                                                      \
         return read_history(ctx, field, BAG_TOKEN_TEXT, key, out);                                                     \
     }
-#include "utility_readers.hpp"
+#include "utility_readers.inc"
 
 } // namespace bounded
 
@@ -160,6 +160,6 @@ kerrno sysdb_get_pm_30sec_power(yfw_map_ctx ctx, const char *field, bag_token_ty
     }
 #define YMAP_INTEGER_READER(reader, bind_path, item) YMAP_BAG_READER(reader, bind_path, item, field, type)
 #define YMAP_HISTORY_READER(reader, field) YMAP_BAG_READER(reader, bind_path, item, field, type)
-#include "utility_readers.hpp"
+#include "utility_readers.inc"
 
 } // extern "C"

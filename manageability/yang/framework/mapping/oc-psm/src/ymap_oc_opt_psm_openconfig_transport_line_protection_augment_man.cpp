@@ -33,6 +33,6 @@ extern "C" {
 #define YMAP_KEY(suffix, parent, tag, access, conversion)
 #define YMAP_LEAF(suffix, parent, tag, access, conversion)
 #define YMAP_REFUSED(suffix, parent, tag, access)
-#include "openconfig_table.hpp"
+#include "openconfig_table.inc"
 
 } // extern "C"

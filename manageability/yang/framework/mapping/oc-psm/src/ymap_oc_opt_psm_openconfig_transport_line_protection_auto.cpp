@@ -56,6 +56,6 @@ extern "C" {
         YMAP_AUTO_FUNCTION(YMAP_LEAF_CALLBACK(suffix), YMAP_CALLBACK_PROTOTYPE);                                       \
         return refused(function, ctx, source, destination);                                                            \
     }
-#include "openconfig_table.hpp"
+#include "openconfig_table.inc"
 
 } // extern "C"

@@ -353,6 +353,6 @@ extern "C" {
 #define YMAP_KEY(suffix, parent, tag, access, conversion) YMAP_DEFINE_WALKER(suffix, walk_leaf)
 #define YMAP_LEAF(suffix, parent, tag, access, conversion) YMAP_DEFINE_WALKER(suffix, walk_leaf)
 #define YMAP_REFUSED(suffix, parent, tag, access) YMAP_DEFINE_WALKER(suffix, walk_leaf)
-#include "openconfig_table.hpp"
+#include "openconfig_table.inc"
 
 } // extern "C"

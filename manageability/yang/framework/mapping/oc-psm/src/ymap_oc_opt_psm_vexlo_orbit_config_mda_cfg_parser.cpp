@@ -4,4 +4,4 @@
 #define YMAP_FILE "ymap_oc_opt_psm_vexlo_orbit_config_mda_cfg_parser"
 #define YMAP_NAMESPACE mda_cfg
 #define YMAP_OPERATIONAL false
-#include "native_walkers.hpp"
+#include "native_walkers.inc"

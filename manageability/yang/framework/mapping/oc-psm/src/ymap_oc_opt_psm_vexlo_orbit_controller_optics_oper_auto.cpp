@@ -2,4 +2,4 @@
 #define YMAP_NATIVE_MODULE vexloorbitcontrolleropticsoper
 #define YMAP_NODES "ymap_oc_opt_psm_vexlo_orbit_controller_optics_oper_nodes.def"
 #define YMAP_FILE "ymap_oc_opt_psm_vexlo_orbit_controller_optics_oper_auto"
-#include "native_callbacks.hpp"
+#include "native_callbacks.inc"

@@ -4,4 +4,4 @@
 #define YMAP_FILE "ymap_oc_opt_psm_vexlo_orbit_controller_tlm2200_ots_oper_parser"
 #define YMAP_NAMESPACE ots_oper
 #define YMAP_OPERATIONAL true
-#include "native_walkers.hpp"
+#include "native_walkers.inc"

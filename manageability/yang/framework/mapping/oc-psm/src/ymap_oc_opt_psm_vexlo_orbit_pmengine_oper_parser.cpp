@@ -4,4 +4,4 @@
 #define YMAP_FILE "ymap_oc_opt_psm_vexlo_orbit_pmengine_oper_parser"
 #define YMAP_NAMESPACE pmengine_oper
 #define YMAP_OPERATIONAL true
-#include "native_walkers.hpp"
+#include "native_walkers.inc"

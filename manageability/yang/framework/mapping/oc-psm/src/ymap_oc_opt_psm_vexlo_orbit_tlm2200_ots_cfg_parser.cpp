@@ -4,4 +4,4 @@
 #define YMAP_FILE "ymap_oc_opt_psm_vexlo_orbit_tlm2200_ots_cfg_parser"
 #define YMAP_NAMESPACE ots_cfg
 #define YMAP_OPERATIONAL false
-#include "native_walkers.hpp"
+#include "native_walkers.inc"
