@@ -24,6 +24,7 @@ protected:
     // Walks a fresh leaf and gives what it and the request became: "kind 6 second 4 selection 0x10004".
     std::string marks(const std::string &suffix, const Node &description, kerrno expected = KERR_SUCCESS) {
         platform.forget();
+        drop_trees();
         Tree &tree = build(description, "leaf");
         EXPECT_EQ(walk(suffix, tree), expected);
         EXPECT_EQ(story(), (Lines{"+" + suffix, "leaf_" + suffix + "(leaf)", "-" + suffix}));

@@ -85,7 +85,11 @@ std::vector<std::string> Checker::differences() const {
 Checker::Picture Checker::take() const {
     Picture picture;
     for (const Tree *tree : platform_.trees()) {
-        visit(picture.nodes, *tree->root(), tree->path_of(tree->root()), false);
+        std::string path = tree->path_of(tree->root());
+        if (picture.nodes.count(path) != 0) { // another tree of the same name
+            path += "#" + std::to_string(picture.nodes.size());
+        }
+        visit(picture.nodes, *tree->root(), path, false);
     }
     for (const yfw_map_hierarchy_level &level : platform_.hierarchy) {
         picture.hierarchy.push_back(platform_.name_of(level.node) + " " + std::to_string(level.kind));
