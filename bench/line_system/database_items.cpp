@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "bench/bag/encoder.hpp"
 
@@ -96,8 +97,8 @@ std::string inventory_key(int slot) {
 
 // Hundredths as a device writes them: two places, padded on both sides.
 std::string history_text(int hundredths) {
-    const int magnitude = std::abs(hundredths);
-    const int places = magnitude % 100;
+    const long long magnitude = std::llabs(hundredths);
+    const long long places = magnitude % 100;
     std::string text = hundredths < 0 ? "-" : "";
     text += std::to_string(magnitude / 100) + (places < 10 ? ".0" : ".") + std::to_string(places) + " ";
     if (text.size() < history_text_width) {

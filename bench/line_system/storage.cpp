@@ -1,6 +1,5 @@
 #include "bench/line_system/storage.hpp"
 
-#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstddef>
@@ -8,7 +7,6 @@
 #include <string>
 #include <string_view>
 #include <system_error>
-#include <vector>
 
 #include "bench/error.hpp"
 #include "bench/line_system/database_items.hpp"

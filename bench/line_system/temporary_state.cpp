@@ -11,12 +11,13 @@
 namespace bench::line_system {
 
 TemporaryState::Directory::Directory() {
-    const char *parent = std::getenv("TMPDIR"); // NOLINT(concurrency-mt-unsafe)
-    std::string name =
-        (std::filesystem::path(parent == nullptr || *parent == '\0' ? "/tmp" : parent) / "ocpsm-XXXXXX").string();
+    const char *configured = std::getenv("TMPDIR"); // NOLINT(concurrency-mt-unsafe)
+    const std::filesystem::path parent = configured == nullptr || *configured == '\0' ? "/tmp" : configured;
+    std::string name = (parent / "ocpsm-XXXXXX").string();
     if (mkdtemp(name.data()) == nullptr) {
         throw Error(Error::Source::input, "operation-failed", "",
-                    "no temporary directory can be made as " + name + ": " + std::generic_category().message(errno),
+                    "no temporary directory can be made in " + parent.string() + ": " +
+                        std::generic_category().message(errno),
                     "set TMPDIR to a directory that can be written");
     }
     path = name;
