@@ -1,5 +1,7 @@
 #include <exception>
 #include <iostream>
+#include <string>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -38,11 +40,17 @@ struct CommandLine {
 
     CommandLine();
     int run(std::ostream &output, std::ostream &errors);
+    std::string usage_error(const CLI::ParseError &error) const;
 
 private:
     void add_request_options(CLI::App &command);
     int explain_or_table(std::ostream &output, std::ostream &errors);
 };
+
+// The type name in the help says already what is allowed.
+CLI::Validator one_of(const std::vector<std::string> &values) {
+    return CLI::IsMember(values).description("");
+}
 
 CommandLine::CommandLine() {
     app.require_subcommand(1);
@@ -56,16 +64,19 @@ CommandLine::CommandLine() {
     add_request_options(*translate);
     translate->add_option("--format", format, "Print native requests as xml or json, else as the request came")
         ->type_name("xml|json")
-        ->check(CLI::IsMember({"xml", "json"}));
+        ->check(one_of({"xml", "json"}));
 
     explain =
         app.add_subcommand("explain", "Print a line per native node that is added: walker -> conversion -> native "
                                       "path = value [unit, scaling] (operation, source, flags)");
     add_request_options(*explain);
-    explain->add_flag("--table", table, "Print the mapping of every node of the model instead, with units and scaling");
+    CLI::Option *table_flag = explain->add_flag(
+        "--table", table, "Print the mapping of every node of the model instead, with units and scaling");
+    table_flag->excludes("file");
     explain->add_option("--format", format, "Print the table as text or markdown")
         ->type_name("text|markdown")
-        ->check(CLI::IsMember({"text", "markdown"}));
+        ->needs(table_flag)
+        ->check(one_of({"text", "markdown"}));
 
     coverage = app.add_subcommand("coverage", "Prove that model, mapping tables and plug-in agree, node by node");
 }
@@ -73,11 +84,11 @@ CommandLine::CommandLine() {
 void CommandLine::add_request_options(CLI::App &command) {
     command.footer(request_footer);
     command.add_option("file", request.file, "The request; - for standard input")->type_name("FILE");
-    CLI::Option_group *kinds = command.add_option_group("Kind of request");
-    kinds->add_flag("--get", get, "A read of configuration and operational state");
-    kinds->add_flag("--get-config", get_config, "A read of configuration only");
-    kinds->add_flag("--edit", edit, "A change of configuration");
-    kinds->require_option(0, 1);
+    CLI::Option *get_flag = command.add_flag("--get", get, "A read of configuration and operational state");
+    CLI::Option *get_config_flag = command.add_flag("--get-config", get_config, "A read of configuration only");
+    CLI::Option *edit_flag = command.add_flag("--edit", edit, "A change of configuration");
+    get_flag->excludes(get_config_flag)->excludes(edit_flag);
+    get_config_flag->excludes(edit_flag);
     command.add_flag("--log", request.log, "Show the plug-in's debug log on standard error");
     command.add_flag("--trace", request.trace, "Show the plug-in's trace buffer on standard error");
     command.add_flag("--no-check", unchecked, "Hand over the values of an edit without checking them first");
@@ -115,6 +126,16 @@ int CommandLine::run(std::ostream &output, std::ostream &errors) {
     return translate_command(request, output, errors);
 }
 
+// A misspelt subcommand is to be named: the parser only says that there is none.
+std::string CommandLine::usage_error(const CLI::ParseError &error) const {
+    if (!app.get_subcommands().empty() || app.remaining().empty() || app.remaining().front().empty()) {
+        return error.what();
+    }
+    const std::string &argument = app.remaining().front();
+    return (argument.front() == '-' ? "there is no option " : "there is no subcommand ") + argument +
+           "; the subcommands are translate, explain and coverage";
+}
+
 int run_program(int argc, char **argv) {
     CommandLine line;
     try {
@@ -123,7 +144,7 @@ int run_program(int argc, char **argv) {
     } catch (const CLI::Success &help) {
         return line.app.exit(help);
     } catch (const CLI::ParseError &error) {
-        print_error(std::cerr, {{}, error.what(), {}, {}, "ocpsm --help tells the usage"});
+        print_error(std::cerr, {{}, line.usage_error(error), {}, {}, "ocpsm --help tells the usage"});
     } catch (const bench::Error &error) {
         print_error(std::cerr, {error.tag, error.what(), error.path, {}, error.advice});
         return error.source == bench::Error::Source::refused ? exit_refused : exit_bad_input;

@@ -15,7 +15,7 @@ constexpr std::string_view blanks = " \t\r\n";
 constexpr std::string_view byte_order_mark = "\xef\xbb\xbf";
 
 [[noreturn]] void unreadable(const std::string &name, const std::string &reason) {
-    throw bench::Error(bench::Error::Source::input, "invalid-value", {}, "cannot read " + name + ": " + reason,
+    throw bench::Error(bench::Error::Source::input, {}, {}, "cannot read " + name + ": " + reason,
                        "name a file with an XML or JSON request, or - for standard input");
 }
 
@@ -70,6 +70,11 @@ std::string read_request(const std::string &name, std::istream &standard_input) 
         unreadable(name == "-" ? "standard input" : name, "it is empty");
     }
     return text;
+}
+
+bool looks_like_request(std::string_view text) {
+    text = without_leading_blanks(text);
+    return !text.empty() && (text.front() == '<' || text.front() == '{');
 }
 
 Format format_of(std::string_view text) {

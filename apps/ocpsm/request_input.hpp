@@ -17,6 +17,9 @@ enum class Format { xml, json };
 // read or holds nothing but blanks.
 std::string read_request(const std::string &name, std::istream &standard_input);
 
+// Whether the first character that is no blank begins XML or a JSON object.
+bool looks_like_request(std::string_view text);
+
 // JSON when the first character that is no blank opens an object, else XML.
 Format format_of(std::string_view text);
 

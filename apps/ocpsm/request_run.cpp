@@ -14,8 +14,11 @@ using bench::framework::Translation;
 
 Kind kind_of_request(const RequestOptions &options, std::string_view text) {
     const std::optional<Kind> kind = options.kind ? options.kind : kind_of(text);
+    if (!kind && !looks_like_request(text)) {
+        return Kind::get; // the parser says what is wrong with it
+    }
     if (!kind) {
-        throw bench::Error(bench::Error::Source::input, "missing-attribute", {},
+        throw bench::Error(bench::Error::Source::input, {}, {},
                            "the request does not say whether it is a read or an edit",
                            "add --get, --get-config or --edit");
     }

@@ -33,6 +33,15 @@ std::string short_path(const std::string &path) {
     return path.compare(0, module.size(), module) == 0 ? path.substr(module.size()) : path;
 }
 
+// What the conversions add that have no row of their own because they write no single leaf.
+std::string describe_key_additions(const NodeRow &row) {
+    if (row.kind == NodeKind::list) {
+        return "the native list entries of the module; without a name those of every fitted module";
+    }
+    return row.is_key ? "the entries of interface, node and slot with their keys"
+                      : "in reads the keys of the native list entries";
+}
+
 // Containers add nothing and get no line.
 std::vector<Line> lines_of_rows(const Units &units) {
     std::vector<Line> lines;
@@ -53,7 +62,7 @@ std::vector<Line> lines_of_rows(const Units &units) {
         } else if (row.conversion.empty()) {
             line.additions = "refused: the device has no such value";
         } else {
-            line.additions = "the native entries of the module and their keys";
+            line.additions = describe_key_additions(row);
         }
         lines.push_back(std::move(line));
     }

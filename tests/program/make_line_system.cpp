@@ -1,0 +1,32 @@
+// Makes the directory of a line system for tests.
+//   make_line_system DIRECTORY SLOT...
+#include <cstdlib>
+#include <iostream>
+
+#include "bench/error.hpp"
+#include "bench/line_system/storage.hpp"
+#include "bench/sysdb/client_library.hpp"
+
+int main(int argc, char **argv) {
+    namespace line_system = bench::line_system;
+    if (argc < 2) {
+        std::cerr << "make_line_system DIRECTORY SLOT...\n";
+        return 2;
+    }
+    try {
+        line_system::LineSystem system;
+        for (int index = 2; index < argc; ++index) {
+            const int slot = std::atoi(argv[index]); // NOLINT
+            line_system::Module module;
+            module.inventory_name = line_system::module_name(slot);
+            system.slots.at(static_cast<size_t>(slot) - 1) = module;
+        }
+        const bench::sysdb::Client client;
+        line_system::create(client.store(), argv[1], system);
+        client.store().close();
+    } catch (const std::exception &error) {
+        std::cerr << "make_line_system: " << error.what() << '\n';
+        return 1;
+    }
+    return 0;
+}
