@@ -2,6 +2,7 @@
 
 #include <libyang/libyang.h>
 
+#include <cstdint>
 #include <stdexcept>
 
 namespace bench::models {
@@ -48,6 +49,18 @@ void add_derived(const lysc_ident &base, std::vector<std::string_view> &names) {
         add_derived(*base.derived[index], names);
     }
 }
+
+// While it lives, this thread's libyang messages are kept, not printed.
+class Quiet {
+public:
+    Quiet() { ly_temp_log_options(&options_); }
+    ~Quiet() { ly_temp_log_options(nullptr); }
+    Quiet(const Quiet &) = delete;
+    Quiet &operator=(const Quiet &) = delete;
+
+private:
+    std::uint32_t options_ = LY_LOSTORE_LAST;
+};
 
 std::vector<std::string_view> choices_of(const lysc_type &type) {
     std::vector<std::string_view> names;
@@ -118,6 +131,7 @@ void Schema::Destroy::operator()(ly_ctx *context) const noexcept {
 }
 
 Schema::Schema(std::span<const ModuleText> modules) {
+    const Quiet quiet;
     ly_ctx *made = nullptr;
     if (ly_ctx_new(nullptr, LY_CTX_NO_YANGLIBRARY | LY_CTX_DISABLE_SEARCHDIRS, &made) != LY_SUCCESS) {
         throw std::runtime_error("cannot make a libyang context");

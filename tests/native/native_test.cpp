@@ -1,0 +1,49 @@
+#include "native/native_test.hpp"
+
+#include <gtest/gtest.h>
+
+// g++ 12 takes a constructor's parameters named like members for shadowing.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wshadow"
+#include "bench/error.hpp"
+#pragma GCC diagnostic pop
+
+namespace native_test {
+
+bench::native::NativeRequest::NodeId Request::put(const std::string &path, const char *namespace_uri, Value value,
+                                                  std::uint32_t operation, bool first, std::uint32_t second) {
+    NodeId id = root;
+    EXPECT_EQ(add(path, namespace_uri, value, operation, first, second, root, &id), KERR_SUCCESS) << path;
+    return id;
+}
+
+std::string config(const std::string &body) {
+    return "<nc:config xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\">\n" + body + "</nc:config>\n";
+}
+
+std::string filter(const std::string &body) {
+    return "<nc:filter xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\" type=\"subtree\">\n" + body +
+           "</nc:filter>\n";
+}
+
+std::string error_of(const std::function<void()> &call) {
+    try {
+        call();
+    } catch (const bench::Error &error) {
+        const char *source = error.source == bench::Error::Source::refused ? "refused" : "input";
+        return std::string(source) + " " + error.tag + " at '" + error.path + "': " + error.what() +
+               (error.advice.empty() ? "" : " | " + error.advice);
+    }
+    return "none";
+}
+
+std::string steps(const bench::native::NativeRequest &request) {
+    std::string out;
+    for (const bench::native::NativeOperation &step : request.net().operations()) {
+        out.append(bench::native::operation_name(step.operation)).append(" ").append(step.path);
+        out.append(step.value ? " = " + *step.value : "").append("\n");
+    }
+    return out;
+}
+
+} // namespace native_test

@@ -1,0 +1,81 @@
+// What the tests of native requests share: the native names, written out once more, and short ways to add and compare.
+#ifndef TESTS_NATIVE_NATIVE_TEST_HPP
+#define TESTS_NATIVE_NATIVE_TEST_HPP
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "bench/native/native_request.hpp"
+
+namespace native_test {
+
+inline constexpr char ifmgr[] = "http://vexlo.example/ns/yang/Vexlo-ORBIT-ifmgr-cfg";
+inline constexpr char optics[] = "http://vexlo.example/ns/yang/Vexlo-ORBIT-controller-optics-cfg";
+inline constexpr char mda[] = "http://vexlo.example/ns/yang/Vexlo-ORBIT-config-mda-cfg";
+inline constexpr char ots[] = "http://vexlo.example/ns/yang/Vexlo-ORBIT-tlm2200-ots-cfg";
+inline constexpr char ots_oper[] = "http://vexlo.example/ns/yang/Vexlo-ORBIT-controller-tlm2200-ots-oper";
+inline constexpr char pm[] = "http://vexlo.example/ns/yang/Vexlo-ORBIT-pmengine-oper";
+
+inline const std::string node_path = "/active-nodes/active-node";
+inline const std::string slot_path = "/active-nodes/active-node/slot";
+inline const std::string psm_path = "/active-nodes/active-node/slot/psm";
+inline const std::string interface_path = "/interface-configurations/interface-configuration";
+inline const std::string optics_path = "/interface-configurations/interface-configuration/optics";
+inline const std::string threshold_path =
+    "/interface-configurations/interface-configuration/optics/rx-thresholds/rx-threshold";
+inline const std::string port_path = "/ots-oper/ots-ports/ots-port";
+inline const std::string info_path = "/ots-oper/ots-ports/ots-port/ots-info";
+inline const std::string history_path =
+    "/performance-management-history/global/periodic/optics-history/optics-port-histories/optics-port-history";
+inline const std::string second30_path =
+    "/performance-management-history/global/periodic/optics-history/optics-port-histories/optics-port-history"
+    "/optics-second30-history/optics-second30-optics-histories/optics-second30-optics-history";
+inline const std::string time_line_path =
+    "/performance-management-history/global/periodic/optics-history/optics-port-histories/optics-port-history"
+    "/optics-second30-history/optics-second30-optics-histories/optics-second30-optics-history"
+    "/optics-second30-optics-time-line-instances/optics-second30-optics-time-line-instance";
+
+using Value = std::optional<std::string_view>;
+inline constexpr Value none = std::nullopt;
+
+// Operations of a source node.
+inline constexpr std::uint32_t merge = 0;
+inline constexpr std::uint32_t replace = 1;
+inline constexpr std::uint32_t create = 2;
+inline constexpr std::uint32_t erase = 3;
+inline constexpr std::uint32_t remove = 4;
+
+// A request that fails the test when an add fails.
+class Request : public bench::native::NativeRequest {
+public:
+    using NativeRequest::NativeRequest;
+
+    // Flags as the mapping tables write them: (first, second).
+    NodeId put(const std::string &path, const char *namespace_uri, Value value, std::uint32_t operation, bool first,
+               std::uint32_t second);
+
+    std::string xml() const { return net().to_xml(); }
+};
+
+inline Request edit() {
+    return Request(bench::native::RequestKind::edit);
+}
+inline Request read() {
+    return Request(bench::native::RequestKind::read);
+}
+
+// What an edit or a read prints when `body` is in it.
+std::string config(const std::string &body);
+std::string filter(const std::string &body);
+
+// "tag message | advice" of the error that a call ends with, "none" without one.
+std::string error_of(const std::function<void()> &call);
+
+// A line per step of the net request: the operation's name, the path and, when there is one, "= value".
+std::string steps(const bench::native::NativeRequest &request);
+
+} // namespace native_test
+
+#endif
