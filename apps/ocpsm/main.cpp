@@ -128,11 +128,11 @@ int CommandLine::run(std::ostream &output, std::ostream &errors) {
 
 // A misspelt subcommand is to be named: the parser only says that there is none.
 std::string CommandLine::usage_error(const CLI::ParseError &error) const {
-    if (!app.get_subcommands().empty() || app.remaining().empty() || app.remaining().front().empty()) {
+    const std::vector<std::string> remaining = app.remaining();
+    if (!app.get_subcommands().empty() || remaining.empty() || remaining.front().empty()) {
         return error.what();
     }
-    const std::string &argument = app.remaining().front();
-    return (argument.front() == '-' ? "there is no option " : "there is no subcommand ") + argument +
+    return (remaining.front().front() == '-' ? "there is no option " : "there is no subcommand ") + remaining.front() +
            "; the subcommands are translate, explain and coverage";
 }
 
