@@ -86,7 +86,7 @@ protected:
         }
     }
 
-    // What a delete adds that comes without any message: the conversion must do its work whatever is listening.
+    // Everything but the messages, of a run per kind with these channels open.
     Lines added(const std::string &conversion, bool log_on, bool trace_on) {
         request.set_channels(log_on, trace_on);
         Lines all;
@@ -169,6 +169,25 @@ TEST_F(ConversionContract, LogsThroughTheHandleOfTheLevel) {
         EXPECT_EQ(platform.logged()[1].format, "ERR: YFW: ctx=%p,Invalid arguments passed!");
         EXPECT_EQ(platform.logged()[1].first_value, 0xffffffffu);
         EXPECT_NE(platform.logged()[0].site, platform.logged()[1].site);
+    }
+}
+
+// In a walk of a whole subtree the source is a container, of which nothing but its operation counts.
+TEST_F(ConversionContract, AContainerStandsForALeafWithoutValue) {
+    const fake::Node nameless = fake::container("x", {fake::leaf("revertive", "true")}).untagged().in_namespace({});
+    for (const std::string &conversion : conversions) {
+        if (conversion == "oc_aps_cfg_psm_list_to_low") {
+            continue; // it searches the entry that it is given
+        }
+        for (const Situation &situation : {Situation{"get-config", 0, 0}, Situation{"get", 10, 0},
+                                           Situation{"merge", 1, 0}, Situation{"delete", 1, 3}}) {
+            request.set_kind(situation.kind);
+            const Outcome leaf = run(conversion, leaf_with(nullptr, situation.operation));
+            const Outcome container = run(conversion, build(nameless.with_operation(situation.operation), src).root());
+            EXPECT_EQ(container.lines, leaf.lines) << conversion << ", " << situation;
+            EXPECT_EQ(container.result, leaf.result);
+            EXPECT_EQ(container.operations, leaf.operations);
+        }
     }
 }
 

@@ -120,6 +120,13 @@ TEST_F(ModuleKey, TheKeyTakesANameOfAnyLength) {
     EXPECT_EQ(platform.traced().at(1).whole.size(), 249u);
 }
 
+// What a number beyond all integers scans as is the C library's to say; the entries are opened all the same.
+TEST_F(ModuleKey, TheKeyTakesANumberOfAnyLength) {
+    const std::string name = "0/" + std::string(5000, '9') + "-PSM-OM";
+    request.set_kind(YFW_KIND_EDIT_CONFIG);
+    EXPECT_EQ(run(key_conversion, leaf_with(name.c_str(), 0)).result, add_result(7));
+}
+
 // ---- config/name and state/name ----
 
 TEST_F(ModuleKey, TheConfiguredNameSelectsThePrimaryController) {
