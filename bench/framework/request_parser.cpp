@@ -17,6 +17,7 @@ namespace bench::framework {
 namespace {
 
 constexpr std::string_view netconf_module = "ietf-netconf";
+constexpr std::string_view wrapper_end = "</request>";
 
 [[noreturn]] void refuse(const std::string &tag, const std::string &message, const std::string &advice) {
     throw Error(Error::Source::input, tag, "", message, advice);
@@ -65,6 +66,9 @@ Parsed parse(const std::string &text, LYD_FORMAT format) {
         const char *message = ly_errmsg(&context);
         std::string reason = message == nullptr ? "not well formed" : message;
         ly_err_clean(&context, nullptr);
+        if (const auto at = reason.find(wrapper_end); at != std::string::npos) {
+            reason.erase(at, wrapper_end.size());
+        }
         std::replace(reason.begin(), reason.end(), '\n', ' ');
         refuse("malformed-message", "the request cannot be parsed: " + reason, "check the request with a parser");
     }
@@ -168,7 +172,7 @@ std::vector<RequestNode> nodes_of(const lyd_node *first, const std::string &inhe
 // without which the XML parser refuses them.
 std::vector<RequestNode> parse_xml(std::string_view body) {
     std::string text = "<request xmlns=\"";
-    text.append(netconf_namespace).append("\">").append(body).append("</request>");
+    text.append(netconf_namespace).append("\">").append(body).append(wrapper_end);
     const Parsed parsed = parse(text, LYD_XML);
     std::vector<RequestNode> wrapper = nodes_of(parsed.get(), "");
     if (wrapper.size() != 1 || wrapper.front().form == ValueForm::text) {

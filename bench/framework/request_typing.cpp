@@ -39,12 +39,19 @@ bool takes_away(uint32_t operation) {
     return operation == YFW_OPERATION_DELETE || operation == YFW_OPERATION_REMOVE;
 }
 
-// The text without the blanks around it.
-std::string trimmed(std::string_view text) {
+// A value in quotes as a message shows it: on one line, and not at any length.
+std::string quoted(std::string_view value) {
+    constexpr std::size_t longest = 60;
     constexpr std::string_view blanks = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(blanks);
-    return first == std::string_view::npos ? std::string()
-                                           : std::string(text.substr(first, text.find_last_not_of(blanks) - first + 1));
+    const std::size_t first = std::min(value.find_first_not_of(blanks), value.size());
+    std::string text(value.substr(first, value.find_last_not_of(blanks) + 1 - first));
+    if (text.size() > longest) {
+        text.resize(longest);
+        text += "...";
+    }
+    const auto control = [](unsigned char c) { return c < 0x20 || c == 0x7f; };
+    std::replace_if(text.begin(), text.end(), control, ' ');
+    return "\"" + text + "\"";
 }
 
 // What a kind of JSON value may stand for (RFC 7951, 6). A number for a decimal64 is what people write; it is accepted.
@@ -72,7 +79,7 @@ public:
         for (const RequestNode &top : tops) {
             check_top(top);
         }
-        return type_children(tops, nullptr, "");
+        return type_children(tops, nullptr, "", false);
     }
 
 private:
@@ -115,7 +122,7 @@ private:
     }
 
     std::vector<DataNode> type_children(const std::vector<RequestNode> &nodes, const lysc_node *parent,
-                                        const std::string &parent_path) const {
+                                        const std::string &parent_path, bool removed) const {
         std::vector<DataNode> typed;
         const std::vector<std::string_view> keys =
             parent == nullptr ? std::vector<std::string_view>() : models::key_names(*parent);
@@ -127,7 +134,7 @@ private:
             if (edit_ && info && info->kind != NodeKind::list && !key) {
                 check_single(typed, node, path);
             }
-            typed.push_back(info ? type_known(node, *info, key, path) : type_unknown(node, path));
+            typed.push_back(info ? type_known(node, *info, key, path, removed) : type_unknown(node, path));
         }
         const auto is_key = [&keys](const DataNode &node) {
             return std::find(keys.begin(), keys.end(), node.tag) != keys.end();
@@ -145,7 +152,9 @@ private:
         }
     }
 
-    DataNode type_known(const RequestNode &node, const NodeInfo &info, bool key, const std::string &path) const {
+    // `removed`: a node around it is taken away.
+    DataNode type_known(const RequestNode &node, const NodeInfo &info, bool key, const std::string &path,
+                        bool removed) const {
         if (node.namespace_uri != info.namespace_uri) {
             refuse("unknown-namespace", path,
                    node.tag + " is in " +
@@ -153,18 +162,19 @@ private:
                        ", the model's is in " + std::string(info.namespace_uri));
         }
         DataNode typed{node.tag, node.namespace_uri, std::nullopt, operation_of(node, path), {}};
+        removed = removed || takes_away(typed.operation);
         if (info.kind == NodeKind::leaf) {
             if (!node.children.empty()) {
                 refuse("invalid-value", path, node.tag + " is a leaf and has nothing below it");
             }
-            typed.value = leaf_value(node, info, key, typed.operation, path);
+            typed.value = leaf_value(node, info, key || removed, path);
             return typed;
         }
         if (node.form != ValueForm::none && node.form != ValueForm::empty_element) {
             refuse("invalid-value", path,
-                   node.tag + " is no leaf and has no value, but \"" + trimmed(node.value) + "\" stands there");
+                   node.tag + " is no leaf and has no value, but " + quoted(node.value) + " stands there");
         }
-        typed.children = type_children(node.children, info.node, path);
+        typed.children = type_children(node.children, info.node, path, removed);
         return typed;
     }
 
@@ -195,7 +205,7 @@ private:
                 operation_names.begin(), operation_names.end(),
                 [&attribute](const OperationName &candidate) { return candidate.name == attribute.value; });
             if (row == operation_names.end()) {
-                refuse("bad-attribute", path, "there is no operation \"" + attribute.value + "\"",
+                refuse("bad-attribute", path, "there is no operation " + quoted(attribute.value),
                        "merge, replace, create, delete or remove");
             }
             operation = row->operation;
@@ -203,14 +213,14 @@ private:
         return operation;
     }
 
-    std::optional<std::string> leaf_value(const RequestNode &node, const NodeInfo &info, bool key, uint32_t operation,
+    // `may_be_absent`: whether a key may be empty is the plug-in's question; what is taken away needs no value.
+    std::optional<std::string> leaf_value(const RequestNode &node, const NodeInfo &info, bool may_be_absent,
                                           const std::string &path) const {
         const bool written = node.form != ValueForm::none && node.form != ValueForm::empty_element;
         if (!edit_) {
             return written ? std::optional(canonical(node, info).value_or(node.value)) : std::nullopt;
         }
-        // Whether a key may be empty is the plug-in's question; what is taken away needs no value.
-        if (!written && (key || takes_away(operation) || !info.config)) {
+        if (!written && (may_be_absent || !info.config)) {
             return std::nullopt;
         }
         if (!check_values_ || !info.config) {
@@ -249,7 +259,7 @@ private:
         }
         if (!value) {
             refuse("invalid-value", path,
-                   node.value.empty() ? "an empty value is not allowed" : "\"" + node.value + "\" is not allowed",
+                   node.value.empty() ? "an empty value is not allowed" : quoted(node.value) + " is not allowed",
                    expected);
         }
         return *value;

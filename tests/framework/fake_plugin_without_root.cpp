@@ -1,0 +1,5 @@
+extern "C" int something_else();
+
+int something_else() {
+    return 0;
+}

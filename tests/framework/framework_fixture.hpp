@@ -1,0 +1,41 @@
+// A context with a tree of two modules, as an edit or a read of it would be handed over.
+#ifndef TESTS_FRAMEWORK_FRAMEWORK_FIXTURE_HPP
+#define TESTS_FRAMEWORK_FRAMEWORK_FIXTURE_HPP
+
+#include <gmock/gmock.h>
+
+#include "bench/framework/mapping_context.hpp"
+
+inline const std::string openconfig = "http://openconfig.net/yang/optical-transport-line-protection";
+
+class FrameworkFixture : public testing::Test {
+protected:
+    using DataNode = bench::framework::DataNode;
+
+    static DataNode container(std::string tag, std::vector<DataNode> children) {
+        return {std::move(tag), openconfig, std::nullopt, 0, std::move(children)};
+    }
+    static DataNode leaf(std::string tag, std::string value) { return {std::move(tag), openconfig, std::move(value)}; }
+    static DataNode module(const std::string &name) {
+        return container("aps-module", {leaf("name", name), container("config", {leaf("name", name)})});
+    }
+
+    kidl_yfw_datatree &aps() { return context.request_tree(); }
+    kidl_yfw_datatree &modules() { return aps().children[0]; }
+    kidl_yfw_datatree &entry(int index) { return modules().children[index]; }
+
+    // Goes down to an entry as a walk does.
+    void enter(int index) {
+        yfw_map_add_to_node_hierarchy(&context, &aps(), 1);
+        yfw_map_add_to_node_hierarchy(&context, &modules(), 1);
+        yfw_map_add_to_node_hierarchy(&context, &entry(index), 2);
+    }
+
+    bench::framework::Channels channels;
+    bench::native::NativeRequest native{bench::native::RequestKind::edit};
+    bench::framework::MappingContext context{
+        YFW_KIND_EDIT_CONFIG, container("aps", {container("aps-modules", {module("one"), module("it's")})}), channels,
+        native};
+};
+
+#endif

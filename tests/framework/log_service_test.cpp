@@ -1,0 +1,126 @@
+#include "bench/framework/log_service.hpp"
+
+#include <gmock/gmock.h>
+
+#include "yfw_map.h"
+
+namespace {
+
+using bench::framework::Channels;
+using bench::framework::OpenFunctions;
+using bench::framework::parse_trace_line;
+using bench::framework::TraceLine;
+
+TEST(DebugLog, FormatsALineAndNumbersItsStatement) {
+    Channels channels;
+    static uint32_t first = 0xffffffff;
+    static uint32_t second = 0xffffffff;
+    const std::string huge(100000, 'x');
+    _hvs_dt_log_filter_adv(channels.error_log(), 0, 0, 0, 0, 0, &first, "ERR: YFW: ctx=%d,%s", 7, "text %2f");
+    _hvs_dt_log_filter_adv(channels.trace_log(), 0, 0, 0, 0, 0, &second, "TRC: %s", huge.c_str());
+    const uint32_t number = first;
+    _hvs_dt_log_filter_adv(channels.error_log(), 0, 0, 0, 0, 0, &first, "again");
+    ASSERT_EQ(channels.log().size(), 3U);
+    EXPECT_TRUE(channels.log()[0].error);
+    EXPECT_EQ(channels.log()[0].text, "ERR: YFW: ctx=7,text %2f");
+    EXPECT_FALSE(channels.log()[1].error);
+    EXPECT_EQ(channels.log()[1].text, "TRC: " + huge);
+    EXPECT_EQ(channels.log()[2].text, "again");
+    EXPECT_NE(first, 0xffffffffU);
+    EXPECT_EQ(first, number);
+    EXPECT_NE(first, second);
+    EXPECT_EQ(channels.log()[0].site, first);
+    EXPECT_EQ(channels.log()[1].site, second);
+}
+
+TEST(DebugLog, NothingIsWrittenWithoutAHandle) {
+    static uint32_t site = 0xffffffff;
+    _hvs_dt_log_filter_adv(nullptr, 0, 0, 0, 0, 0, &site, "text");
+    _lstrace(nullptr, 0, "text");
+    EXPECT_EQ(site, 0xffffffffU);
+}
+
+TEST(DebugLog, LevelsAreBitsOfTheFilter) {
+    const yfw_debug_filter filter{(1U << 3) | 1U};
+    EXPECT_NE(yfw_debug_should_log(&filter, 0), 0);
+    EXPECT_EQ(yfw_debug_should_log(&filter, 1), 0);
+    EXPECT_NE(yfw_debug_should_log(&filter, 3), 0);
+    EXPECT_EQ(yfw_debug_should_log(&filter, 32), 0);
+    EXPECT_EQ(yfw_debug_should_log(nullptr, 0), 0);
+}
+
+TEST(TraceBuffer, KeepsLinesAsTheyAre) {
+    Channels channels;
+    _lstrace(channels.trace_buffer(), 0x10101000000, "#12: ERR: some_function:345 ctx=0x55aa,100 %2f, done");
+    _lstrace(channels.trace_buffer(), 0x10101000000, "free text");
+    ASSERT_EQ(channels.trace().size(), 2U);
+    const TraceLine &line = channels.trace()[0];
+    EXPECT_EQ(line.sequence, 12U);
+    EXPECT_TRUE(line.error);
+    EXPECT_EQ(line.function, "some_function");
+    EXPECT_EQ(line.line, 345U);
+    EXPECT_EQ(line.message, "100 %2f, done");
+    EXPECT_EQ(line.text, "#12: ERR: some_function:345 ctx=0x55aa,100 %2f, done");
+    EXPECT_EQ(channels.trace()[1].text, "free text");
+    EXPECT_EQ(channels.trace()[1].function, "");
+}
+
+TEST(TraceBuffer, LinesOfAnotherFormAreOnlyTexts) {
+    for (const char *text :
+         {"", "#", "#x: TRC: f:1 ctx=0x1,m", "#1: WRN: f:1 ctx=0x1,m", "#1: TRC: f", "#1: TRC: f:x ctx=0x1,m",
+          "#1: TRC: f:1 m", "#1: TRC: f:1 ctx=0x1", "#99999999999: TRC: f:1 ctx=0x1,m"}) {
+        const TraceLine line = parse_trace_line(text);
+        EXPECT_EQ(line.text, text);
+        EXPECT_EQ(line.function, "");
+        EXPECT_EQ(line.message, "");
+        EXPECT_EQ(line.sequence, 0U);
+    }
+}
+
+TEST(TraceBuffer, SequenceNumbersGoUpByOne) {
+    const uint32_t number = ret_nc_yfw_trace_index_incr();
+    EXPECT_EQ(ret_nc_yfw_trace_index_incr(), number + 1);
+}
+
+void see(OpenFunctions &open, const std::string &function, const std::string &message) {
+    open.see(parse_trace_line("#1: TRC: " + function + ":1 ctx=0x1," + message));
+}
+
+TEST(OpenFunctions, TellsTheInnermostWalkerAndConversion) {
+    OpenFunctions open;
+    EXPECT_EQ(open.walker(), "");
+    EXPECT_EQ(open.conversion(), "");
+    see(open, "ymap_o2n_m_lvla_aps", "Start");
+    see(open, "ymap_o2n_m_cont_lvla_aps", "Start");
+    EXPECT_EQ(open.walker(), "ymap_o2n_m_lvla_aps");
+    see(open, "ymap_o2n_m_lvla_aps_leaf", "Start");
+    see(open, "some_leaf_to_low", "Start");
+    see(open, "add_interface_key", "Start");
+    EXPECT_EQ(open.walker(), "ymap_o2n_m_lvla_aps_leaf");
+    EXPECT_EQ(open.conversion(), "some_leaf_to_low");
+    see(open, "add_interface_key", "End");
+    see(open, "some_leaf_to_low", "End");
+    EXPECT_EQ(open.conversion(), "");
+    see(open, "ymap_o2n_m_lvla_aps_leaf", "End");
+    EXPECT_EQ(open.walker(), "ymap_o2n_m_lvla_aps");
+}
+
+TEST(OpenFunctions, TheEndOfACallerEndsWhatItCalled) {
+    OpenFunctions open;
+    see(open, "ymap_o2n_m_lvla_outer", "Start");
+    see(open, "ymap_o2n_m_lvla_skipped", "Start");
+    see(open, "ymap_o2n_m_lvla_outer", "End");
+    EXPECT_EQ(open.walker(), "");
+    see(open, "ymap_o2n_m_lvla_never_started", "End");
+    EXPECT_EQ(open.walker(), "");
+}
+
+TEST(OpenFunctions, ErrorsAndOtherMessagesChangeNothing) {
+    OpenFunctions open;
+    see(open, "a_to_low", "Start");
+    open.see(parse_trace_line("#1: ERR: a_to_low:1 ctx=0x1,End"));
+    see(open, "a_to_low", "Ending");
+    EXPECT_EQ(open.conversion(), "a_to_low");
+}
+
+} // namespace
