@@ -101,6 +101,12 @@ Lines WalkTest::story() const {
     return lines;
 }
 
+Lines WalkTest::operations() const {
+    Lines lines = platform.calls(fake::Walk);
+    std::erase_if(lines, [](const std::string &line) { return line.compare(0, 11, "itree_size(") == 0; });
+    return lines;
+}
+
 Lines WalkTest::messages() const {
     Lines lines;
     for (const fake::TraceRecord &record : platform.traced()) {

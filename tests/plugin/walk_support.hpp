@@ -61,6 +61,8 @@ protected:
     // The callbacks of the story alone; the adds.
     [[nodiscard]] Lines callbacks() const { return platform.calls(fake::Callbacks); }
     [[nodiscard]] Lines adds() const { return platform.calls(fake::Output); }
+    // The platform's walk operations alone, without questions for the height of the stack.
+    [[nodiscard]] Lines operations() const;
     // Messages other than Start and End of walkers: "ERR lvla_aps: text".
     [[nodiscard]] Lines messages() const;
 

@@ -84,10 +84,12 @@ std::vector<std::string> Checker::differences() const {
 
 Checker::Picture Checker::take() const {
     Picture picture;
+    std::size_t number = 0;
     for (const Tree *tree : platform_.trees()) {
+        ++number;
         std::string path = tree->path_of(tree->root());
         if (picture.nodes.count(path) != 0) { // another tree of the same name
-            path += "#" + std::to_string(picture.nodes.size());
+            path += "#" + std::to_string(number);
         }
         visit(picture.nodes, *tree->root(), path, false);
     }
@@ -95,7 +97,7 @@ Checker::Picture Checker::take() const {
         picture.hierarchy.push_back(platform_.name_of(level.node) + " " + std::to_string(level.kind));
     }
     for (const Platform::StackEntry &entry : platform_.itree_stack) {
-        picture.itree.push_back(platform_.name_of(entry.children) + " " + std::to_string(entry.count));
+        picture.itree.push_back(platform_.array_name_of(entry.children) + " " + std::to_string(entry.count));
     }
     picture.request = *ctx_->request;
     picture.context = *ctx_;

@@ -131,8 +131,9 @@ uint16_t yfw_map_util_itree_stack_size(yfw_map_ctx ctx) {
 void yfw_map_util_itree_stack_push(yfw_map_ctx ctx, kidl_yfw_datatree *children, int32_t child_count,
                                    uint32_t reserved) {
     Platform &platform = Platform::current();
-    platform.record(fake::Walk, "itree_push",
-                    joined(named(ctx), named(children), std::to_string(child_count), number(reserved)));
+    platform.record(
+        fake::Walk, "itree_push",
+        joined(named(ctx), platform.array_name_of(children), std::to_string(child_count), number(reserved)));
     platform.itree_stack.push_back({children, child_count});
 }
 

@@ -114,11 +114,17 @@ std::string Platform::name_of(const void *object) const {
         if (tree->owns(object)) {
             return tree->path_of(object);
         }
-        if (const std::string owner = tree->owner_of_array(object); !owner.empty()) {
+    }
+    return "unknown";
+}
+
+std::string Platform::array_name_of(const void *array) const {
+    for (const Tree *tree : trees_) {
+        if (const std::string owner = tree->owner_of_array(array); !owner.empty()) {
             return "children of " + owner;
         }
     }
-    return "unknown";
+    return array == nullptr ? "null" : "unknown";
 }
 
 void Platform::attach(Tree &tree) {

@@ -147,6 +147,8 @@ public:
     // ---- names and trees ----
     void name(const void *object, std::string name);
     [[nodiscard]] std::string name_of(const void *object) const;
+    // A child array, which has the address of its first node: "children of aps-module".
+    [[nodiscard]] std::string array_name_of(const void *array) const;
     // A tree in which nodes are named by path and to which relative adds add. It must outlive the platform's use.
     void attach(Tree &tree);
     void detach(const Tree &tree);
