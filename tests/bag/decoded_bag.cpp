@@ -15,11 +15,14 @@ namespace {
 
 std::size_t largest = 0;
 
+// NOLINTBEGIN(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory): what stands in for new cannot use it.
 void *allocate(std::size_t size) {
     largest = std::max(largest, size);
-    void *memory = std::malloc(size == 0 ? 1 : size); // NOLINT(cppcoreguidelines-no-malloc)
+    void *memory = std::malloc(size == 0 ? 1 : size);
     return memory != nullptr ? memory : throw std::bad_alloc();
 }
+
+// NOLINTEND(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory)
 
 std::optional<std::string> copy(const char *text) {
     return text == nullptr ? std::nullopt : std::optional<std::string>(text);
@@ -29,7 +32,7 @@ Token read(const bag_token_td &raw) {
     Token token{raw.type, copy(raw.name), 0, std::nullopt};
     switch (raw.type) {
     case BAG_TOKEN_INT8:
-        token.number = raw.value.int8;
+        token.number = raw.value.int8; // NOLINT(bugprone-signed-char-misuse): a number, no character
         break;
     case BAG_TOKEN_UINT8:
         token.number = raw.value.uint8;
@@ -85,6 +88,7 @@ void expect_final(bag_generic_state_td state, kerrno expected) {
 
 } // namespace
 
+// NOLINTBEGIN(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory)
 void *operator new(std::size_t size) {
     return allocate(size);
 }
@@ -93,16 +97,18 @@ void *operator new[](std::size_t size) {
 }
 void operator delete(void *memory) noexcept {
     std::free(memory);
-} // NOLINT(cppcoreguidelines-no-malloc)
+}
 void operator delete[](void *memory) noexcept {
     std::free(memory);
-} // NOLINT(cppcoreguidelines-no-malloc)
+}
 void operator delete(void *memory, std::size_t) noexcept {
     std::free(memory);
-} // NOLINT(cppcoreguidelines-no-malloc)
+}
 void operator delete[](void *memory, std::size_t) noexcept {
     std::free(memory);
-} // NOLINT(cppcoreguidelines-no-malloc)
+}
+
+// NOLINTEND(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory)
 
 void reset_largest_allocation() {
     largest = 0;

@@ -77,6 +77,7 @@ std::string shown_data(sysdb_item_datatype_td type, std::string_view data) {
 
 std::vector<std::string> shown(const std::vector<bench::sysdb::Item> &items) {
     std::vector<std::string> lines;
+    lines.reserve(items.size());
     for (const bench::sysdb::Item &item : items) {
         lines.push_back(item.path + ": " + shown_data(item.type, item.data));
     }

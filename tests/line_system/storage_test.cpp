@@ -23,9 +23,10 @@ using bench::sysdb::Table;
 constexpr char no_line_system[] = "input|operation-failed||the directory holds no line system|create one there first";
 
 class LineSystemStorage : public testing::Test {
-protected:
+public:
     ~LineSystemStorage() override { store.close(); }
 
+protected:
     void change(std::string_view key, std::string_view value) {
         const auto transaction = store.write();
         transaction->put(Table::line_system, key, value);
@@ -75,7 +76,7 @@ TEST_F(LineSystemStorage, OffersTheItemsToTheDatabaseClient) {
     EXPECT_EQ(sysdb_item_get(handle, "Ots0_3_0_2/optics_info", &type, &data, &length, 0), KERR_SUCCESS);
     EXPECT_EQ(shown_data(type, {static_cast<const char *>(data), length}),
               "optics_info 1.0 optics_edm_info{ RxLowThreshold=-300 }");
-    std::free(data); // NOLINT(cppcoreguidelines-no-malloc)
+    std::free(data); // NOLINT(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory)
     EXPECT_EQ(sysdb_item_get(handle, "Ots0_2_0_2/optics_info", &type, &data, &length, 0), 0x8081c800U);
     EXPECT_EQ(_sysdb_unbind(handle), KERR_SUCCESS);
 }

@@ -20,7 +20,7 @@ using bench::sysdb::Store;
 
 // TMPDIR names a directory of the test's own.
 class TemporaryStateTest : public testing::Test {
-protected:
+public:
     TemporaryStateTest() { set_parent(directory.path.string()); }
     ~TemporaryStateTest() override {
         store.close();
@@ -31,6 +31,7 @@ protected:
         }
     }
 
+protected:
     static void set_parent(const std::string &parent) { ASSERT_EQ(setenv("TMPDIR", parent.c_str(), 1), 0); }
 
     static std::optional<std::string> current_parent() {
@@ -62,6 +63,7 @@ TEST_F(TemporaryStateTest, IsRemovedWhenAnExceptionFlies) {
     try {
         const TemporaryState state(store);
         const auto transaction = store.write();
+        save(*transaction, LineSystem{});
         throw std::runtime_error("on its way");
     } catch (const std::runtime_error &error) {
         EXPECT_STREQ(error.what(), "on its way");

@@ -22,7 +22,8 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 struct FreeData {
-    void operator()(void *data) const { std::free(data); } // NOLINT(cppcoreguidelines-no-malloc)
+    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory)
+    void operator()(void *data) const { std::free(data); }
 };
 
 struct Got {

@@ -19,9 +19,10 @@ using bench::sysdb::Table;
 constexpr int reader_slots = 126;
 
 class DeadReaders : public testing::Test {
-protected:
+public:
     ~DeadReaders() override { store.close(); }
 
+protected:
     void create() {
         store.open(state, Store::Mode::create);
         const auto transaction = store.write();
@@ -39,6 +40,7 @@ protected:
         Store &its_store = *sysdb_client_store();
         its_store.open(state, Store::Mode::existing);
         std::vector<std::unique_ptr<ReadTransaction>> transactions;
+        transactions.reserve(reader_slots);
         for (int i = 0; i < reader_slots; ++i) {
             transactions.push_back(its_store.read());
         }
@@ -73,6 +75,7 @@ TEST_F(DeadReaders, AreToldFromLivingOnes) {
     create();
     store.open(state, Store::Mode::existing);
     std::vector<std::unique_ptr<ReadTransaction>> transactions;
+    transactions.reserve(reader_slots);
     for (int i = 0; i < reader_slots; ++i) {
         transactions.push_back(store.read());
     }

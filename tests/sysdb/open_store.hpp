@@ -11,10 +11,11 @@
 #include "sysdb/temporary_directory.hpp"
 
 class OpenStore : public testing::Test {
-protected:
+public:
     OpenStore() { store.open(directory.path / "state", bench::sysdb::Store::Mode::create); }
     ~OpenStore() override { store.close(); }
 
+protected:
     TemporaryDirectory directory;
     bench::sysdb::Store &store = *sysdb_client_store();
 };

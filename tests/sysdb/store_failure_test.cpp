@@ -14,9 +14,10 @@ using bench::sysdb::Store;
 using bench::sysdb::Table;
 
 class StoreFailure : public testing::Test {
-protected:
+public:
     ~StoreFailure() override { store.close(); }
 
+protected:
     std::string open_error(Store::Mode mode = Store::Mode::existing) {
         return error_of([&] { store.open(state, mode); });
     }
