@@ -269,7 +269,7 @@ HighTest::Outcome HighTest::run(const std::string &function, const kidl_yfw_data
 }
 
 void HighTest::expect_run(const std::string &function, const kidl_yfw_datatree *source, kerrno result,
-                          const Lines &expected) {
+                          const Lines &expected, const std::string &said_by) {
     const std::string source_before = bytes_of(*source);
     const std::string state_before = bytes_of(request.state);
     const std::string context_before = bytes_of(request.context);
@@ -279,9 +279,7 @@ void HighTest::expect_run(const std::string &function, const kidl_yfw_datatree *
     Lines named = expected;
     for (std::string &line : named) {
         if (begins(line, "@")) {
-            line.replace(0, 1, function);
-        } else if (begins(line, "ERROR @")) {
-            line.replace(6, 1, function);
+            line.replace(0, 1, said_by.empty() ? function : said_by);
         }
     }
     EXPECT_EQ(outcome.lines, named) << function;

@@ -111,8 +111,10 @@ protected:
     void set_selection(const Selection &selection);
 
     Outcome run(const std::string &function, const kidl_yfw_datatree *source);
-    // Runs and compares everything: the lines, the result, and that source, request and context stay as they are.
-    void expect_run(const std::string &function, const kidl_yfw_datatree *source, kerrno result, const Lines &expected);
+    // Runs and compares everything: the lines, the result, and that source, request and context stay as they are. "@"
+    // is `said_by` where that is another function than the one that is run.
+    void expect_run(const std::string &function, const kidl_yfw_datatree *source, kerrno result, const Lines &expected,
+                    const std::string &said_by = "");
     [[nodiscard]] Lines told() const;
 
     // Runs a test in a child that has not seen the client library yet, and makes its failures this test's.
