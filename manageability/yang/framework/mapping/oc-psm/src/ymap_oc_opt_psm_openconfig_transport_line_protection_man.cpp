@@ -155,11 +155,13 @@ kerrno key_to_low(const Function &function, yfw_map_ctx ctx, const Node *source,
     YMAP_TRACE(function, ctx, "controller_name_secondary = %s", names.secondary);
     if (is_read(ctx)) {
         add_read_module(function, ctx, source, names, add);
-        add_read_secondary(function, ctx, source, names, add);
     } else if (is_delete(source)) {
         YMAP_TRACE(function, ctx, "delete request"); // the leaves of the module carry the delete themselves
     } else {
         add_merged_module(function, ctx, source, names, add);
+    }
+    if (is_read(ctx)) {
+        add_read_secondary(function, ctx, source, names, add);
     }
     return add.result();
 }
@@ -174,13 +176,13 @@ kerrno config_name_to_low(const Function &function, yfw_map_ctx ctx, const Node 
     Adds add(ctx, destination);
     YMAP_TRACE(function, ctx, "psm_name = %s", source->value);
     YMAP_TRACE(function, ctx, "controller_name = %s", names.primary);
-    if (!is_read(ctx)) {
+    if (is_read(ctx)) {
+        add(ifmgr_cfg, YMAP_INTERFACE "/interface-name", names.primary, source, belongs);
+        add(ifmgr_cfg, YMAP_INTERFACE "/active", active, source, belongs);
+        add(ots_cfg, YMAP_SLOT "/slot-id", names.slot_text, source, belongs);
+    } else {
         is_delete(source);
-        return add.result();
     }
-    add(ifmgr_cfg, YMAP_INTERFACE "/interface-name", names.primary, source, belongs);
-    add(ifmgr_cfg, YMAP_INTERFACE "/active", active, source, belongs);
-    add(ots_cfg, YMAP_SLOT "/slot-id", names.slot_text, source, belongs);
     if (is_operational_read(ctx)) {
         add(ots_oper, YMAP_OTS_PORT "/name", names.primary, nullptr, plain);
         add(pmengine_oper, YMAP_HISTORY "/name", names.primary, nullptr, plain);
