@@ -6,8 +6,6 @@
 namespace native_test {
 namespace {
 
-const std::string interfaces = "/interface-configurations/interface-configuration";
-
 // Opens the interface entry of a controller.
 void open_interface(Request &request, const char *name) {
     request.put(interface_path, ifmgr, none, merge, true, 0);
@@ -52,6 +50,16 @@ TEST(AddingEdits, TheLaterAddsOperationAndValueCountTheEmptyTextIncluded) {
               "merge /active-nodes/active-node[node-name='n']/slot[slot-id='1']/psm/revertive/enable = true\n"
               "delete /active-nodes/active-node[node-name='n']/slot[slot-id='1']/psm/revertive/wtr\n"
               "merge /active-nodes/active-node[node-name='n']/slot[slot-id='1']/psm/lockout-from = \n");
+}
+
+TEST(AddingEdits, TheLaterOperationOfAnEntryCounts) {
+    Request request = edit();
+    open_interface(request, "A");
+    request.put(threshold_path, optics, none, create, false, 1);
+    request.put(threshold_path + "/rx-threshold-type", optics, "low", merge, false, 1);
+    request.put(threshold_path, optics, none, merge, false, 1);
+    EXPECT_EQ(steps(request), "merge " + entry("A") + "\n" + "merge " + entry("A") +
+                                  "/optics/rx-thresholds/rx-threshold[rx-threshold-type='low']\n");
 }
 
 TEST(AddingEdits, ANullValueAndTheEmptyTextDiffer) {
@@ -142,6 +150,16 @@ TEST(AddingEdits, ADeletedEntryIsNamedByAKeyThatComesLater) {
 )"));
 }
 
+TEST(AddingEdits, AnEntryThatStandsAndIsDeletedKeepsItsName) {
+    Request request = edit();
+    open_interface(request, "A");
+    request.put(threshold_path + "/rx-threshold-type", optics, "low", merge, false, 1);
+    request.put(threshold_path + "/rx-threshold", optics, "5", merge, false, 1);
+    request.put(threshold_path, optics, none, erase, false, 1);
+    EXPECT_EQ(steps(request), "merge " + entry("A") + "\n" + "delete " + entry("A") +
+                                  "/optics/rx-thresholds/rx-threshold[rx-threshold-type='low']\n");
+}
+
 TEST(AddingEdits, TheKeyOfADeletedEntryNamesItWhateverItsOperation) {
     Request request = edit();
     open_interface(request, "A");
@@ -221,6 +239,16 @@ TEST(AddingEdits, ADeleteIgnoresItsValue) {
     EXPECT_EQ(with.xml(), interface_xml("A", "        <optics-ots-rx-voa-attenuation nc:operation=\"delete\"/>\n"));
 }
 
+TEST(AddingEdits, ADeleteLeavesNoValueBehind) {
+    Request request = edit();
+    open_interface(request, "A");
+    request.put(optics_path + "/optics-ots-rx-voa-attenuation", optics, "35", merge, false, 1);
+    const auto leaf = request.put(optics_path + "/optics-ots-rx-voa-attenuation", optics, none, erase, false, 1);
+    EXPECT_EQ(request.node(leaf).value, std::nullopt);
+    EXPECT_EQ(request.node(leaf).operation, erase);
+    EXPECT_EQ(request.xml(), interface_xml("A", "        <optics-ots-rx-voa-attenuation nc:operation=\"delete\"/>\n"));
+}
+
 TEST(AddingEdits, ADeleteIsNoErrorBelowWhatWasTakenAway) {
     Request request = edit();
     open_interface(request, "A");
@@ -238,17 +266,8 @@ TEST(AddingEdits, ADeleteBelowWhatWasMadeAgainTakesThatAway) {
     request.put(optics_path + "/optics-ots-rx-voa-attenuation", optics, "1", merge, false, 1);
     request.put(optics_path + "/optics-ots-tx-voa-attenuation", optics, "2", merge, false, 1);
     request.put(optics_path + "/optics-ots-rx-voa-attenuation", optics, none, erase, false, 1);
-    EXPECT_EQ(
-        request.xml(),
-        interface_xml("A", "").replace(
-            interface_xml("A", "").find("      <optics"), std::string::npos,
-            R"(      <optics xmlns="http://vexlo.example/ns/yang/Vexlo-ORBIT-controller-optics-cfg" nc:operation="replace">
-        <optics-ots-tx-voa-attenuation>2</optics-ots-tx-voa-attenuation>
-      </optics>
-    </interface-configuration>
-  </interface-configurations>
-</nc:config>
-)"));
+    EXPECT_EQ(steps(request), "merge " + entry("A") + "\n" + "replace " + entry("A") + "/optics\n" + "merge " +
+                                  entry("A") + "/optics/optics-ots-tx-voa-attenuation = 2\n");
 }
 
 TEST(AddingEdits, AnEntryThatIsOpenedAgainAfterItsDeleteIsReplaced) {

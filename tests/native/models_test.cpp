@@ -302,6 +302,7 @@ TEST(Models, AModuleThatDoesNotCompileIsNamed) {
 TEST(Models, AreSharedByThreads) {
     std::vector<const Schema *> seen(4);
     std::vector<std::thread> threads;
+    threads.reserve(seen.size());
     for (const Schema *&slot : seen) {
         threads.emplace_back([&slot] { slot = &Schema::native(); });
     }

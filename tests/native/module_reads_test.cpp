@@ -108,7 +108,7 @@ std::string ports_xml(const std::vector<std::string> &controllers, const std::st
     return out + "    </ots-ports>\n  </ots-oper>\n";
 }
 
-// Histories of controllers; `second30` is the line after the start tag of the 30-second history, its number if named.
+// Histories of controllers; `number` is the key of their 30-second history, named or selected.
 std::string histories_xml(const std::vector<std::string> &controllers, const std::string &number,
                           const std::string &selections) {
     std::string out =
@@ -119,23 +119,24 @@ std::string histories_xml(const std::vector<std::string> &controllers, const std
           <optics-port-histories>
 )";
     for (const std::string &controller : controllers) {
-        out += "            <optics-port-history>\n              <name>" + controller + "</name>\n" +
-               R"(              <optics-second30-history>
+        out.append("            <optics-port-history>\n              <name>").append(controller);
+        out.append(R"(</name>
+              <optics-second30-history>
                 <optics-second30-optics-histories>
                   <optics-second30-optics-history>
-                    )" +
-               number + R"(
+                    )");
+        out.append(number).append(R"(
                     <optics-second30-optics-time-line-instances>
                       <optics-second30-optics-time-line-instance>
                         <number>1</number>
-)" + selections +
-               R"(                      </optics-second30-optics-time-line-instance>
+)");
+        out.append(selections).append(R"(                      </optics-second30-optics-time-line-instance>
                     </optics-second30-optics-time-line-instances>
                   </optics-second30-optics-history>
                 </optics-second30-optics-histories>
               </optics-second30-history>
             </optics-port-history>
-)";
+)");
     }
     return out + R"(          </optics-port-histories>
         </optics-history>
