@@ -37,7 +37,7 @@ std::string shown_tokens(bag_generic_state_td state) {
         }
         const bool ended = token.type == BAG_TOKEN_END;
         if (!ended) {
-            text += " " + shown_token(token);
+            text.append(" ").append(shown_token(token));
         }
         bag_generic_free_token_allocations(&token);
         if (ended) {

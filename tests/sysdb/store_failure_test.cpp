@@ -31,7 +31,7 @@ protected:
         store.open(state, Store::Mode::create);
         const auto transaction = store.write();
         for (int i = 0; i < 100; ++i) {
-            transaction->put(Table::items, "key" + std::to_string(i), std::string(1000, 'x'));
+            transaction->put(Table::items, std::string("key").append(std::to_string(i)), std::string(1000, 'x'));
         }
         transaction->commit();
         store.close();

@@ -120,7 +120,7 @@ TEST_F(StoreTest, OpensAgainAfterATransactionThatGavePagesBack) {
     for (int round = 0; round < 5; ++round) {
         const auto transaction = store.write();
         for (int i = 0; i < 200; ++i) {
-            transaction->put(Table::items, "k" + std::to_string(i), std::string(900, 'x'));
+            transaction->put(Table::items, std::string("k").append(std::to_string(i)), std::string(900, 'x'));
         }
         transaction->commit();
     }
