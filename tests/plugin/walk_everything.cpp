@@ -1,4 +1,6 @@
 // Reads that name no module: the inventory decides which modules are asked for.
+#include <cstdlib>
+
 #include "walk_support.hpp"
 
 namespace walk {
@@ -183,13 +185,19 @@ TEST_F(WalkEverything, WithoutAModuleOnlyLeavesAreAskedFor) {
     EXPECT_EQ(native_of_read(get_config), joined({module_leaves(), attenuation_leaves()}));
 }
 
+// The plug-in never forgets that it has found the database, so this needs a process of its own.
 TEST_F(WalkEverything, WithoutADatabaseTheReadSucceedsWithoutModules) {
-    fit(1);
-    platform.client_library_present = false;
-    EXPECT_EQ(native_of_read(get_config), joined({module_leaves(), attenuation_leaves()}));
-    EXPECT_EQ(platform.count("sysdb_bind"), 0u);
-    // The file is looked for again for every controller.
-    EXPECT_EQ(platform.count("access"), 6u);
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto read = [this] {
+        fit(1);
+        platform.client_library_present = false;
+        EXPECT_EQ(native_of_read(get_config), joined({module_leaves(), attenuation_leaves()}));
+        EXPECT_EQ(platform.count("sysdb_bind"), 0u);
+        // The file is looked for again for every controller.
+        EXPECT_EQ(platform.count("access"), 6u);
+        std::_Exit(HasFailure() ? 1 : 0);
+    };
+    EXPECT_EXIT(read(), ::testing::ExitedWithCode(0), "");
 }
 
 } // namespace
