@@ -34,7 +34,7 @@ protected:
         std::uint32_t length = 0;
         const kerrno result =
             sysdb_get_data(request.ctx(), "/oper/ots/if/", "Ots0_2_0_2/ots_info", &data, &length, SYSDB_ITEM_BAG);
-        std::free(data); // NOLINT(cppcoreguidelines-no-malloc): the client's contract
+        std::free(data); // NOLINT(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory): the client's contract
         return result;
     }
 

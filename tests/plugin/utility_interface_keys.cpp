@@ -194,6 +194,13 @@ TEST_F(AddKeyDeathTest, NeedsAContext) {
 
 // ---- selections ----
 
+// One add with a value.
+std::string valued(const std::string &path, const std::string &module, const std::string &value,
+                   const std::string &source, const std::string &flags) {
+    return "add(ctx, dest, \"" + path + "\", ns=" + module + ", value=\"" + value + "\", src=" + source +
+           ", result=none, " + flags + ")";
+}
+
 // One selection without value and source.
 std::string selected(const std::string &path, const std::string &module, const std::string &flags) {
     return "add(ctx, dest, \"" + path + "\", ns=" + module + ", value=null, src=none, result=none, " + flags + ")";
@@ -205,8 +212,7 @@ protected:
 
     const Lines operational = {
         selected("/ots-oper/ots-ports/ots-port", "ots-oper", "1, 0"),
-        "add(ctx, dest, \"/ots-oper/ots-ports/ots-port/name\", ns=ots-oper, value=\"Ots0/1/0/2\", src=src, "
-        "result=none, 0, 1)",
+        valued("/ots-oper/ots-ports/ots-port/name", "ots-oper", "Ots0/1/0/2", "src", "0, 1"),
         selected("/ots-oper/ots-ports/ots-port/ots-info/lane-data/transmit-power", "ots-oper", "0, 1"),
         selected("/ots-oper/ots-ports/ots-port/ots-info/lane-data/receive-power", "ots-oper", "0, 1"),
         selected("/ots-oper/ots-ports/ots-port/ots-info/lane-data/transmit-power-dbm", "ots-oper", "0, 1"),
@@ -227,21 +233,20 @@ protected:
     const Lines history = {
         selected(entry, "pmengine-oper", "1, 0"),
         selected(second30, "pmengine-oper", "1, 0"),
-        "add(ctx, dest, \"" + second30 + "/number\", ns=pmengine-oper, value=\"1\", src=none, result=none, 0, 0)",
+        valued(second30 + "/number", "pmengine-oper", "1", "none", "0, 0"),
         selected(time_line, "pmengine-oper", "1, 1"),
-        "add(ctx, dest, \"" + time_line + "/number\", ns=pmengine-oper, value=\"1\", src=none, result=none, 0, 1)",
+        valued(time_line + "/number", "pmengine-oper", "1", "none", "0, 1"),
         selected(time_line + "/opr/average", "pmengine-oper", "0, 0"),
         selected(time_line + "/opr/minimum", "pmengine-oper", "0, 0"),
         selected(time_line + "/opr/maximum", "pmengine-oper", "0, 0"),
         selected(time_line + "/opt/average", "pmengine-oper", "0, 0"),
         selected(time_line + "/opt/minimum", "pmengine-oper", "0, 0"),
         selected(time_line + "/opt/maximum", "pmengine-oper", "0, 0"),
-        "add(ctx, dest, \"" + entry + "/name\", ns=pmengine-oper, value=\"Ots0/1/0/2\", src=src, result=none, 0, 1)",
+        valued(entry + "/name", "pmengine-oper", "Ots0/1/0/2", "src", "0, 1"),
     };
 
     const Lines hardware = {
-        "add(ctx, dest, \"/active-nodes/active-node/node-name\", ns=mda-cfg, value=\"0/RP0/CPU0\", src=none, "
-        "result=none, 1, 0)",
+        valued("/active-nodes/active-node/node-name", "mda-cfg", "0/RP0/CPU0", "none", "1, 0"),
         selected("/active-nodes/active-node/slot/psm/revertive/enable", "ots-cfg", "1, 0"),
         selected("/active-nodes/active-node/slot/psm/revertive/wtr", "ots-cfg", "1, 0"),
         selected("/active-nodes/active-node/slot/psm/lockout-from", "ots-cfg", "1, 0"),
@@ -296,12 +301,10 @@ TEST_F(SelectTest, EarlierFailuresOfHistoryDoNotCount) {
 TEST_F(SelectTest, TheControllerIsHandedOnWhole) {
     const std::string controller = repeated(100000, 'c');
     EXPECT_EQ(add_ots_select_field(request.ctx(), source, dest, controller.c_str()), KERR_SUCCESS);
-    EXPECT_EQ(platform.calls()[1], "add(ctx, dest, \"/ots-oper/ots-ports/ots-port/name\", ns=ots-oper, value=\"" +
-                                       controller + "\", src=src, result=none, 0, 1)");
+    EXPECT_EQ(platform.calls()[1], valued("/ots-oper/ots-ports/ots-port/name", "ots-oper", controller, "src", "0, 1"));
     platform.forget();
     EXPECT_EQ(add_pm_select_field(request.ctx(), source, dest, controller.c_str()), KERR_SUCCESS);
-    EXPECT_EQ(platform.calls().back(), "add(ctx, dest, \"" + entry + "/name\", ns=pmengine-oper, value=\"" +
-                                           controller + "\", src=src, result=none, 0, 1)");
+    EXPECT_EQ(platform.calls().back(), valued(entry + "/name", "pmengine-oper", controller, "src", "0, 1"));
 }
 
 TEST_F(SelectTest, TheSourceStaysAsItIs) {

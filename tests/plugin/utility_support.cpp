@@ -13,9 +13,8 @@ constinit bool watching = false;
 
 } // namespace
 
-// The linker leads the program's own calls here (--wrap).
+// The linker leads the program's own calls here (--wrap), which makes the names.
 extern "C" {
-// NOLINTBEGIN(bugprone-reserved-identifier): the linker makes the names
 void *__real_calloc(std::size_t count, std::size_t size);
 void __real_free(void *memory);
 void *__wrap_calloc(std::size_t count, std::size_t size);
@@ -31,7 +30,7 @@ void *__wrap_calloc(std::size_t count, std::size_t size) {
 
 void __wrap_free(void *memory) {
     if (watching && memory != nullptr) {
-        const auto found = std::find(items.begin(), items.end(), memory);
+        auto *const found = std::find(items.begin(), items.end(), memory);
         if (found != items.end()) {
             *found = nullptr;
             fake::Platform::current().record_message(fake::Database, "free(item)");
@@ -39,7 +38,6 @@ void __wrap_free(void *memory) {
     }
     __real_free(memory);
 }
-// NOLINTEND(bugprone-reserved-identifier)
 }
 
 namespace utility {

@@ -23,7 +23,7 @@ constexpr char interfaces[] = "/oper/ots/if/";
 // An item that was fetched, released as the caller has to.
 struct Fetched {
     ~Fetched() {
-        std::free(data); // NOLINT(cppcoreguidelines-no-malloc): the client's contract
+        std::free(data); // NOLINT(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory): the client's contract
     }
     void *data = nullptr;
     std::uint32_t length = 0;
@@ -147,6 +147,11 @@ TEST_F(FetchTest, NoPlaceForTheDataIsNoError) {
                                     call("sysdb_item_get(handle 1, \"Ots0_2_0_2/ots_info\", type 7, 0)"),
                                     trace(fetch, "sysdb_unbind"), call("sysdb_unbind(handle 1)"),
                                     trace(fetch, "bag_data == NULL"), trace(fetch, "return")}));
+
+    platform.forget();
+    EXPECT_EQ(sysdb_get_data(request.ctx(), interfaces, "missing", nullptr, &length, SYSDB_ITEM_BAG), 0x0a0b0c00u);
+    EXPECT_EQ(messages(), (Lines{"log TRC path missing", "log TRC sysdb_item_get failed: error 0x0a0b0c00",
+                                 "log TRC sysdb_unbind", "log TRC return"}));
 
     platform.forget();
     platform.bind_gives_handle = false;
