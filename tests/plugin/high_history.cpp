@@ -181,6 +181,8 @@ TEST_F(History, StoredTextsAreStrippedWhateverTheirLength) {
                                                  {"-18.30" + repeated(5000, ' '), "-18.30"},
                                                  {"  -18.30" + repeated(100000, ' '), "-18.30"},
                                                  {repeated(5000, ' '), "0.00"},
+                                                 {repeated(194, ' ') + "-18.3", "-18.30"},
+                                                 {repeated(5000, ' ') + "-18.3", "0.00"}, // beyond 199 characters
                                                  {repeated(100000, ' '), "0.00"},
                                                  {repeated(5000, 'x'), "0.00"},
                                                  {repeated(100000, 'x'), "0.00"},
