@@ -1,4 +1,5 @@
-// The one error that leaves the bench: exactly one protocol error (RFC 6241, 4.3), and what a person should do about it.
+// The one error that leaves the bench: exactly one protocol error (RFC 6241, 4.3), and what a person should do about
+// it.
 #ifndef BENCH_ERROR_HPP
 #define BENCH_ERROR_HPP
 
@@ -13,11 +14,12 @@ public:
     // Who says no: it decides the program's exit code (refused: 1, bad input or usage: 2).
     enum class Source { refused, input };
 
-    // `tag` is a NETCONF error-tag, `path` an OpenConfig instance path (empty when there is none), `message` says what
-    // and why in one line, `advice` what to do (may be empty).
-    Error(Source source, std::string tag, std::string path, const std::string &message, std::string advice = {})
-        : std::runtime_error(message), source(source), tag(std::move(tag)), path(std::move(path)),
-          advice(std::move(advice)) {}
+    // `error_tag` is a NETCONF error-tag, `error_path` an OpenConfig instance path (empty when there is none),
+    // `message` says what and why in one line, `what_to_do` how to go on (may be empty).
+    Error(Source who, std::string error_tag, std::string error_path, const std::string &message,
+          std::string what_to_do = {})
+        : std::runtime_error(message), source(who), tag(std::move(error_tag)), path(std::move(error_path)),
+          advice(std::move(what_to_do)) {}
 
     Source source;
     std::string tag;
