@@ -154,7 +154,7 @@ void spread(DataNode &modules, uint32_t operation, std::span<const std::string> 
         }
     }
     for (const std::string &name : fitted_modules) {
-        if (named.count(name) == 0) {
+        if (!named.contains(name)) {
             const DataNode key{std::string(key_name), modules.namespace_uri, name, YFW_OPERATION_MERGE, {}};
             modules.children.push_back({std::string(list_name), modules.namespace_uri, std::nullopt, operation, {key}});
         }

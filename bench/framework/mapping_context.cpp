@@ -96,16 +96,12 @@ void MappingContext::update_list_node(const std::string &list_path) {
 }
 
 const char *MappingContext::innermost_key(std::string_view key) const {
-    for (auto level = levels_.rbegin(); level != levels_.rend(); ++level) {
-        if (level->kind != list_level) {
-            continue;
-        }
-        const kidl_yfw_datatree *leaf = find_child(*level->node, key);
-        if (leaf != nullptr && value_of(*leaf)) {
-            return leaf->value;
-        }
-    }
-    return nullptr;
+    const auto value_in = [key](const yfw_map_hierarchy_level &level) -> const char * {
+        const kidl_yfw_datatree *leaf = level.kind == list_level ? find_child(*level.node, key) : nullptr;
+        return leaf != nullptr && value_of(*leaf) ? leaf->value : nullptr;
+    };
+    const auto innermost = std::find_if(levels_.rbegin(), levels_.rend(), value_in);
+    return innermost == levels_.rend() ? nullptr : value_in(*innermost);
 }
 
 kerrno MappingContext::add_absolute(const AddRecord &add) {

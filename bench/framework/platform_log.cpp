@@ -28,12 +28,9 @@ std::string formatted(const char *format, va_list arguments) {
 }
 
 // Numbers a statement at its first line. Plug-ins of several threads may share the word.
-uint32_t number_of_site(uint32_t *site) {
+uint32_t number_of_site(uint32_t &site) {
     static std::atomic<uint32_t> last{0};
-    if (site == nullptr) {
-        return unseen_site;
-    }
-    std::atomic_ref<uint32_t> word(*site);
+    std::atomic_ref<uint32_t> word(site);
     uint32_t number = word.load();
     if (number == unseen_site) {
         const uint32_t fresh = ++last;
@@ -53,7 +50,7 @@ void _hvs_dt_log_filter_adv(hvs_dt_handle log, uint32_t /*zero1*/, uint32_t /*ze
     va_start(arguments, format);
     std::string text = formatted(format, arguments);
     va_end(arguments);
-    log->lines->push_back({log->error, number_of_site(site), std::move(text)});
+    log->lines->push_back({log->error, site == nullptr ? unseen_site : number_of_site(*site), std::move(text)});
 }
 
 void _lstrace(hvs_trace_handle buffer, uint64_t /*options*/, const char *text) {

@@ -26,10 +26,10 @@ char *yfw_strdup(const char *text, const char * /*allocation_tag*/) {
     return text == nullptr ? nullptr : strdup(text);
 }
 
-// NOLINTNEXTLINE(cppcoreguidelines-owning-memory): the memory is that of yfw_strdup
 void hvs_named_free(void *allocation) {
+    // NOLINTNEXTLINE(cppcoreguidelines-owning-memory,cppcoreguidelines-no-malloc): the memory is that of yfw_strdup
     std::free(allocation);
-} // NOLINT(cppcoreguidelines-no-malloc)
+}
 
 int yfw_strcpy_s(char *dest, size_t size, const char *source) {
     return yfw_strncpy_s(dest, size, source, source == nullptr ? 0 : std::strlen(source));
