@@ -4,6 +4,7 @@
 #include <array>
 #include <cctype>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -182,6 +183,11 @@ struct Search {
     std::size_t read;                // so many tokens
     kerrno result = KERR_SUCCESS;
 };
+
+// The name in lists of tests.
+void PrintTo(const Search &expected, std::ostream *stream) {
+    *stream << expected.what;
+}
 
 class BagSearchTest : public BagTest, public ::testing::WithParamInterface<Search> {};
 

@@ -1,4 +1,5 @@
 // The direct reads of the system database: item, field and text of every reader, and every way in which a read fails.
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -44,6 +45,11 @@ struct Case {
     std::vector<Token> tokens; // of a bag; the last one is the field
     std::string text;
 };
+
+// The name in lists of tests.
+void PrintTo(const Case &read, std::ostream *stream) {
+    *stream << read.name;
+}
 
 Token structure(const std::string &name) {
     return mark_token(BAG_TOKEN_STRUCT_START, name);
