@@ -371,7 +371,7 @@ TEST_F(BagTest, MoreThanTenNamesAreRefusedUndecoded) {
     }
 }
 
-TEST_F(BagTest, A199CharactersOfThePathCount) {
+TEST_F(BagTest, NoMoreThan199CharactersOfThePathCount) {
     for (const std::string &tail :
          {std::string(), std::string("xyz"), std::string(".b"), repeated(100000, '.'), repeated(100000, 'x')}) {
         SCOPED_TRACE(tail.substr(0, 40));

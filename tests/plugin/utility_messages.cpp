@@ -20,7 +20,7 @@ constexpr std::uint32_t untouched = 0xffffffff;
 
 class MessageTest : public utility::UtilityTest {
 protected:
-    // Eleven messages, the last of them an error: a controller without its module.
+    // Nine messages, the last of them an error: a controller without its module.
     void refuse_a_controller() {
         Buffer key(20);
         EXPECT_EQ(check_controller_name_ots_is_good_by_port(request.ctx(), "Ots0/3/0/2", key.data(), 2), 0);
