@@ -1,6 +1,14 @@
 #include "frame.hpp"
 
+// The C library's, which its header declares in some builds only.
+extern "C" [[noreturn]] void __assert_fail(const char *text, const char *file, unsigned int line,
+                                           const char *prototype) noexcept;
+
 namespace ymap {
+
+void fail_context_assertion(const Function &function, unsigned int line) {
+    __assert_fail("((void *)0) != ctx", function.file, line, function.prototype);
+}
 
 kerrno refuse_arguments(const Function &function, yfw_map_ctx ctx) {
     YMAP_ASSERT_CONTEXT(function, ctx);

@@ -24,9 +24,6 @@
     "kerrno " YMAP_STRING(                                                                                             \
         name) "(yfw_map_ctx, const struct kidl_yfw_datatree *, unsigned int, struct kidl_yfw_datatree *)"
 
-extern "C" [[noreturn]] void __assert_fail(const char *text, const char *file, unsigned int line,
-                                           const char *prototype) noexcept;
-
 namespace ymap {
 
 using Node = kidl_yfw_datatree;
@@ -37,6 +34,9 @@ struct Function {
     const char *prototype;
     const char *file;
 };
+
+// Stops the process: the text of the assertion is always the same.
+[[noreturn]] void fail_context_assertion(const Function &function, unsigned int line);
 
 inline constexpr std::uint32_t log_level_error = 0;
 inline constexpr std::uint32_t log_level_trace = 3;
@@ -54,7 +54,7 @@ inline const char *shown(const char *text) {
 #define YMAP_ASSERT_CONTEXT(function, ctx)                                                                             \
     do {                                                                                                               \
         if ((ctx) == nullptr) {                                                                                        \
-            __assert_fail("((void *)0) != ctx", (function).file, __LINE__, (function).prototype);                      \
+            ymap::fail_context_assertion(function, __LINE__);                                                          \
         }                                                                                                              \
     } while (false)
 
