@@ -44,7 +44,7 @@ struct CommandLine {
 
 private:
     void add_request_options(CLI::App &command);
-    int explain_or_table(std::ostream &output, std::ostream &errors);
+    int explain_or_table(std::ostream &output, std::ostream &errors) const;
 };
 
 // The type name in the help says already what is allowed.
@@ -96,7 +96,7 @@ void CommandLine::add_request_options(CLI::App &command) {
         ->type_name("DIR");
 }
 
-int CommandLine::explain_or_table(std::ostream &output, std::ostream &errors) {
+int CommandLine::explain_or_table(std::ostream &output, std::ostream &errors) const {
     if (!table) {
         return explain_command(request, output, errors);
     }

@@ -17,15 +17,15 @@ inline constexpr bool state = false;
 
 constexpr NodeRow node_table[] = {
 #define YMAP_CONTAINER(suffix, parent, tag, access_of_row)                                                             \
-    {NodeKind::container, false, #suffix, #parent, tag, access::access_of_row, {}},
+    {NodeKind::container, false, access::access_of_row, #suffix, #parent, tag, {}},
 #define YMAP_LIST(suffix, parent, tag, access_of_row, conversion)                                                      \
-    {NodeKind::list, false, #suffix, #parent, tag, access::access_of_row, #conversion},
+    {NodeKind::list, false, access::access_of_row, #suffix, #parent, tag, #conversion},
 #define YMAP_KEY(suffix, parent, tag, access_of_row, conversion)                                                       \
-    {NodeKind::leaf, true, #suffix, #parent, tag, access::access_of_row, #conversion},
+    {NodeKind::leaf, true, access::access_of_row, #suffix, #parent, tag, #conversion},
 #define YMAP_LEAF(suffix, parent, tag, access_of_row, conversion)                                                      \
-    {NodeKind::leaf, false, #suffix, #parent, tag, access::access_of_row, #conversion},
+    {NodeKind::leaf, false, access::access_of_row, #suffix, #parent, tag, #conversion},
 #define YMAP_REFUSED(suffix, parent, tag, access_of_row)                                                               \
-    {NodeKind::leaf, false, #suffix, #parent, tag, access::access_of_row, {}},
+    {NodeKind::leaf, false, access::access_of_row, #suffix, #parent, tag, {}},
 #include "ymap_oc_opt_psm_openconfig_transport_line_protection_nodes.def"
 #undef YMAP_CONTAINER
 #undef YMAP_LIST

@@ -16,10 +16,10 @@ enum class NodeKind { container, list, leaf };
 struct NodeRow {
     NodeKind kind;
     bool is_key;
+    bool is_configuration;
     std::string_view suffix; // ends the names of the node's callbacks
     std::string_view parent; // suffix of the node above, "none" at the top
     std::string_view tag;
-    bool is_configuration;
     std::string_view conversion;
 };
 

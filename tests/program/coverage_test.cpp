@@ -37,13 +37,13 @@ protected:
         {std::string(module) + "/state/hold-off-time", NodeKind::leaf, false, false, "milliseconds"},
     };
     std::vector<NodeRow> nodes = {
-        {NodeKind::container, false, "a", "none", "aps", true, ""},
-        {NodeKind::container, false, "b", "a", "aps-modules", true, ""},
-        {NodeKind::list, false, "c", "b", "aps-module", true, "list_to_low"},
-        {NodeKind::leaf, true, "d", "c", "name", true, "key_to_low"},
-        {NodeKind::container, false, "e", "c", "state", false, ""},
-        {NodeKind::leaf, false, "f", "e", "revertive", false, "revertive_to_low"},
-        {NodeKind::leaf, false, "g", "e", "attenuation", false, ""},
+        {NodeKind::container, false, true, "a", "none", "aps", ""},
+        {NodeKind::container, false, true, "b", "a", "aps-modules", ""},
+        {NodeKind::list, false, true, "c", "b", "aps-module", "list_to_low"},
+        {NodeKind::leaf, true, true, "d", "c", "name", "key_to_low"},
+        {NodeKind::container, false, false, "e", "c", "state", ""},
+        {NodeKind::leaf, false, false, "f", "e", "revertive", "revertive_to_low"},
+        {NodeKind::leaf, false, false, "g", "e", "attenuation", ""},
     };
     std::vector<ConversionRow> conversions = {
         {"revertive_to_low", "state_leaf", "text", "none", "native", "/slots/slot/revertive"},
@@ -88,7 +88,7 @@ TEST_F(Coverage, NamesANodeThatIsInBothTables) {
 }
 
 TEST_F(Coverage, NamesARowThatIsNotInTheModel) {
-    nodes.push_back({NodeKind::leaf, false, "h", "e", "active-pth", false, ""});
+    nodes.push_back({NodeKind::leaf, false, false, "h", "e", "active-pth", ""});
     EXPECT_THAT(check().findings,
                 ElementsAre(below_module("/state/active-pth", "is in the mapping table but not in the model")));
 }
@@ -100,7 +100,7 @@ TEST_F(Coverage, NamesAnUnsupportedNodeThatIsNotInTheModel) {
 }
 
 TEST_F(Coverage, NamesRowsThatStandTwice) {
-    nodes.push_back({NodeKind::leaf, false, "h", "e", "attenuation", false, ""});
+    nodes.push_back({NodeKind::leaf, false, false, "h", "e", "attenuation", ""});
     unsupported.push_back(unsupported.front());
     EXPECT_THAT(check().findings, ElementsAre(below_module("/state/attenuation", "is in the mapping table twice"),
                                               below_module("/state/hold-off-time", "is listed as unsupported twice")));
