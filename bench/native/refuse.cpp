@@ -1,10 +1,6 @@
 #include "bench/native/refuse.hpp"
 
-// g++ 12 takes a constructor's parameters named like members for shadowing.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wshadow"
 #include "bench/error.hpp"
-#pragma GCC diagnostic pop
 #include "bench/native/native_path.hpp"
 
 namespace bench::native {

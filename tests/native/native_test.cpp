@@ -2,11 +2,7 @@
 
 #include <gtest/gtest.h>
 
-// g++ 12 takes a constructor's parameters named like members for shadowing.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wshadow"
 #include "bench/error.hpp"
-#pragma GCC diagnostic pop
 
 namespace native_test {
 
