@@ -117,6 +117,14 @@ TEST_F(WalkContainer, ChildrenThatAreNotValidAreNone) {
     EXPECT_EQ(callbacks(), (Lines{"cont_lvla_aps_apsmodule_config(config, 0)"}));
 }
 
+TEST_F(WalkContainer, TheCallbackGetsTheCountOutsideAWholeSubtreeWalk) {
+    // In an edit nothing takes the bit of a content-match container away.
+    request.set_kind(edit);
+    request.state.read_selection = 1;
+    EXPECT_EQ(walk(config, build(container("config", {leaf("revertive", "true")}))), 0u);
+    EXPECT_EQ(callbacks().front(), "cont_lvla_aps_apsmodule_config(config, 1)");
+}
+
 TEST_F(WalkContainer, ANegativeCountIsNone) {
     request.set_kind(edit);
     EXPECT_EQ(walk(config, build(container("config").without_array(-1))), 0u);

@@ -88,7 +88,7 @@ Checker::Picture Checker::take() const {
     for (const Tree *tree : platform_.trees()) {
         ++number;
         std::string path = tree->path_of(tree->root());
-        if (picture.nodes.count(path) != 0) { // another tree of the same name
+        if (picture.nodes.contains(path)) { // another tree of the same name
             path += "#" + std::to_string(number);
         }
         visit(picture.nodes, *tree->root(), path, false);
@@ -132,7 +132,7 @@ void Checker::compare_nodes(const Picture &now, std::vector<std::string> &found)
         }
     }
     for (const auto &[path, is] : now.nodes) {
-        if (before_.nodes.count(path) != 0) {
+        if (before_.nodes.contains(path)) {
             continue;
         }
         const auto parent = before_.nodes.find(path.substr(0, path.rfind('/')));

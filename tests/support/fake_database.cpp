@@ -87,9 +87,10 @@ std::string handle_name(const void *handle) {
 
 void *data_of(const fake::Item &item) {
     const std::size_t size = std::max(item.bytes.size(), header_room);
-    void *const data = std::calloc(1, size); // NOLINT(cppcoreguidelines-no-malloc): the caller releases it with free
+    // The caller releases it with free.
+    void *const data = std::calloc(1, size); // NOLINT(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory)
     if (data != nullptr) {
-        std::memcpy(data, item.bytes.data(), item.bytes.size());
+        std::copy(item.bytes.begin(), item.bytes.end(), static_cast<char *>(data));
     }
     return data;
 }
@@ -399,7 +400,8 @@ char *inet_ntoa_r(uint32_t address, char *buffer, size_t size) {
 }
 
 // Stands in front of the C library's: the presence of the client library is the test's to say.
-int access(const char *path, int mode) noexcept {
+int access(const char *path, // NOLINT(readability-inconsistent-declaration-parameter-name): the header's are reserved
+           int mode) noexcept {
     if (std::strcmp(path, SYSDB_CLIENT_LIBRARY) != 0) {
         return ::faccessat(AT_FDCWD, path, mode, 0);
     }

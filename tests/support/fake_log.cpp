@@ -74,7 +74,7 @@ bool take(std::string &rest, const std::string &prefix) {
 std::string log_level_of(std::string &text, hvs_dt_handle handle) {
     Platform &platform = Platform::current();
     const std::string whole = text;
-    const std::string level = text.substr(0, 3);
+    std::string level = text.substr(0, 3);
     const yfw_map_ctx ctx = fake::current_context();
     if ((level != "ERR" && level != "TRC") || !take(text, level + ": YFW: ") || !take(text, context_text(ctx))) {
         platform.fault("a log line without its prefix or with another context: " + whole);
@@ -134,13 +134,12 @@ void _hvs_dt_log_filter_adv(hvs_dt_handle log, uint32_t zero1, uint32_t zero2, u
     Platform &platform = Platform::current();
     va_list arguments;
     va_start(arguments, format);
-    va_list again;
-    va_copy(again, arguments);
     const int length = std::vsnprintf(nullptr, 0, format, arguments);
     va_end(arguments);
     std::vector<char> buffer(static_cast<std::size_t>(std::max(length, 0)) + 1);
-    std::vsnprintf(buffer.data(), buffer.size(), format, again);
-    va_end(again);
+    va_start(arguments, format);
+    std::vsnprintf(buffer.data(), buffer.size(), format, arguments);
+    va_end(arguments);
 
     if ((zero1 | zero2 | zero3 | zero4 | zero5) != 0) {
         platform.fault(std::string("a log line whose five numbers are not zero: ") + format);

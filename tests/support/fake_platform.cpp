@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <utility>
 
 namespace fake {
@@ -161,11 +162,12 @@ std::optional<std::uint32_t> Platform::record(Group group, const std::string &op
     const std::string line = operation + "(" + arguments + ")";
     lines_.push_back({group, line});
     const std::size_t number = ++counts_[operation];
-    for (std::size_t i = 0; i < hooks_.size(); ++i) { // a hook may install another
-        const Hook hook = hooks_[i];
-        if (hook.operation == operation && line.find(hook.containing) != std::string::npos) {
-            hook.run(line);
-        }
+    std::vector<Hook> due; // a hook may install another
+    std::copy_if(hooks_.begin(), hooks_.end(), std::back_inserter(due), [&](const Hook &hook) {
+        return hook.operation == operation && line.find(hook.containing) != std::string::npos;
+    });
+    for (const Hook &hook : due) {
+        hook.run(line);
     }
     for (const Rule &rule : rules_) {
         if (rule.operation == operation && (rule.nth == 0 || rule.nth == number) &&

@@ -139,7 +139,8 @@ TEST_F(FakePlatformTest, HandsOutItemsAndFollowsTheirBags) {
     bag_generic_destroy(state);
     EXPECT_EQ(platform.take_faults(), (Lines{"a decoder was destroyed while tokens were out"}));
     bag_generic_free_token_allocations(&token);
-    std::free(data); // NOLINT(cppcoreguidelines-no-malloc): the database's data is the allocator's
+    // The database's data is the allocator's.
+    std::free(data); // NOLINT(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory)
 }
 
 TEST_F(FakePlatformTest, ABagWithoutAnEndFailsBehindItsLastToken) {

@@ -20,7 +20,7 @@ Request::Request(std::uint32_t kind) {
     registration.operation_kind = kind;
     state.registration = &registration;
     context.request = &state;
-    context.error_log = reinterpret_cast<hvs_dt_handle>(&handles[0]);
+    context.error_log = reinterpret_cast<hvs_dt_handle>(handles.data());
     context.trace_log = reinterpret_cast<hvs_dt_handle>(&handles[1]);
     context.trace_buffer = reinterpret_cast<hvs_trace_handle>(&handles[2]);
     set_channels(true, true);
@@ -51,7 +51,7 @@ void Request::set_list_entry(const Node &entry) {
     state.list_node = list_entry_->root();
 }
 
-RequestTest::RequestTest() : dest(nullptr), destination_(container("dest")) {
+RequestTest::RequestTest() : destination_(container("dest")) {
     dest = destination_.root();
     platform.attach(destination_);
     platform.name(request.ctx(), "ctx");

@@ -59,7 +59,7 @@ protected:
 
     Platform platform;
     Request request;
-    kidl_yfw_datatree *dest;
+    kidl_yfw_datatree *dest = nullptr;
 
 private:
     std::vector<std::unique_ptr<Tree>> trees_;

@@ -200,7 +200,7 @@ void Tree::index(const kidl_yfw_datatree &node, const std::string &path) {
         if (number > 1) {
             tag += "[" + std::to_string(number) + "]";
         }
-        index(child, path + "/" + tag);
+        index(child, std::string(path).append("/").append(tag));
     }
 }
 
