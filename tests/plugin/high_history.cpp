@@ -268,6 +268,7 @@ TEST_F(History, OfAnyOtherControllerIsSkipped) {
                                                                                      {"Ots0/2/0/0", "0"},
                                                                                      {"Ots0/2/0/3", "3"},
                                                                                      {"Ots0/2", "-1"},
+                                                                                     {"Ots0/2/1/1", "-1"},
                                                                                      {"abc", "-1"},
                                                                                      {"", "-1"},
                                                                                      {"%s%n", "-1"},

@@ -396,6 +396,7 @@ TEST_F(LineState, AnotherPortIsSkippedOrPassedOver) {
                                                          {"Ots0/2/0/3", "3"},
                                                          {"Ots0/2/0/-1", "-1"},
                                                          {"Ots0/2", "-1"},
+                                                         {"Ots0/2/1/1", "-1"},
                                                          {"Optics0/2/0/1", "-1"},
                                                          {"abc", "-1"},
                                                          {"", "-1"},

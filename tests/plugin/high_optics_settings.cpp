@@ -60,6 +60,7 @@ const std::vector<Controller> &controllers() {
         {"Ots0/2/0/12", "0/2-PSM-OM", 0},
         {"Ots0/2/0/", "0/2-PSM-OM", 0},
         {"Ots0/2", "0/2-PSM-OM", 0},
+        {"Ots0/2/1/1", "0/2-PSM-OM", 0},
         {"Ots0/7/0/1", "0/7-PSM-OM", 1}, // no look whether there is a module
         {"Ots0/0/0/2", "0/0-PSM-OM", 2},
         {"Ots0/-2147483648/0/1", "0/-2147483648-PSM-O", 1}, // a key has 19 characters

@@ -39,6 +39,7 @@ const std::vector<Controller> &controllers() {
         {"Ots0/2/0/3", "0/2-PSM-OM", 0},
         {"Ots0/2/0/-1", "0/2-PSM-OM", 0},
         {"Ots0/2", "0/2-PSM-OM", 0},
+        {"Ots0/2/1/1", "0/2-PSM-OM", 0},
         {"Ots0/4/0/1", "0/4-PSM-OM", 1}, // no look whether there is a module
         {"Ots0/-2147483648/0/2", "0/-2147483648-PSM-O", 2},
         {"Ots0_2_0_1", "0/-1-PSM-OM", 0},
@@ -229,6 +230,7 @@ TEST_F(NameInState, OfAnotherControllerIsSkipped) {
         for (const auto &[name, port] : std::vector<std::pair<std::string, std::string>>{{"Ots0/2/0/0", "0"},
                                                                                          {"Ots0/2/0/3", "3"},
                                                                                          {"Ots0/2", "-1"},
+                                                                                         {"Ots0/2/1/1", "-1"},
                                                                                          {"0/2-PSM-OM", "-1"},
                                                                                          {"abc", "-1"},
                                                                                          {"", "-1"},
