@@ -101,125 +101,136 @@ kerrno list_to_low(const Function &function, yfw_map_ctx ctx, const Node *source
     return add.result();
 }
 
-// ---- the key leaf ----
+// ---- the leaves that name a module ----
 
-void add_merged_module(const Function &function, yfw_map_ctx ctx, const Node *source, const ModuleNames &names,
-                       Adds &add) {
-    YMAP_TRACE(function, ctx, "merge request");
-    add(ifmgr_cfg, YMAP_INTERFACE, nullptr, source, opens);
-    add(ifmgr_cfg, YMAP_INTERFACE "/interface-name", names.primary, source, belongs);
-    add(ifmgr_cfg, YMAP_INTERFACE "/active", active, source, belongs);
-    YMAP_TRACE(function, ctx, "set /active-nodes/active-node/node-name");
-    add(mda_cfg, YMAP_NODE, nullptr, source, opens);
-    add(mda_cfg, YMAP_NODE "/node-name", node_name, source, plain);
-    add(ots_cfg, YMAP_SLOT, nullptr, source, {1, 1});
-    add(ots_cfg, YMAP_SLOT "/slot-id", names.slot_text, source, belongs);
+// One call of the conversion of such a leaf.
+struct NamedModule {
+    const Function &function;
+    yfw_map_ctx ctx;
+    const Node *source;
+    const ModuleNames names;
+    Adds add;
+};
+
+// A leaf without a value names nothing, which is no failure.
+kerrno name_to_low(const Function &function, yfw_map_ctx ctx, const Node *source, Node *destination,
+                   void (*steps)(NamedModule &)) {
+    if (!has_value(*source)) {
+        return KERR_SUCCESS;
+    }
+    NamedModule module{function, ctx, source, ModuleNames(source->value), Adds(ctx, destination)};
+    YMAP_TRACE(function, ctx, "psm_name = %s", source->value);
+    steps(module);
+    return module.add.result();
 }
 
-void add_read_module(const Function &function, yfw_map_ctx ctx, const Node *source, const ModuleNames &names,
-                     Adds &add) {
-    YMAP_TRACE(function, ctx, "YFW_MAP_IS_GET");
+void add_interface_keys(NamedModule &module, const char *controller) {
+    module.add(ifmgr_cfg, YMAP_INTERFACE "/interface-name", controller, module.source, belongs);
+    module.add(ifmgr_cfg, YMAP_INTERFACE "/active", active, module.source, belongs);
+}
+
+void add_merged_module(NamedModule &module) {
+    Adds &add = module.add;
+    YMAP_TRACE(module.function, module.ctx, "merge request");
+    add(ifmgr_cfg, YMAP_INTERFACE, nullptr, module.source, opens);
+    add_interface_keys(module, module.names.primary);
+    YMAP_TRACE(module.function, module.ctx, "set /active-nodes/active-node/node-name");
+    add(mda_cfg, YMAP_NODE, nullptr, module.source, opens);
+    add(mda_cfg, YMAP_NODE "/node-name", node_name, module.source, plain);
+    add(ots_cfg, YMAP_SLOT, nullptr, module.source, {1, 1});
+    add(ots_cfg, YMAP_SLOT "/slot-id", module.names.slot_text, module.source, belongs);
+}
+
+void add_read_module(NamedModule &module) {
+    Adds &add = module.add;
+    YMAP_TRACE(module.function, module.ctx, "YFW_MAP_IS_GET");
     add(ifmgr_cfg, YMAP_INTERFACE, nullptr, nullptr, opens);
-    add(ifmgr_cfg, YMAP_INTERFACE "/interface-name", names.primary, source, belongs);
-    add(ifmgr_cfg, YMAP_INTERFACE "/active", active, source, belongs);
-    YMAP_TRACE(function, ctx, "set /active-nodes/active-node/node-name");
+    add_interface_keys(module, module.names.primary);
+    YMAP_TRACE(module.function, module.ctx, "set /active-nodes/active-node/node-name");
     add(mda_cfg, YMAP_NODE "/node-name", node_name, nullptr, opens);
-    add(ots_cfg, YMAP_SLOT "/slot-id", names.slot_text, nullptr, opens);
-    if (is_operational_read(ctx)) {
-        add(ots_oper, YMAP_OTS_PORT "/name", names.primary, nullptr, opens);
-        add(pmengine_oper, YMAP_HISTORY "/name", names.primary, nullptr, opens);
+    add(ots_cfg, YMAP_SLOT "/slot-id", module.names.slot_text, nullptr, opens);
+    if (is_operational_read(module.ctx)) {
+        add(ots_oper, YMAP_OTS_PORT "/name", module.names.primary, nullptr, opens);
+        add(pmengine_oper, YMAP_HISTORY "/name", module.names.primary, nullptr, opens);
     }
 }
 
 // The secondary controller has entries of its own; its history is read from the system database.
-void add_read_secondary(const Function &function, yfw_map_ctx ctx, const Node *source, const ModuleNames &names,
-                        Adds &add) {
-    YMAP_TRACE(function, ctx, "YFW_MAP_IS_GET");
-    add(ifmgr_cfg, YMAP_INTERFACE, nullptr, source, opens);
-    add(ifmgr_cfg, YMAP_INTERFACE "/interface-name", names.secondary, source, belongs);
-    add(ifmgr_cfg, YMAP_INTERFACE "/active", active, source, belongs);
-    if (is_operational_read(ctx)) {
+void add_read_secondary(NamedModule &module) {
+    Adds &add = module.add;
+    YMAP_TRACE(module.function, module.ctx, "YFW_MAP_IS_GET");
+    add(ifmgr_cfg, YMAP_INTERFACE, nullptr, module.source, opens);
+    add_interface_keys(module, module.names.secondary);
+    if (is_operational_read(module.ctx)) {
         add(ots_oper, YMAP_OTS_PORT, nullptr, nullptr, opens);
-        add(ots_oper, YMAP_OTS_PORT "/name", names.secondary, nullptr, opens);
+        add(ots_oper, YMAP_OTS_PORT "/name", module.names.secondary, nullptr, opens);
     }
 }
 
-kerrno key_to_low(const Function &function, yfw_map_ctx ctx, const Node *source, Node *destination) {
-    if (!has_value(*source)) {
-        return KERR_SUCCESS;
-    }
-    const ModuleNames names(source->value);
-    Adds add(ctx, destination);
-    YMAP_TRACE(function, ctx, "psm_name = %s", source->value);
-    YMAP_TRACE(function, ctx, "controller_name_primary = %s", names.primary);
-    YMAP_TRACE(function, ctx, "controller_name_secondary = %s", names.secondary);
-    if (is_read(ctx)) {
-        add_read_module(function, ctx, source, names, add);
-    } else if (is_delete(source)) {
-        YMAP_TRACE(function, ctx, "delete request"); // the leaves of the module carry the delete themselves
+// The list's key.
+void key_steps(NamedModule &module) {
+    YMAP_TRACE(module.function, module.ctx, "controller_name_primary = %s", module.names.primary);
+    YMAP_TRACE(module.function, module.ctx, "controller_name_secondary = %s", module.names.secondary);
+    if (is_read(module.ctx)) {
+        add_read_module(module);
+    } else if (is_delete(module.source)) {
+        YMAP_TRACE(module.function, module.ctx, "delete request"); // the module's leaves carry the delete themselves
     } else {
-        add_merged_module(function, ctx, source, names, add);
+        add_merged_module(module);
     }
-    if (is_read(ctx)) {
-        add_read_secondary(function, ctx, source, names, add);
+    if (is_read(module.ctx)) {
+        add_read_secondary(module);
     }
-    return add.result();
 }
 
-// ---- the name leaves ----
-
-kerrno config_name_to_low(const Function &function, yfw_map_ctx ctx, const Node *source, Node *destination) {
-    if (!has_value(*source)) {
-        return KERR_SUCCESS;
-    }
-    const ModuleNames names(source->value);
-    Adds add(ctx, destination);
-    YMAP_TRACE(function, ctx, "psm_name = %s", source->value);
-    YMAP_TRACE(function, ctx, "controller_name = %s", names.primary);
-    if (is_read(ctx)) {
-        add(ifmgr_cfg, YMAP_INTERFACE "/interface-name", names.primary, source, belongs);
-        add(ifmgr_cfg, YMAP_INTERFACE "/active", active, source, belongs);
-        add(ots_cfg, YMAP_SLOT "/slot-id", names.slot_text, source, belongs);
-    } else {
-        is_delete(source);
-    }
-    if (is_operational_read(ctx)) {
-        add(ots_oper, YMAP_OTS_PORT "/name", names.primary, nullptr, plain);
-        add(pmengine_oper, YMAP_HISTORY "/name", names.primary, nullptr, plain);
-    }
-    return add.result();
+void trace_controller(const NamedModule &module) {
+    YMAP_TRACE(module.function, module.ctx, "controller_name = %s", module.names.primary);
 }
 
-kerrno state_name_to_low(const Function &function, yfw_map_ctx ctx, const Node *source, Node *destination) {
-    if (!has_value(*source)) {
-        return KERR_SUCCESS;
-    }
-    const ModuleNames names(source->value);
-    Adds add(ctx, destination);
-    YMAP_TRACE(function, ctx, "psm_name = %s", source->value);
-    YMAP_TRACE(function, ctx, "controller_name = %s", names.primary);
-    if (is_read(ctx)) {
-        add(ots_oper, YMAP_OTS_PORT "/name", names.primary, nullptr, belongs);
+// config/name.
+void config_name_steps(NamedModule &module) {
+    trace_controller(module);
+    if (is_read(module.ctx)) {
+        add_interface_keys(module, module.names.primary);
+        module.add(ots_cfg, YMAP_SLOT "/slot-id", module.names.slot_text, module.source, belongs);
     } else {
-        is_delete(source);
+        is_delete(module.source); // the framework counts on the question, not on its answer
     }
-    return add.result();
+    if (is_operational_read(module.ctx)) {
+        module.add(ots_oper, YMAP_OTS_PORT "/name", module.names.primary, nullptr, plain);
+        module.add(pmengine_oper, YMAP_HISTORY "/name", module.names.primary, nullptr, plain);
+    }
+}
+
+// state/name.
+void state_name_steps(NamedModule &module) {
+    trace_controller(module);
+    if (is_read(module.ctx)) {
+        module.add(ots_oper, YMAP_OTS_PORT "/name", module.names.primary, nullptr, belongs);
+    } else {
+        is_delete(module.source); // likewise
+    }
 }
 
 } // namespace
 
 extern "C" {
 
+kerrno oc_aps_cfg_psm_list_to_low(yfw_map_ctx ctx, const Node *source, Node *destination) {
+    YMAP_MAN_FUNCTION(oc_aps_cfg_psm_list_to_low);
+    return convert_to_low(function, ctx, source, destination,
+                          [&] { return list_to_low(function, ctx, source, destination); });
+}
+
 #define YMAP_NAME_TO_LOW(conversion, steps)                                                                            \
     kerrno conversion(yfw_map_ctx ctx, const Node *source, Node *destination) {                                        \
         YMAP_MAN_FUNCTION(conversion);                                                                                 \
         return convert_to_low(function, ctx, source, destination,                                                      \
-                              [&] { return steps(function, ctx, source, destination); });                              \
+                              [&] { return name_to_low(function, ctx, source, destination, steps); });                 \
     }
 
-YMAP_NAME_TO_LOW(oc_aps_cfg_psm_list_to_low, list_to_low)
-YMAP_NAME_TO_LOW(op_cfg_psm_key_to_low, key_to_low)
-YMAP_NAME_TO_LOW(oc_psm_cfg_get_psm_key_to_low, config_name_to_low)
-YMAP_NAME_TO_LOW(oc_opt_psm_state_get_psm_key_to_low, state_name_to_low)
+YMAP_NAME_TO_LOW(op_cfg_psm_key_to_low, key_steps)
+YMAP_NAME_TO_LOW(oc_psm_cfg_get_psm_key_to_low, config_name_steps)
+YMAP_NAME_TO_LOW(oc_opt_psm_state_get_psm_key_to_low, state_name_steps)
 
 } // extern "C"

@@ -193,7 +193,7 @@ void add_threshold(Leaf &leaf, const NativeValue &value) {
 }
 
 // The primary threshold opens its interface entry once more in a merge, and in a delete names the value before the
-// type: the device has been taught on these orders.
+// type: both are part of what the device is sent, and are kept.
 void primary_threshold(Leaf &leaf) {
     const ControllerKey controller(leaf);
     if (controller.found) {
