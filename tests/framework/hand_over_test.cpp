@@ -138,6 +138,13 @@ TEST(HandOverEdit, AReplaceOfAllModulesReplacesThoseThatItNamesAndEmptiesTheOthe
     EXPECT_EQ(edits(aps(" nc:operation='replace'", "<aps-modules>" + content + "</aps-modules>")), replaced);
 }
 
+TEST(HandOverEdit, AnEntryKeepsAnOperationOfItsOwnInAReplaceOfAllModules) {
+    EXPECT_EQ(edits(aps("", "<aps-modules nc:operation='replace'><aps-module nc:operation='delete'><name>0/1-PSM-OM"
+                            "</name></aps-module></aps-modules>")),
+              "aps\n  aps-modules\n    aps-module delete\n      name = 0/1-PSM-OM\n    aps-module replace\n"
+              "      name = 0/3-PSM-OM\n");
+}
+
 TEST(HandOverEdit, ADeleteOfAllModulesThatNamesSomethingIsLeftToThePlugin) {
     EXPECT_EQ(edits(aps(" nc:operation='delete'", "<aps-modules/>")), "aps delete\n  aps-modules\n");
     EXPECT_EQ(

@@ -106,6 +106,22 @@ TEST_F(WalkServices, ThereIsNoListNodeWhereNoEntryOfTheListIsOnTop) {
     EXPECT_EQ(context.request->list_node, nullptr);
 }
 
+TEST_F(WalkServices, AnUpdateForAnotherListEndsTheCurrentEntry) {
+    enter(0);
+    (void)yfw_map_update_current_list_node(&context, list_path);
+    ASSERT_NE(context.request->list_node, nullptr);
+    EXPECT_EQ(yfw_map_update_current_list_node(&context, "/aps/other"), KERR_SUCCESS);
+    EXPECT_EQ(context.request->list_node, nullptr);
+}
+
+TEST_F(WalkServices, ANodeThatWasNotPushedAsAnEntryIsNoCurrentEntry) {
+    yfw_map_add_to_node_hierarchy(&context, &aps(), 1);
+    yfw_map_add_to_node_hierarchy(&context, &modules(), 1);
+    yfw_map_add_to_node_hierarchy(&context, &entry(0), 1);
+    EXPECT_EQ(yfw_map_update_current_list_node(&context, list_path), KERR_SUCCESS);
+    EXPECT_EQ(context.request->list_node, nullptr);
+}
+
 TEST_F(WalkServices, ListPathsMayHavePrefixes) {
     enter(0);
     EXPECT_EQ(yfw_map_update_current_list_node(&context, "/oc:aps/oc:aps-modules/x:aps-module"), KERR_SUCCESS);
