@@ -147,6 +147,8 @@ TEST(HandOverEdit, AnEntryKeepsAnOperationOfItsOwnInAReplaceOfAllModules) {
 
 TEST(HandOverEdit, ADeleteOfAllModulesThatNamesSomethingIsLeftToThePlugin) {
     EXPECT_EQ(edits(aps(" nc:operation='delete'", "<aps-modules/>")), "aps delete\n  aps-modules\n");
+    EXPECT_EQ(edits(aps(" nc:operation='delete'", "<aps-modules nc:operation='delete'/>")),
+              "aps delete\n  aps-modules delete\n");
     EXPECT_EQ(
         edits(aps("", "<aps-modules nc:operation='remove'><aps-module><name>a</name></aps-module></aps-modules>")),
         "aps\n  aps-modules remove\n    aps-module\n      name = a\n");

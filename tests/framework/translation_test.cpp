@@ -433,6 +433,19 @@ TEST(PassedOver, WhatIsLeftOutOfAReadIsNamed) {
                 ElementsAre(std::string("not supported and left out: ") + entry_path + "/config/hold-off-time"));
 }
 
+TEST(PassedOver, OneInstanceWithSomethingSupportedIsEnough) {
+    const Translation translation =
+        translate(walks_revertive,
+                  modules("<aps-module><name>a</name><config><revertive/></config></aps-module>"
+                          "<aps-module><name>b</name><other/></aps-module>"),
+                  Kind::get, {});
+    ASSERT_EQ(translation.handed_over.size(), 2U);
+    EXPECT_FALSE(translation.handed_over[0].nothing_supported);
+    EXPECT_TRUE(translation.handed_over[1].nothing_supported);
+    EXPECT_THAT(translation.warnings,
+                ElementsAre("not supported and left out: /aps/aps-modules/aps-module[name='b']/other"));
+}
+
 TEST(PassedOver, AWholeEntryAndAWholeContainerAreSupported) {
     for (const char *content : {"", "<config/>", "<config><revertive/></config>"}) {
         const Translation translation = translate(walks_revertive, module(content), Kind::get, {});
