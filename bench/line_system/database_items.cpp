@@ -21,33 +21,33 @@ constexpr std::string_view inventory = "/oper/inventory/gl/entity/";
 // The width to which a device pads the values of its history.
 constexpr std::size_t history_text_width = 10;
 
-using PortValue = std::optional<int> Port::*;
+using Reading = std::optional<int> Readings::*;
 
 // An integer field of a bag.
 struct FieldRow {
     std::string_view name;
-    PortValue value;
+    Reading value;
 };
 
-constexpr std::array threshold_fields{FieldRow{"RxLowThreshold", &Port::rx_low_threshold}};
+constexpr std::array threshold_fields{FieldRow{"RxLowThreshold", &Readings::rx_low_threshold}};
 
 constexpr std::array lane_fields{
-    FieldRow{"ReceivePower", &Port::receive_power},
-    FieldRow{"ReceivePowerDbm", &Port::receive_power},
-    FieldRow{"TransmitPower", &Port::transmit_power},
-    FieldRow{"TransmitPowerDbm", &Port::transmit_power},
+    FieldRow{"ReceivePower", &Readings::receive_power},
+    FieldRow{"ReceivePowerDbm", &Readings::receive_power},
+    FieldRow{"TransmitPower", &Readings::transmit_power},
+    FieldRow{"TransmitPowerDbm", &Readings::transmit_power},
 };
 
 constexpr std::array attenuation_fields{
-    FieldRow{"RxVoaAttenuation", &Port::rx_attenuation},
-    FieldRow{"TxVoaAttenuation", &Port::tx_attenuation},
+    FieldRow{"RxVoaAttenuation", &Readings::rx_attenuation},
+    FieldRow{"TxVoaAttenuation", &Readings::tx_attenuation},
 };
 
 // A configured value is an item of its own.
 constexpr std::array configured_items{
-    FieldRow{"/Optics/rx_attenuation", &Port::configured_rx_attenuation},
-    FieldRow{"/Optics/tx_attenuation", &Port::configured_tx_attenuation},
-    FieldRow{"/Optics/rx_threshold/0x1", &Port::configured_rx_threshold},
+    FieldRow{"/Optics/rx_attenuation", &Readings::configured_rx_attenuation},
+    FieldRow{"/Optics/tx_attenuation", &Readings::configured_tx_attenuation},
+    FieldRow{"/Optics/rx_threshold/0x1", &Readings::configured_rx_threshold},
 };
 
 struct StatisticsRow {
@@ -62,7 +62,7 @@ constexpr std::array statistics_fields{
 };
 
 template <class Rows>
-bool any(const Rows &rows, const Port &port) {
+bool any(const Rows &rows, const Readings &port) {
     for (const FieldRow &row : rows) {
         if (port.*row.value) {
             return true;
@@ -72,7 +72,7 @@ bool any(const Rows &rows, const Port &port) {
 }
 
 template <class Rows>
-void put_fields(bag::Encoder &encoder, const Rows &rows, const Port &port) {
+void put_fields(bag::Encoder &encoder, const Rows &rows, const Readings &port) {
     for (const FieldRow &row : rows) {
         if (const auto value = port.*row.value) {
             encoder.int32(row.name, *value);
@@ -95,18 +95,6 @@ std::string inventory_key(int slot) {
     return name.replace(name.find('/'), 1, "%2f");
 }
 
-// Hundredths as a device writes them: two places, padded on both sides.
-std::string history_text(int hundredths) {
-    const long long magnitude = std::llabs(hundredths);
-    const long long places = magnitude % 100;
-    std::string text = hundredths < 0 ? "-" : "";
-    text += std::to_string(magnitude / 100) + (places < 10 ? ".0" : ".") + std::to_string(places) + " ";
-    if (text.size() < history_text_width) {
-        text.insert(0, history_text_width - text.size(), ' ');
-    }
-    return text;
-}
-
 void put_statistics(bag::Encoder &encoder, std::string_view name, const std::optional<Statistics> &statistics) {
     if (!statistics) {
         return;
@@ -120,7 +108,7 @@ void put_statistics(bag::Encoder &encoder, std::string_view name, const std::opt
 
 class Items {
 public:
-    void add_port(const std::string &key, const Port &port) {
+    void add_port(const std::string &key, const Readings &port) {
         add_optics_info(key, port);
         add_ots_info(key, port);
         add_configuration(key, port);
@@ -140,7 +128,7 @@ private:
         items_.push_back({std::move(path), type, std::move(data)});
     }
 
-    void add_optics_info(const std::string &key, const Port &port) {
+    void add_optics_info(const std::string &key, const Readings &port) {
         if (!any(threshold_fields, port)) {
             return;
         }
@@ -152,7 +140,7 @@ private:
     }
 
     // The record names the part with the attenuations with a capital letter.
-    void add_ots_info(const std::string &key, const Port &port) {
+    void add_ots_info(const std::string &key, const Readings &port) {
         if (!any(lane_fields, port) && !any(attenuation_fields, port)) {
             return;
         }
@@ -170,7 +158,7 @@ private:
         add(join(operational, key, "/ots_info"), SYSDB_ITEM_BAG, encoder.finish());
     }
 
-    void add_configuration(const std::string &key, const Port &port) {
+    void add_configuration(const std::string &key, const Readings &port) {
         for (const FieldRow &row : configured_items) {
             if (const auto value = port.*row.value) {
                 add(join(configuration, key, row.name), SYSDB_ITEM_INT32, sysdb::int32_data(*value));
@@ -178,7 +166,7 @@ private:
         }
     }
 
-    void add_history(const std::string &key, const Port &port) {
+    void add_history(const std::string &key, const Readings &port) {
         if (!port.received && !port.transmitted) {
             return;
         }
@@ -195,16 +183,30 @@ private:
 
 } // namespace
 
+std::string history_text(int hundredths_of_dbm) {
+    const long long magnitude = std::llabs(hundredths_of_dbm);
+    const long long places = magnitude % 100;
+    std::string text = hundredths_of_dbm < 0 ? "-" : "";
+    text += std::to_string(magnitude / 100) + (places < 10 ? ".0" : ".") + std::to_string(places) + " ";
+    if (text.size() < history_text_width) {
+        text.insert(0, history_text_width - text.size(), ' ');
+    }
+    return text;
+}
+
+std::vector<sysdb::Item> port_items(int slot, std::size_t port, const Readings &readings) {
+    Items items;
+    items.add_port(controller_key(slot, port), readings);
+    return items.take();
+}
+
 std::vector<sysdb::Item> database_items(const LineSystem &system) {
     Items items;
-    for (const int slot : fitted_slots(system)) {
-        const Module &module = *system.slots.at(static_cast<std::size_t>(slot - 1));
-        for (std::size_t port = 0; port < module.ports.size(); ++port) {
-            items.add_port(controller_key(slot, port), module.ports.at(port));
+    for (const int number : fitted_slots(system)) {
+        for (std::size_t port = 0; port < port_count; ++port) {
+            items.add_port(controller_key(number, port), readings(slot(system, number), port));
         }
-        if (module.inventory_name) {
-            items.add_inventory(slot, *module.inventory_name);
-        }
+        items.add_inventory(number, module_name(number));
     }
     return items.take();
 }

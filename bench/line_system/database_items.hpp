@@ -2,16 +2,25 @@
 #ifndef BENCH_LINE_SYSTEM_DATABASE_ITEMS_HPP
 #define BENCH_LINE_SYSTEM_DATABASE_ITEMS_HPP
 
+#include <cstddef>
+#include <string>
 #include <vector>
 
+#include "bench/line_system/controllers.hpp"
 #include "bench/line_system/line_system.hpp"
 #include "bench/sysdb/item.hpp"
 
 namespace bench::line_system {
 
-// The items of all fitted modules: per port the operational records, the configured values and the history of the last
-// 30 seconds, per module its inventory. A value that is absent has no field, a record without fields no item.
+// The items of all fitted modules: per port those of its readings, per module its inventory.
 std::vector<sysdb::Item> database_items(const LineSystem &system);
+
+// The items of one port's readings: the operational records, the configured values and the history of the last 30
+// seconds. A value that is absent has no field, a record without fields no item.
+std::vector<sysdb::Item> port_items(int slot, std::size_t port, const Readings &readings);
+
+// A power of the history as a device stores it: two places, padded with blanks on both sides, e.g. "   -12.30 ".
+std::string history_text(int hundredths_of_dbm);
 
 } // namespace bench::line_system
 

@@ -12,17 +12,15 @@ namespace {
 using bench::line_system::database_items;
 using bench::line_system::example;
 using bench::line_system::LineSystem;
-using bench::line_system::Module;
-using bench::line_system::Port;
+using bench::line_system::port_items;
+using bench::line_system::Readings;
 using bench::line_system::Statistics;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// A module in slot 2 with this port as its secondary one.
-LineSystem with_port(const Port &port) {
-    LineSystem system;
-    system.slots[1] = Module{std::nullopt, {Port{}, Port{}, port}};
-    return system;
+// Of the secondary line of slot 2.
+std::vector<std::string> shown_items(const Readings &readings) {
+    return shown(port_items(2, 2, readings));
 }
 
 TEST(ExampleLineSystem, HasModulesInSlots1And3) {
@@ -74,7 +72,8 @@ TEST(ExampleLineSystem, StoresTheItemsOfItsControllers) {
             "/oper/ots/if/Ots0_3_0_1/ots_info: ots_info 1.0 ots_edm_info{ LaneData[ { ReceivePower=-4000 "
             "ReceivePowerDbm=-4000 TransmitPower=-251 TransmitPowerDbm=-251 } ] } Ots_edm_info{ RxVoaAttenuation=0 "
             "TxVoaAttenuation=0 }",
-            "/cfg/if/act/Ots0_3_0_1/Optics/rx_attenuation: 0", "/cfg/if/act/Ots0_3_0_1/Optics/rx_threshold/0x1: -265",
+            "/cfg/if/act/Ots0_3_0_1/Optics/rx_attenuation: 0", "/cfg/if/act/Ots0_3_0_1/Optics/tx_attenuation: 0",
+            "/cfg/if/act/Ots0_3_0_1/Optics/rx_threshold/0x1: -265",
             "/oper/perfmgmt/gl/periodic/optics/interface/Ots0_3_0_1/30sec/optics/1/timeline_rev/0x1: pm_optics_paras "
             "1.0 pm_optics_paras{ OPR{ Average='   -40.00 ' Minimum='   -40.00 ' Maximum='   -40.00 ' } OPT{ "
             "Average='    -2.50 ' Minimum='    -2.56 ' Maximum='    -2.44 ' } }",
@@ -83,7 +82,8 @@ TEST(ExampleLineSystem, StoresTheItemsOfItsControllers) {
             "/oper/ots/if/Ots0_3_0_2/ots_info: ots_info 1.0 ots_edm_info{ LaneData[ { ReceivePower=-1659 "
             "ReceivePowerDbm=-1659 TransmitPower=-248 TransmitPowerDbm=-248 } ] } Ots_edm_info{ RxVoaAttenuation=75 "
             "TxVoaAttenuation=0 }",
-            "/cfg/if/act/Ots0_3_0_2/Optics/rx_attenuation: 8", "/cfg/if/act/Ots0_3_0_2/Optics/rx_threshold/0x1: -300",
+            "/cfg/if/act/Ots0_3_0_2/Optics/rx_attenuation: 8", "/cfg/if/act/Ots0_3_0_2/Optics/tx_attenuation: 0",
+            "/cfg/if/act/Ots0_3_0_2/Optics/rx_threshold/0x1: -300",
             "/oper/perfmgmt/gl/periodic/optics/interface/Ots0_3_0_2/30sec/optics/1/timeline_rev/0x1: pm_optics_paras "
             "1.0 pm_optics_paras{ OPR{ Average='   -16.61 ' Minimum='   -16.83 ' Maximum='   -16.40 ' } OPT{ "
             "Average='    -2.47 ' Minimum='    -2.55 ' Maximum='    -2.40 ' } }",
@@ -94,28 +94,27 @@ TEST(ExampleLineSystem, StoresTheItemsOfItsControllers) {
 
 TEST(DatabaseItems, AreNotThereForWhatIsAbsent) {
     EXPECT_THAT(database_items(LineSystem{}), IsEmpty());
-    EXPECT_THAT(database_items(with_port(Port{})), IsEmpty());
+    EXPECT_THAT(port_items(2, 2, {}), IsEmpty());
 }
 
 TEST(DatabaseItems, HoldOnlyTheFieldsThatAreThere) {
-    EXPECT_THAT(shown(database_items(with_port({.receive_power = 0}))),
+    EXPECT_THAT(shown_items({.receive_power = 0}),
                 ElementsAre("/oper/ots/if/Ots0_2_0_2/ots_info: ots_info 1.0 ots_edm_info{ LaneData[ { ReceivePower=0 "
                             "ReceivePowerDbm=0 } ] }"));
-    EXPECT_THAT(shown(database_items(with_port({.tx_attenuation = 0}))),
+    EXPECT_THAT(shown_items({.tx_attenuation = 0}),
                 ElementsAre("/oper/ots/if/Ots0_2_0_2/ots_info: ots_info 1.0 Ots_edm_info{ TxVoaAttenuation=0 }"));
-    EXPECT_THAT(shown(database_items(with_port({.configured_tx_attenuation = -1}))),
+    EXPECT_THAT(shown_items({.configured_tx_attenuation = -1}),
                 ElementsAre("/cfg/if/act/Ots0_2_0_2/Optics/tx_attenuation: -1"));
     // Nothing of the received side may be found where only the transmitted one is recorded.
-    EXPECT_THAT(shown(database_items(with_port({.transmitted = Statistics{1, 2, 3}}))),
+    EXPECT_THAT(shown_items({.transmitted = Statistics{1, 2, 3}}),
                 ElementsAre("/oper/perfmgmt/gl/periodic/optics/interface/Ots0_2_0_2/30sec/optics/1/timeline_rev/0x1: "
                             "pm_optics_paras 1.0 pm_optics_paras{ OPT{ Average='     0.01 ' Minimum='     0.02 ' "
                             "Maximum='     0.03 ' } }"));
 }
 
 TEST(DatabaseItems, WriteHistoryAsPaddedTexts) {
-    const auto lines =
-        shown(database_items(with_port({.received = Statistics{-5, 0, 100},
-                                        .transmitted = Statistics{std::numeric_limits<int>::min(), -100000, 99}})));
+    const auto lines = shown_items(
+        {.received = Statistics{-5, 0, 100}, .transmitted = Statistics{std::numeric_limits<int>::min(), -100000, 99}});
     EXPECT_THAT(lines,
                 ElementsAre("/oper/perfmgmt/gl/periodic/optics/interface/Ots0_2_0_2/30sec/optics/1/timeline_rev/0x1: "
                             "pm_optics_paras 1.0 pm_optics_paras{ OPR{ Average='    -0.05 ' Minimum='     0.00 ' "
@@ -123,16 +122,11 @@ TEST(DatabaseItems, WriteHistoryAsPaddedTexts) {
                             "Maximum='     0.99 ' } }"));
 }
 
-TEST(DatabaseItems, HoldNoInventoryOfAModuleThatIsNotInIt) {
-    LineSystem system;
-    system.slots[0] = Module{"0/1-PSM-OM", {}};
-    system.slots[1] = Module{std::nullopt, {}};
-    system.slots[2] = Module{"", {}};
-    EXPECT_THAT(shown(database_items(system)),
-                ElementsAre("/oper/inventory/gl/entity/0%2f1-PSM-OM/attrib/inv_basic_bag: inv_basic_bag 1.0 "
-                            "inv_phy_entity_basic_info{ Name='0/1-PSM-OM' }",
-                            "/oper/inventory/gl/entity/0%2f3-PSM-OM/attrib/inv_basic_bag: inv_basic_bag 1.0 "
-                            "inv_phy_entity_basic_info{ Name='' }"));
+TEST(DatabaseItems, AreThoseOfFittedModulesOnly) {
+    LineSystem system = example();
+    system.slots[0].module.reset();
+    system.slots[2].module.reset();
+    EXPECT_THAT(database_items(system), IsEmpty());
 }
 
 } // namespace

@@ -2,10 +2,15 @@
 
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <gmock/gmock.h>
 
+#include "bench/line_system/operations.hpp"
+#include "random_systems.hpp"
 #include "shown_item.hpp"
 #include "sysdb/open_store.hpp"
 
@@ -14,11 +19,10 @@ namespace {
 using bench::line_system::example;
 using bench::line_system::LineSystem;
 using bench::line_system::load;
-using bench::line_system::Module;
-using bench::line_system::Port;
 using bench::line_system::Statistics;
 using bench::sysdb::Store;
 using bench::sysdb::Table;
+using testing::ElementsAre;
 
 constexpr char no_line_system[] = "input|operation-failed||the directory holds no line system|create one there first";
 
@@ -51,14 +55,28 @@ TEST_F(LineSystemStorage, KeepsTheExample) {
 
 TEST_F(LineSystemStorage, KeepsWhatIsAbsentAndWhatIsZeroApart) {
     LineSystem system;
-    system.slots[0] = Module{};
-    system.slots[1] = Module{"", {Port{.receive_power = 0, .received = Statistics{0, 0, 0}}, Port{}, Port{}}};
-    system.slots[2] = Module{"a name\nof any kind",
-                             {Port{.tx_attenuation = 2147483647}, Port{.configured_rx_threshold = -2147483647 - 1},
-                              Port{.transmitted = Statistics{-2147483647 - 1, 2147483647, -1}}}};
+    system.slots[0].settings = {.revertive = false, .wait_to_restore = 0, .relative_offset = 0, .lockout_from = ""};
+    system.slots[0].lines[0].rx_thresholds = {{"low", std::nullopt}, {"", 0}};
+    system.slots[0].lines[1] = {.rx_low_threshold_delta = 0, .tx_attenuation = 0};
+    system.slots[0].module.emplace().histories[1].received.last = Statistics{0, 0, 0};
+    system.slots[1].settings.relative_threshold = 0;
+    system.slots[1].module.emplace().protection.restorable_since = 0;
     create(store, state, system);
     EXPECT_TRUE(opened_again() == system);
-    EXPECT_FALSE(opened_again() == example());
+    EXPECT_FALSE(opened_again() == LineSystem{});
+}
+
+// Every field, each with another value.
+TEST_F(LineSystemStorage, KeepsRandomSystems) {
+    create(store, state, LineSystem{});
+    RandomSystems random(20240117);
+    for (int round = 0; round < 200; ++round) {
+        const LineSystem system = random.next();
+        auto transaction = store.write();
+        save(*transaction, system);
+        transaction->commit();
+        ASSERT_TRUE(load(*store.read()) == system) << "round " << round;
+    }
 }
 
 TEST_F(LineSystemStorage, KeepsAnEmptySystem) {
@@ -83,8 +101,7 @@ TEST_F(LineSystemStorage, OffersTheItemsToTheDatabaseClient) {
 
 TEST_F(LineSystemStorage, ReplacesTheSystemAndItsItemsButNoNativeData) {
     create(store, state, example());
-    LineSystem system;
-    system.slots[1] = Module{std::nullopt, {Port{.rx_low_threshold = -1}, Port{}, Port{}}};
+    const LineSystem system = pull(example(), 1);
     auto transaction = store.write();
     transaction->put(Table::native_configuration, "a", "kept");
     transaction->put(Table::native_operational, "b", "kept");
@@ -94,12 +111,22 @@ TEST_F(LineSystemStorage, ReplacesTheSystemAndItsItemsButNoNativeData) {
     EXPECT_TRUE(load(*snapshot) == system);
     EXPECT_EQ(snapshot->get(Table::native_configuration, "a"), "kept");
     EXPECT_EQ(snapshot->get(Table::native_operational, "b"), "kept");
-    int items = 0;
+    std::vector<std::string> keys;
     snapshot->for_each(Table::items, "", [&](std::string_view key, std::string_view) {
-        EXPECT_EQ(key, "/oper/ots/if/Ots0_2_0_0/optics_info");
-        return ++items != 0;
+        keys.emplace_back(key);
+        return true;
     });
-    EXPECT_EQ(items, 1);
+    EXPECT_THAT(
+        keys,
+        ElementsAre("/cfg/if/act/Ots0_3_0_1/Optics/rx_attenuation", "/cfg/if/act/Ots0_3_0_1/Optics/rx_threshold/0x1",
+                    "/cfg/if/act/Ots0_3_0_1/Optics/tx_attenuation", "/cfg/if/act/Ots0_3_0_2/Optics/rx_attenuation",
+                    "/cfg/if/act/Ots0_3_0_2/Optics/rx_threshold/0x1", "/cfg/if/act/Ots0_3_0_2/Optics/tx_attenuation",
+                    "/oper/inventory/gl/entity/0%2f3-PSM-OM/attrib/inv_basic_bag", "/oper/ots/if/Ots0_3_0_0/ots_info",
+                    "/oper/ots/if/Ots0_3_0_1/optics_info", "/oper/ots/if/Ots0_3_0_1/ots_info",
+                    "/oper/ots/if/Ots0_3_0_2/optics_info", "/oper/ots/if/Ots0_3_0_2/ots_info",
+                    "/oper/perfmgmt/gl/periodic/optics/interface/Ots0_3_0_0/30sec/optics/1/timeline_rev/0x1",
+                    "/oper/perfmgmt/gl/periodic/optics/interface/Ots0_3_0_1/30sec/optics/1/timeline_rev/0x1",
+                    "/oper/perfmgmt/gl/periodic/optics/interface/Ots0_3_0_2/30sec/optics/1/timeline_rev/0x1"));
 }
 
 TEST_F(LineSystemStorage, IsLeftAloneByAChangeThatIsNotCommitted) {
@@ -120,35 +147,79 @@ TEST_F(LineSystemStorage, RefusesAMissingDirectory) {
     EXPECT_FALSE(store.is_open());
 }
 
-TEST_F(LineSystemStorage, RefusesAnotherFormat) {
+TEST_F(LineSystemStorage, RefusesAnOlderAndANewerFormat) {
     create(store, state, example());
-    change("format", "optical line system 2");
-    EXPECT_EQ(error_of([&] { static_cast<void>(opened_again()); }),
-              "input|operation-failed||the line system was made by another version of this program|use that version, "
-              "or create a new line system");
-    EXPECT_FALSE(store.is_open());
-    store.open(state, Store::Mode::existing);
+    for (const char *marker : {"optical line system 1", "optical line system 3", "optical line system 22"}) {
+        change("format", marker);
+        EXPECT_EQ(error_of([&] { static_cast<void>(opened_again()); }),
+                  "input|operation-failed||the line system was made by another version of this program|use that "
+                  "version, or create a new line system")
+            << marker;
+        EXPECT_FALSE(store.is_open());
+        store.open(state, Store::Mode::existing);
+    }
     change("format", "something else");
     EXPECT_EQ(error_of([&] { static_cast<void>(opened_again()); }), no_line_system);
 }
 
-TEST_F(LineSystemStorage, RefusesRecordsThatAreNoNumbers) {
+TEST_F(LineSystemStorage, RefusesRecordsThatItCannotUnderstand) {
     create(store, state, example());
-    for (const char *text : {"", "x", "1x", "1 ", " 1", "1 2", "99999999999", "--1", "+1"}) {
-        change("slot/1/port/2/receive-power", text);
-        EXPECT_EQ(error_of([&] { static_cast<void>(load(*store.read())); }),
-                  "input|operation-failed||the line system is damaged: its record slot/1/port/2/receive-power cannot "
-                  "be understood|restore the directory from a copy or create a new line system")
-            << text;
+    const LineSystem system = example();
+    const std::vector<std::pair<std::string, std::vector<std::string>>> damages = {
+        {"clock", {"", "x", "1x", "1 ", " 1", "1 2", "-1", "+1", "18446744073709551616"}},
+        {"slot/1/provisioned", {"", "2", "-1", "yes", "1 1"}},
+        {"slot/1/settings/revertive", {"", "2", "true"}},
+        {"slot/1/settings/wait-to-restore", {"-1", "4294967296", "1.0"}},
+        {"slot/1/settings/relative-threshold", {"", "2147483648", "--1"}},
+        {"slot/1/line/1/rx-threshold/0", {"", "low", "-", "-low", "1low", "1", "x low"}},
+        {"slot/1/cabling/fibre/1", {"1", "1 2", "1  1", "1 1 ", "1 1 1"}},
+        {"slot/1/module/on-secondary", {"", "2"}},
+        {"slot/1/module/attenuators/0", {"", "1", "1 2 3", "1,2"}},
+        {"slot/3/module/port/0/transmitted/running", {"", "1 2 3", "1 2 3 4 5", "-1 2 3 4"}},
+        {"slot/3/module/port/0/transmitted/last", {"", "1", "1 2", "1 2 3 4", "1  2 3", "1 2 3 ", "1 2 x"}},
+    };
+    for (const auto &[record, texts] : damages) {
+        for (const std::string &text : texts) {
+            change(record, text);
+            EXPECT_EQ(error_of([&] { static_cast<void>(load(*store.read())); }),
+                      "input|operation-failed||the line system is damaged: its record " + record +
+                          " cannot be understood|restore the directory from a copy or create a new line system")
+                << text;
+        }
+        const auto transaction = store.write();
+        save(*transaction, system);
+        transaction->commit();
     }
-    change("slot/1/port/2/receive-power", "7");
-    for (const char *text : {"", "1", "1 2", "1 2 3 4", "1  2 3", "1 2 3 ", "1,2,3", "1 2 x"}) {
-        change("slot/3/port/0/transmitted", text);
-        EXPECT_EQ(error_of([&] { static_cast<void>(load(*store.read())); }),
-                  "input|operation-failed||the line system is damaged: its record slot/3/port/0/transmitted cannot be "
-                  "understood|restore the directory from a copy or create a new line system")
-            << text;
+}
+
+// No record that must be there can be missed, and none that may be missing is taken for zero.
+TEST_F(LineSystemStorage, NoticesEveryRecordThatIsMissing) {
+    create(store, state, example());
+    std::vector<std::string> records;
+    store.read()->for_each(Table::line_system, "", [&](std::string_view record, std::string_view) {
+        records.emplace_back(record);
+        return true;
+    });
+    EXPECT_GT(records.size(), 60U);
+    for (const std::string &record : records) {
+        const auto transaction = store.write();
+        ASSERT_TRUE(transaction->erase(Table::line_system, record));
+        std::string seen;
+        try {
+            seen = load(*transaction) == example() ? "the same" : "another";
+        } catch (const bench::Error &) {
+            seen = "refused";
+        }
+        EXPECT_NE(seen, "the same") << record;
     }
+}
+
+TEST_F(LineSystemStorage, RefusesAThresholdThatIsThereTwice) {
+    create(store, state, example());
+    change("slot/1/line/0/rx-threshold/1", "7 low");
+    EXPECT_EQ(error_of([&] { static_cast<void>(load(*store.read())); }),
+              "input|operation-failed||the line system is damaged: its record slot/1/line/0/rx-threshold/1 cannot be "
+              "understood|restore the directory from a copy or create a new line system");
 }
 
 TEST_F(LineSystemStorage, CreatesNothingWhereThereIsALineSystem) {

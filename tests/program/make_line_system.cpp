@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "bench/error.hpp"
+#include "bench/line_system/operations.hpp"
 #include "bench/line_system/storage.hpp"
 #include "bench/sysdb/client_library.hpp"
 
@@ -16,10 +17,7 @@ int main(int argc, char **argv) {
     try {
         line_system::LineSystem system;
         for (int index = 2; index < argc; ++index) {
-            const int slot = std::atoi(argv[index]); // NOLINT
-            line_system::Module module;
-            module.inventory_name = line_system::module_name(slot);
-            system.slots.at(static_cast<size_t>(slot) - 1) = module;
+            system = line_system::fit(system, std::atoi(argv[index])); // NOLINT
         }
         const bench::sysdb::Client client;
         line_system::create(client.store(), argv[1], system);
