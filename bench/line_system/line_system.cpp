@@ -1,5 +1,7 @@
 #include "bench/line_system/line_system.hpp"
 
+#include <utility>
+
 #include "bench/line_system/operations.hpp"
 
 namespace bench::line_system {
@@ -64,6 +66,10 @@ const Slot &slot(const LineSystem &system, int number) {
 
 Slot &slot(LineSystem &system, int number) {
     return system.slots.at(static_cast<std::size_t>(number) - 1);
+}
+
+Slot slot(LineSystem &&system, int number) {
+    return std::move(slot(system, number));
 }
 
 std::string module_name(int slot) {

@@ -136,6 +136,7 @@ struct LineSystem {
 // Slot `number`, 1 to 3 (std::out_of_range).
 const Slot &slot(const LineSystem &system, int number);
 Slot &slot(LineSystem &system, int number);
+Slot slot(LineSystem &&system, int number);
 
 // "0/2-PSM-OM".
 std::string module_name(int slot);

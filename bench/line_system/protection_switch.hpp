@@ -13,12 +13,12 @@ enum class Lockout { none, working, protection };
 
 // What counts for the switch. An absent threshold never causes a switch.
 struct SwitchSettings {
-    Lockout lockout = Lockout::none;        // the line that carries no traffic, whatever its light
-    int relative_threshold = 0;             // hundredths of a dB; 0: the absolute thresholds count
-    int relative_offset = 0;                // hundredths of a dB
-    std::optional<int> primary_threshold;   // hundredths of a dBm
-    std::optional<int> secondary_threshold; // hundredths of a dBm
-    int hysteresis = 0;                     // hundredths of a dB
+    Lockout lockout = Lockout::none;             // the line that carries no traffic, whatever its light
+    int relative_threshold = 0;                  // hundredths of a dB; 0: the absolute thresholds count
+    int relative_offset = 0;                     // hundredths of a dB
+    std::optional<int> primary_threshold = {};   // hundredths of a dBm
+    std::optional<int> secondary_threshold = {}; // hundredths of a dBm
+    int hysteresis = 0;                          // hundredths of a dB
     bool revertive = false;
     std::uint32_t wait_to_restore = 0; // milliseconds
 };
