@@ -1,7 +1,5 @@
 #include "messages.hpp"
 
-#include <ostream>
-
 namespace ocpsm {
 
 std::string on_one_line(std::string_view text) {

@@ -2,7 +2,7 @@
 #ifndef OCPSM_MESSAGES_HPP
 #define OCPSM_MESSAGES_HPP
 
-#include <iosfwd>
+#include <ostream>
 #include <string>
 #include <string_view>
 
@@ -25,6 +25,14 @@ void print_warning(std::ostream &errors, std::string_view text);
 
 // A text that stays on its line: control characters are written as \n, \t or \x1b.
 std::string on_one_line(std::string_view text);
+
+// The lines that a channel of the plug-in has kept, see bench/framework/log_service.hpp.
+template <class Lines>
+void print_lines(const Lines &lines, std::ostream &errors) {
+    for (const auto &line : lines) {
+        errors << on_one_line(line.text) << '\n';
+    }
+}
 
 } // namespace ocpsm
 

@@ -25,19 +25,6 @@ Kind kind_of_request(const RequestOptions &options, std::string_view text) {
     return *kind;
 }
 
-void print_channels(const Translation &translation, const RequestOptions &options, std::ostream &errors) {
-    if (options.log) {
-        for (const auto &line : translation.log) {
-            errors << on_one_line(line.text) << '\n';
-        }
-    }
-    if (options.trace) {
-        for (const auto &line : translation.trace) {
-            errors << on_one_line(line.text) << '\n';
-        }
-    }
-}
-
 } // namespace
 
 RequestRun run_request(const RequestOptions &options, bool keep_trace, std::ostream &errors) {
@@ -54,7 +41,12 @@ RequestRun run_request(const RequestOptions &options, bool keep_trace, std::ostr
     Translation translation = bench::framework::translate(plugin.callback(bench::framework::openconfig_root_walker),
                                                           text, kind, translation_options);
 
-    print_channels(translation, options, errors);
+    if (options.log) {
+        print_lines(translation.log, errors);
+    }
+    if (options.trace) {
+        print_lines(translation.trace, errors);
+    }
     for (const std::string &warning : translation.warnings) {
         print_warning(errors, warning);
     }

@@ -1,0 +1,14 @@
+// From the line system's own state to the table that a person looks at.
+#ifndef OCPSM_LINE_SYSTEM_VIEW_HPP
+#define OCPSM_LINE_SYSTEM_VIEW_HPP
+
+#include "bench/line_system/line_system.hpp"
+#include "line_table.hpp"
+
+namespace ocpsm {
+
+LineTable view(const bench::line_system::LineSystem &system);
+
+} // namespace ocpsm
+
+#endif

@@ -1,0 +1,55 @@
+#include "open_line_system.hpp"
+
+#include "bench/error.hpp"
+#include "bench/line_system/storage.hpp"
+#include "device.hpp"
+
+namespace ocpsm {
+namespace {
+
+namespace line_system = bench::line_system;
+using bench::Error;
+
+// The database client with the store that everything is kept in.
+bench::sysdb::Client load_installed_client() {
+    bench::sysdb::Client client = load_database_client();
+    if (!client.installed()) {
+        throw Error(Error::Source::input, {}, {},
+                    "the system database's client library " + bench::sysdb::client_library().string() +
+                        " is not there, so no line system can be opened",
+                    "install it or build it again");
+    }
+    return client;
+}
+
+} // namespace
+
+OpenLineSystem::OpenLineSystem(const std::filesystem::path &state) : client_(load_installed_client()) {
+    std::error_code ignored;
+    if (!std::filesystem::exists(state / "data.mdb", ignored)) {
+        throw Error(Error::Source::input, {}, {}, "there is no line system in " + state.string(),
+                    "make one with ocpsm device init, or name its directory with --state");
+    }
+    line_system::open(client_.store(), state);
+}
+
+OpenLineSystem::OpenLineSystem(const std::filesystem::path &state, const line_system::LineSystem &made)
+    : client_(load_installed_client()) {
+    std::error_code failed;
+    std::filesystem::create_directories(state, failed);
+    if (failed) {
+        throw Error(Error::Source::input, {}, {}, "cannot make " + state.string() + ": " + failed.message(),
+                    "name another directory with --state");
+    }
+    line_system::create(client_.store(), state, made);
+}
+
+OpenLineSystem::~OpenLineSystem() {
+    client_.store().close();
+}
+
+line_system::LineSystem OpenLineSystem::load() const {
+    return line_system::load(*store().read());
+}
+
+} // namespace ocpsm

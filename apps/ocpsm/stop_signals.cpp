@@ -1,0 +1,58 @@
+#include "stop_signals.hpp"
+
+#include <poll.h>
+#include <unistd.h>
+
+namespace ocpsm {
+namespace {
+
+volatile std::sig_atomic_t received_signal = 0;
+
+void take_note(int signal) {
+    received_signal = signal;
+}
+
+} // namespace
+
+StopSignals::StopSignals() {
+    received_signal = 0;
+    sigset_t mask{};
+    sigemptyset(&mask);
+    for (const int signal : signals) {
+        sigaddset(&mask, signal);
+    }
+    sigprocmask(SIG_BLOCK, &mask, &mask_before_);
+    struct sigaction action {};
+    action.sa_handler = take_note;
+    action.sa_mask = mask;
+    for (std::size_t i = 0; i < signals.size(); ++i) {
+        sigaction(signals.at(i), nullptr, &actions_before_.at(i));
+        // What the caller has chosen to survive, as behind nohup, goes on to be survived.
+        if (actions_before_.at(i).sa_handler != SIG_IGN) {
+            sigaction(signals.at(i), &action, nullptr);
+        }
+    }
+}
+
+StopSignals::~StopSignals() {
+    for (std::size_t i = 0; i < signals.size(); ++i) {
+        sigaction(signals.at(i), &actions_before_.at(i), nullptr);
+    }
+    sigprocmask(SIG_SETMASK, &mask_before_, nullptr);
+}
+
+bool StopSignals::wait_for_input(std::chrono::milliseconds longest) const {
+    struct pollfd input {
+        STDIN_FILENO, POLLIN, 0
+    };
+    const auto nanoseconds = std::chrono::nanoseconds(longest % std::chrono::seconds(1)).count();
+    const struct timespec timeout { longest.count() / 1000, nanoseconds };
+    const bool ready = ppoll(&input, 1, &timeout, &mask_before_) > 0;
+    return !ready || (input.revents & POLLIN) != 0;
+}
+
+int StopSignals::received() {
+    return received_signal;
+}
+
+} // namespace ocpsm

@@ -1,0 +1,36 @@
+// The signals that ask a program to end, taken note of while it has something to tidy up.
+#ifndef OCPSM_STOP_SIGNALS_HPP
+#define OCPSM_STOP_SIGNALS_HPP
+
+#include <array>
+#include <chrono>
+#include <csignal>
+
+namespace ocpsm {
+
+// While this lives, SIGINT, SIGTERM and SIGHUP arrive only in wait_for_input, and end nothing. One object at a time, in
+// a program with one thread. Its end gives everything back; it does not deliver a signal that has come.
+class StopSignals {
+public:
+    StopSignals();
+    StopSignals(const StopSignals &) = delete;
+    StopSignals &operator=(const StopSignals &) = delete;
+    ~StopSignals();
+
+    // Waits until standard input has something or has ended, a signal has come, or this long has passed. False when it
+    // has ended: the terminal is gone.
+    bool wait_for_input(std::chrono::milliseconds longest) const;
+
+    // The signal that has come, 0 when none has.
+    static int received();
+
+private:
+    static constexpr std::array<int, 3> signals = {SIGINT, SIGTERM, SIGHUP};
+
+    sigset_t mask_before_{};
+    std::array<struct sigaction, signals.size()> actions_before_{};
+};
+
+} // namespace ocpsm
+
+#endif

@@ -1,0 +1,101 @@
+#include "terminal.hpp"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include <unistd.h>
+
+#define NCURSES_NOMACROS 1
+#include <curses.h>
+
+#include "bench/error.hpp"
+
+namespace ocpsm {
+namespace {
+
+using bench::Error;
+
+// Of a key that may begin an escape sequence: long enough for a slow line, short enough not to be noticed.
+constexpr int escape_delay = 50; // milliseconds
+
+SCREEN *open_screen() {
+    if (isatty(STDIN_FILENO) == 0 || isatty(STDOUT_FILENO) == 0) {
+        throw Error(Error::Source::input, {}, {}, "standard input and output are no terminal",
+                    "run it in a terminal, or print the table once with ocpsm device show");
+    }
+    const char *type = std::getenv("TERM"); // NOLINT(concurrency-mt-unsafe)
+    SCREEN *screen = newterm(nullptr, stdout, stdin);
+    if (screen == nullptr) {
+        throw Error(Error::Source::input, {}, {},
+                    type == nullptr || *type == '\0' ? std::string("the type of the terminal is not known")
+                                                     : "the terminal type " + std::string(type) + " cannot be used",
+                    "set TERM to its type, e.g. xterm, or print the table once with ocpsm device show");
+    }
+    return screen;
+}
+
+} // namespace
+
+struct Terminal::Screen {
+    SCREEN *handle;
+
+    explicit Screen(SCREEN *opened) : handle(opened) {}
+    Screen(const Screen &) = delete;
+    Screen &operator=(const Screen &) = delete;
+    ~Screen() {
+        endwin();
+        delscreen(handle);
+    }
+};
+
+Terminal::Terminal() : screen_(std::make_unique<Screen>(open_screen())) {
+    cbreak();
+    noecho();
+    curs_set(0);
+    set_escdelay(escape_delay);
+    keypad(stdscr, true);
+    nodelay(stdscr, true);
+}
+
+Terminal::~Terminal() = default;
+
+ScreenSize Terminal::size() const {
+    return {getmaxy(stdscr), getmaxx(stdscr)};
+}
+
+void Terminal::show(const std::vector<ScreenLine> &lines) {
+    const ScreenSize available = size();
+    werase(stdscr);
+    for (int row = 0; row < available.rows && row < static_cast<int>(lines.size()); ++row) {
+        const ScreenLine &line = lines.at(static_cast<std::size_t>(row));
+        wattrset(stdscr, line.highlighted ? static_cast<int>(A_REVERSE) : static_cast<int>(A_NORMAL));
+        wmove(stdscr, row, 0);
+        waddnstr(stdscr, line.text.c_str(), available.columns);
+    }
+    wattrset(stdscr, static_cast<int>(A_NORMAL));
+    wrefresh(stdscr);
+}
+
+Key Terminal::key() {
+    switch (wgetch(stdscr)) {
+    case ERR:
+        return Key::none;
+    case KEY_UP:
+    case 'k':
+        return Key::up;
+    case KEY_DOWN:
+    case 'j':
+        return Key::down;
+    case 'q':
+    case 'Q':
+        return Key::quit;
+    case 'c':
+        return Key::cut;
+    case 's':
+        return Key::splice;
+    default:
+        return Key::other;
+    }
+}
+
+} // namespace ocpsm

@@ -1,0 +1,48 @@
+// The terminal while a program has the whole screen.
+#ifndef OCPSM_TERMINAL_HPP
+#define OCPSM_TERMINAL_HPP
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace ocpsm {
+
+enum class Key { none, up, down, quit, cut, splice, other };
+
+struct ScreenLine {
+    std::string text; // printable ASCII; what is too long for the screen is cut
+    bool highlighted = false;
+};
+
+struct ScreenSize {
+    int rows;
+    int columns;
+};
+
+// Has the screen from its beginning to its end, which leaves the terminal as it was found. One object at a time.
+class Terminal {
+public:
+    // Throws bench::Error (input) when standard input and output are no terminal, or none that can be used.
+    Terminal();
+    Terminal(const Terminal &) = delete;
+    Terminal &operator=(const Terminal &) = delete;
+    ~Terminal();
+
+    // A new size counts from the next `key` on.
+    ScreenSize size() const;
+
+    // Replaces what is on the screen.
+    void show(const std::vector<ScreenLine> &lines);
+
+    // The next key that has been pressed; does not wait.
+    Key key();
+
+private:
+    struct Screen; // of the screen library
+    std::unique_ptr<Screen> screen_;
+};
+
+} // namespace ocpsm
+
+#endif

@@ -1,0 +1,124 @@
+#include "watch_command.hpp"
+
+#include <algorithm>
+#include <chrono>
+
+#include "bench/error.hpp"
+#include "bench/line_system/device.hpp"
+#include "bench/line_system/operations.hpp"
+#include "clock_lock.hpp"
+#include "commands.hpp"
+#include "line_system_view.hpp"
+#include "open_line_system.hpp"
+#include "stop_signals.hpp"
+#include "terminal.hpp"
+#include "watch_screen.hpp"
+
+namespace ocpsm {
+namespace {
+
+namespace line_system = bench::line_system;
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds step{line_system::tick_step};
+
+class Watch {
+public:
+    Watch(const OpenLineSystem &opened, const StopSignals &signals) : opened_(opened), signals_(signals) {
+        screen_.update(view(opened_.load()));
+    }
+
+    // Until the user or a signal ends it.
+    void run() {
+        Clock::time_point next = Clock::now() + step;
+        while (!quit_ && StopSignals::received() == 0) {
+            terminal_.show(screen_.lines(terminal_.size()));
+            const auto left = std::chrono::ceil<std::chrono::milliseconds>(next - Clock::now());
+            quit_ = !signals_.wait_for_input(std::max(left, std::chrono::milliseconds(0)));
+            for (Key key = terminal_.key(); key != Key::none && !quit_; key = terminal_.key()) {
+                press(key);
+            }
+            if (Clock::now() >= next) {
+                pass_time();
+                // A process that was stopped for a while does not catch up.
+                next = std::max(next + step, Clock::now());
+            }
+        }
+    }
+
+private:
+    void press(Key key) {
+        switch (key) {
+        case Key::up:
+            screen_.choose_previous();
+            break;
+        case Key::down:
+            screen_.choose_next();
+            break;
+        case Key::quit:
+            quit_ = true;
+            break;
+        case Key::cut:
+        case Key::splice:
+            change_fibre(key);
+            break;
+        case Key::none:
+        case Key::other:
+            break;
+        }
+    }
+
+    // Another process may have pulled the module in the meantime: that is for the user to see, not the end.
+    void change_fibre(Key key) {
+        const std::optional<ChosenLine> chosen = screen_.chosen();
+        if (!chosen) {
+            screen_.note("no module is fitted");
+            return;
+        }
+        const auto line = chosen->line == 0 ? line_system::Path::primary : line_system::Path::secondary;
+        const auto change = key == Key::cut ? line_system::cut : line_system::splice;
+        try {
+            screen_.update(view(line_system::change(opened_.store(), [&](const line_system::LineSystem &before) {
+                return change(before, chosen->slot, line);
+            })));
+            screen_.note({});
+        } catch (const bench::Error &error) {
+            if (error.source != bench::Error::Source::refused) {
+                throw;
+            }
+            screen_.note(error.what());
+        }
+    }
+
+    void pass_time() {
+        screen_.update(view(line_system::change(opened_.store(), [](const line_system::LineSystem &before) {
+            return line_system::tick(before, line_system::tick_step);
+        })));
+    }
+
+    const OpenLineSystem &opened_;
+    const StopSignals &signals_;
+    Terminal terminal_;
+    WatchScreen screen_;
+    bool quit_ = false;
+};
+
+} // namespace
+
+int watch_command(const std::filesystem::path &state) {
+    int signal = 0;
+    {
+        const OpenLineSystem opened(state);
+        const ClockLock lock(state);
+        // Before the screen library, which leaves alone what is taken care of already.
+        const StopSignals signals;
+        Watch(opened, signals).run();
+        signal = StopSignals::received();
+    }
+    if (signal != 0) {
+        std::raise(signal); // with its own effect again: who waits for this process is to see it
+    }
+    return exit_done;
+}
+
+} // namespace ocpsm
