@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "bench/native/native_request.hpp"
 #include "kerr.h"
 
 namespace bench::framework {
@@ -21,6 +22,8 @@ struct AddRecord {
     bool relative = false;  // below a node of the request itself (a path without a leading slash)
     std::string walker;     // innermost walker at that moment; empty without trace
     std::string conversion; // innermost conversion at that moment; empty without trace, or outside one
+    std::string location;   // OpenConfig instance path of the node that was being walked; empty without trace
+    std::optional<native::NativeRequest::NodeId> node; // what an add to a native request has made or found
     kerrno result = KERR_SUCCESS;
 };
 

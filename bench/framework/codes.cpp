@@ -29,6 +29,8 @@ constexpr std::array codes{
     Code{leafref_mismatch, "YFW_ERR_LEAFREF", "a list key differs from the leaf that it refers to"},
     Code{invalid_arguments, "YFW_ERR_INVALID_ARGS", "invalid argument of a framework operation"},
     Code{not_served, "YFW_ERR_NOT_SERVED", "the framework does not serve this operation here"},
+    Code{unknown_answer_node, "YFW_ERR_UNKNOWN_NODE", "the OpenConfig model has no node with this path and namespace"},
+    Code{unexpected_answer_value, "YFW_ERR_UNEXPECTED_VALUE", "an OpenConfig container or list was given a value"},
     Code{native::add_unknown_path, "NATIVE_ERR_UNKNOWN_PATH", nullptr},
     Code{native::add_wrong_namespace, "NATIVE_ERR_WRONG_NAMESPACE", nullptr},
     Code{native::add_unexpected_value, "NATIVE_ERR_UNEXPECTED_VALUE", nullptr},

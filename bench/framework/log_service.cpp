@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <utility>
 
 namespace bench::framework {
@@ -103,6 +104,12 @@ std::string OpenFunctions::walker() const {
 
 std::string OpenFunctions::conversion() const {
     return innermost(open_, is_conversion);
+}
+
+std::vector<std::string> OpenFunctions::walkers() const {
+    std::vector<std::string> walkers;
+    std::copy_if(open_.begin(), open_.end(), std::back_inserter(walkers), is_walker);
+    return walkers;
 }
 
 } // namespace bench::framework

@@ -41,6 +41,9 @@ public:
     std::string walker() const;
     std::string conversion() const;
 
+    // All open walkers, outermost first.
+    std::vector<std::string> walkers() const;
+
 private:
     std::vector<std::string> open_;
 };

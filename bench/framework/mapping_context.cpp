@@ -1,5 +1,7 @@
 #include "bench/framework/mapping_context.hpp"
 
+#include <libyang/libyang.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -17,8 +19,18 @@ constexpr uint32_t all_levels = 0xffffffff;
 
 MappingContext::MappingContext(uint32_t kind, const DataNode &registered, Channels &channels,
                                native::NativeRequest &native)
-    : yfw_map_context{}, channels_(channels), native_(native), schema_(models::Schema::openconfig()), tree_(registered),
-      duplicate_(tree_.root()), destination_(DataNode{"native", ""}) {
+    : MappingContext(kind, registered, channels, &native, nullptr) {}
+
+MappingContext::MappingContext(uint32_t kind, const DataNode &registered, Channels &channels, AnswerTree &answer)
+    : MappingContext(kind, registered, channels, nullptr, &answer) {
+    request_.module_list = answer.module_list();
+}
+
+MappingContext::MappingContext(uint32_t kind, const DataNode &registered, Channels &channels,
+                               native::NativeRequest *native, AnswerTree *answer)
+    : yfw_map_context{}, channels_(channels), native_(native), answer_(answer),
+      schema_(answer == nullptr ? models::Schema::openconfig() : models::Schema::native()), tree_(registered),
+      duplicate_(tree_.root()), destination_(DataNode{answer == nullptr ? "native" : "openconfig", ""}) {
     registration_.operation_kind = kind;
     request_.registration = &registration_;
     request_.request_root = &duplicate_.root();
@@ -36,6 +48,20 @@ MappingContext::~MappingContext() {
 void MappingContext::switch_channels(bool log, bool trace) {
     debug_log_filter.enabled_levels = log ? all_levels : 0;
     trace_enabled = trace ? 1 : 0;
+}
+
+void MappingContext::set_answer_root(kidl_yfw_datatree &root) {
+    request_.answer_root = &root;
+    root_node = &root;
+}
+
+void MappingContext::select_state_leaves(std::size_t count) {
+    constexpr uint32_t state_leaves = 2;
+    constexpr std::size_t bits = 32;
+    if (count > 0) {
+        request_.selection_mode = state_leaves;
+        request_.leaf_selection = count < bits ? (1U << count) - 1 : all_levels;
+    }
 }
 
 void MappingContext::show_hierarchy() {
@@ -84,7 +110,21 @@ std::string MappingContext::hierarchy_path() const {
     return path;
 }
 
+void MappingContext::point_answer() {
+    std::vector<const kidl_yfw_datatree *> chain;
+    for (const yfw_map_hierarchy_level &level : levels_) {
+        chain.push_back(level.node);
+    }
+    answer_->point_to(map_->instance_of(chain));
+}
+
 void MappingContext::update_list_node(const std::string &list_path) {
+    if (answer_ != nullptr) {
+        if (map_ != nullptr) {
+            point_answer();
+        }
+        return;
+    }
     const bool current =
         !levels_.empty() && levels_.back().kind == list_level && entries_.back().schema_path == list_path;
     list_copy_.reset();
@@ -104,10 +144,44 @@ const char *MappingContext::innermost_key(std::string_view key) const {
     return innermost == levels_.rend() ? nullptr : value_in(*innermost);
 }
 
-kerrno MappingContext::add_absolute(const AddRecord &add) {
+kerrno MappingContext::add_absolute(AddRecord &add) {
     const auto value = add.value ? std::optional<std::string_view>(*add.value) : std::nullopt;
-    return native_.add(add.path, add.namespace_uri, value, add.source_operation.value_or(YFW_OPERATION_MERGE),
-                       add.first_flag != 0, add.second_flag);
+    if (answer_ != nullptr) {
+        return answer_->add(add.path, add.namespace_uri, value, add.first_flag != 0);
+    }
+    native::NativeRequest::NodeId node = native::NativeRequest::root;
+    const kerrno result =
+        native_->add(add.path, add.namespace_uri, value, add.source_operation.value_or(YFW_OPERATION_MERGE),
+                     add.first_flag != 0, add.second_flag, native::NativeRequest::root, &node);
+    if (result == KERR_SUCCESS) {
+        add.node = node;
+    }
+    return result;
+}
+
+// The walkers that are open tell which node is walked, one below the other: their names end in that of their node,
+// without its dashes. The hierarchy knows the keys.
+std::string MappingContext::walked_path() const {
+    const lysc_node *node = nullptr;
+    std::string path;
+    for (const std::string &walker : channels_.open_functions().walkers()) {
+        const std::string name = walker.substr(walker.rfind('_') + 1);
+        const auto children = models::Schema::openconfig().children(node);
+        const auto child = std::find_if(children.begin(), children.end(), [&name](const lysc_node *candidate) {
+            std::string plain(candidate->name);
+            plain.erase(std::remove(plain.begin(), plain.end(), '-'), plain.end());
+            return plain == name;
+        });
+        if (child == children.end()) {
+            continue;
+        }
+        node = *child;
+        const std::string schema_path = models::schema_path(*node);
+        const auto level = std::find_if(entries_.begin(), entries_.end(),
+                                        [&](const HierarchyEntry &entry) { return entry.schema_path == schema_path; });
+        path += level == entries_.end() ? schema_path.substr(schema_path.rfind('/')) : level->step;
+    }
+    return path;
 }
 
 kidl_yfw_datatree &MappingContext::add_below(kidl_yfw_datatree &parent, const DataNode &leaf) {
@@ -125,6 +199,7 @@ void MappingContext::record(AddRecord add) {
         const OpenFunctions &open = channels_.open_functions();
         add.walker = open.walker();
         add.conversion = open.conversion();
+        add.location = answer_ == nullptr ? walked_path() : hierarchy_path();
     }
     adds_.push_back(std::move(add));
 }
@@ -134,9 +209,15 @@ void MappingContext::push_output(const kidl_yfw_datatree *source, const kidl_yfw
     output = output_.data();
     output_count = static_cast<uint32_t>(output_.size());
     request_.output_depth = output_count;
+    if (answer_ != nullptr) {
+        answer_->open_scope();
+    }
 }
 
 void MappingContext::pop_output() {
+    if (answer_ != nullptr && !output_.empty()) {
+        answer_->close_scope();
+    }
     if (!output_.empty()) {
         output_.pop_back();
     }

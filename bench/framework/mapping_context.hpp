@@ -9,7 +9,9 @@
 #include <vector>
 
 #include "bench/framework/add_record.hpp"
+#include "bench/framework/answer_tree.hpp"
 #include "bench/framework/data_tree.hpp"
+#include "bench/framework/instance_map.hpp"
 #include "bench/framework/log_service.hpp"
 #include "bench/models/models.hpp"
 #include "bench/native/native_request.hpp"
@@ -26,13 +28,15 @@ struct HierarchyEntry {
 
 /*
  * The plug-in's handle is the address of the base object. Everything that the handle leads to belongs to this object
- * and has its lifetime; it stays where it is. The channels and the native request must outlive it.
+ * and has its lifetime; it stays where it is. The channels and what is written to must outlive it.
  */
 class MappingContext : public yfw_map_context {
 public:
     // Registers a request of a numbered kind: its tree is built, and duplicated. What the plug-in adds goes to
     // `native`.
     MappingContext(uint32_t kind, const DataNode &registered, Channels &channels, native::NativeRequest &native);
+    // The same for the way back: native answers to the request are walked, what the plug-in writes goes to `answer`.
+    MappingContext(uint32_t kind, const DataNode &registered, Channels &channels, AnswerTree &answer);
     ~MappingContext();
     MappingContext(const MappingContext &) = delete;
     MappingContext &operator=(const MappingContext &) = delete;
@@ -51,12 +55,22 @@ public:
     uint32_t kind() const { return registration_.operation_kind; }
     Channels &channels() { return channels_; }
 
+    // ---- answers ----
+    // What the plug-in writes to; null while a request is translated.
+    AnswerTree *answer() { return answer_; }
+    // The answer of a model is going to be walked.
+    void set_answer_root(kidl_yfw_datatree &root);
+    // From now on the native list entries that become current make their instances current too.
+    void set_instance_map(const InstanceMap &map) { map_ = &map; }
+    // Says that the read names nothing but this many state leaves.
+    void select_state_leaves(std::size_t count);
+
     // ---- hierarchy ----
     void push_level(const kidl_yfw_datatree &node, uint32_t kind);
     void pop_level(const kidl_yfw_datatree &node);
     std::string hierarchy_path() const; // the instance path of the hierarchy as it stands
     // The entry on top becomes the current one of the list with this path (without prefixes); any other node on top
-    // leaves no current entry.
+    // leaves no current entry. A native one makes the instance current that the map gives it to.
     void update_list_node(const std::string &list_path);
     // The value of this key in the innermost list entry that shows one, null when there is none.
     const char *innermost_key(std::string_view key) const;
@@ -65,7 +79,7 @@ public:
     std::vector<yfw_map_itree_entry> &itree_stack() { return itree_stack_; }
 
     // ---- output ----
-    kerrno add_absolute(const AddRecord &add);
+    kerrno add_absolute(AddRecord &add);
     // Adds a leaf one step below a node of the walked tree; an equal one that stands there is taken instead.
     kidl_yfw_datatree &add_below(kidl_yfw_datatree &parent, const DataNode &leaf);
     void record(AddRecord add);
@@ -85,11 +99,18 @@ public:
     bool at_rest() const;
 
 private:
+    MappingContext(uint32_t kind, const DataNode &registered, Channels &channels, native::NativeRequest *native,
+                   AnswerTree *answer);
+
     void show_hierarchy();
+    void point_answer();
+    std::string walked_path() const;
 
     Channels &channels_;
-    native::NativeRequest &native_;
-    const models::Schema &schema_;
+    native::NativeRequest *native_; // of the two one is null
+    AnswerTree *answer_;
+    const InstanceMap *map_ = nullptr;
+    const models::Schema &schema_; // of the tree that is walked
     yfw_map_registration registration_{};
     yfw_map_request request_{};
     DataTree tree_;

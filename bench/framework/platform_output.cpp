@@ -1,4 +1,4 @@
-// The platform's services for output. Of those for answers only what needs no answer is served: the rest fails.
+// The platform's services for output: paths are added to native requests or to OpenConfig answers.
 #include <optional>
 #include <string>
 #include <string_view>
@@ -51,7 +51,7 @@ kerrno yfw_map_datatree_add_path_flagged(yfw_map_ctx ctx, struct kidl_yfw_datatr
     }
     AddRecord add = record_of(path, namespace_uri, value, source, first_flag, second_flag);
     if (!add.relative) {
-        // Native requests are no data trees: there is no node for the slot.
+        // Neither requests nor answers are data trees: there is no node for the slot.
         add.result = tree == &context->destination() ? context->add_absolute(add) : bench::framework::invalid_arguments;
     } else if (const std::string tag = single_step(add.path); tag.empty() || tree == &context->destination()) {
         add.result = bench::framework::invalid_arguments;
@@ -79,15 +79,38 @@ kerrno yfw_map_get_node_info(yfw_map_ctx ctx, const char * /*list_path*/, const 
     return KERR_SUCCESS;
 }
 
-kerrno yfw_map_search_or_add_list(yfw_map_ctx /*ctx*/, struct kidl_yfw_datatree * /*destination*/,
-                                  struct yfw_map_module_list * /*list*/, const char * /*list_path*/,
-                                  const char * /*key_value*/, const char * /*key_name*/,
-                                  const char * /*namespace_uri*/) {
-    return bench::framework::not_served;
+kerrno yfw_map_search_or_add_list(yfw_map_ctx ctx, struct kidl_yfw_datatree *destination,
+                                  struct yfw_map_module_list *list, const char *list_path, const char *key_value,
+                                  const char *key_name, const char *namespace_uri) {
+    MappingContext *context = MappingContext::of(ctx);
+    if (context == nullptr || list_path == nullptr || key_value == nullptr || key_name == nullptr ||
+        namespace_uri == nullptr) {
+        return bench::framework::invalid_arguments;
+    }
+    if (context->answer() == nullptr) {
+        return bench::framework::not_served;
+    }
+    if (destination != &context->destination() || list != context->answer()->module_list()) {
+        return bench::framework::invalid_arguments;
+    }
+    return context->answer()->search_or_add(list_path, key_name, key_value, namespace_uri);
 }
 
-kerrno yfw_map_stitch_list_to_list(yfw_map_ctx /*ctx*/, struct yfw_map_stitch_entry * /*entry*/) {
-    return bench::framework::not_served;
+kerrno yfw_map_stitch_list_to_list(yfw_map_ctx ctx, struct yfw_map_stitch_entry *entry) {
+    MappingContext *context = MappingContext::of(ctx);
+    if (context == nullptr || entry == nullptr) {
+        return bench::framework::invalid_arguments;
+    }
+    if (context->answer() == nullptr) {
+        return bench::framework::not_served;
+    }
+    const bool placed = entry->destination == &context->destination();
+    const kerrno result = placed ? context->answer()->stitch(*entry) : bench::framework::invalid_arguments;
+    if (result != KERR_SUCCESS && !context->own_refusal()) {
+        context->answer()->note_failure(result);
+        context->record_own_refusal(context->hierarchy_path());
+    }
+    return result;
 }
 
 void yfw_add_to_output_list_ctx(yfw_map_ctx ctx, const struct kidl_yfw_datatree *source,

@@ -31,7 +31,8 @@ public:
 
     // False when the plug-in has refused the tree.
     bool hand_over(const DataNode &tree) {
-        HandedOver handed{native::NativeRequest(is_read(kind_) ? native::RequestKind::read : native::RequestKind::edit),
+        HandedOver handed{tree,
+                          native::NativeRequest(is_read(kind_) ? native::RequestKind::read : native::RequestKind::edit),
                           {},
                           KERR_SUCCESS,
                           false};
@@ -89,7 +90,11 @@ private:
 } // namespace
 
 Translation translate(Callback root, std::string_view text, Kind kind, const TranslationOptions &options) {
-    const std::vector<DataNode> trees = trees_of(text, kind, options);
+    return translate_trees(root, trees_of(text, kind, options), kind, options);
+}
+
+Translation translate_trees(Callback root, const std::vector<DataNode> &trees, Kind kind,
+                            const TranslationOptions &options) {
     Run run(root, kind, options);
     if (trees.empty()) {
         run.warn(is_read(kind) ? "the request selects nothing" : "the request changes nothing");

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "bench/framework/add_record.hpp"
+#include "bench/framework/data_tree.hpp"
 #include "bench/framework/kind.hpp"
 #include "bench/framework/log_service.hpp"
 #include "bench/framework/plugin.hpp"
@@ -26,6 +27,7 @@ struct TranslationOptions {
 
 // One tree that was handed to the plug-in, and what came of it.
 struct HandedOver {
+    DataNode request; // as it was handed over: the walk changes its own copy
     native::NativeRequest native;
     std::vector<AddRecord> adds;
     kerrno result = KERR_SUCCESS;
@@ -50,6 +52,10 @@ struct Translation {
  * does not allow.
  */
 Translation translate(Callback root, std::string_view text, Kind kind, const TranslationOptions &options);
+
+// The same for the trees themselves, as hand_over_read and hand_over_edit make them.
+Translation translate_trees(Callback root, const std::vector<DataNode> &trees, Kind kind,
+                            const TranslationOptions &options);
 
 } // namespace bench::framework
 

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "bench/native/native_path.hpp"
+
 namespace bench::native {
 namespace {
 
@@ -281,6 +283,19 @@ kerrno NativeRequest::add(std::string_view path, std::string_view namespace_uri,
 NativeRequest::Node NativeRequest::node(NodeId id) const {
     const Entry &entry = nodes_.at(id);
     return {models::schema_path(*entry.schema), entry.operation, entry.value, entry.second_flag};
+}
+
+std::string NativeRequest::instance_path(NodeId id) const {
+    if (id == root) {
+        return {};
+    }
+    const Entry &entry = nodes_.at(id);
+    NetNode step;
+    step.schema = entry.schema;
+    if (is_list(entry.schema)) {
+        step.keys = keys_of(id);
+    }
+    return instance_path(entry.parent) + "/" + path_step(step);
 }
 
 std::vector<NetKey> NativeRequest::keys_of(NodeId list_entry) const {

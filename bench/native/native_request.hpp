@@ -64,6 +64,9 @@ public:
     // The node as it stands; `id` must come from this request and not be root.
     Node node(NodeId id) const;
 
+    // The instance path of a node, with the keys that are known by now.
+    std::string instance_path(NodeId id) const;
+
     // What the request says when it is sent: see net_request.hpp.
     NetRequest net() const;
 
