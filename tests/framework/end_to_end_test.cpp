@@ -65,10 +65,9 @@ protected:
         state_.emplace(client_->store());
     }
 
-    // The plug-in stays loaded, so that a leak report can name its functions.
     static const Plugin &plugin() {
-        static const auto *const loaded = new Plugin(PLUGIN); // NOLINT(cppcoreguidelines-owning-memory)
-        return *loaded;
+        static const Plugin loaded(PLUGIN);
+        return loaded;
     }
 
     static Translation translate(const std::string &text, Kind kind, const TranslationOptions &options = {}) {
@@ -126,7 +125,7 @@ std::vector<std::string> operational_read(const std::vector<std::string> &port_l
     std::vector<std::string> lines{"merge " + primary, "merge " + secondary, "merge " + slot};
     const auto select = [&lines](const std::string &entry, const std::vector<std::string> &leaves) {
         for (const std::string &leaf : leaves) {
-            lines.push_back("merge " + entry + "/" + leaf);
+            lines.emplace_back("merge ").append(entry).append("/").append(leaf);
         }
         if (leaves.empty()) {
             lines.push_back("merge " + entry);

@@ -3,8 +3,6 @@
 
 namespace {
 
-using testing::ElementsAre;
-
 constexpr char list_path[] = "/aps/aps-modules/aps-module";
 
 class WalkServices : public FrameworkFixture {

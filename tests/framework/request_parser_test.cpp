@@ -13,7 +13,6 @@ namespace {
 using bench::framework::Kind;
 using bench::framework::parse_request;
 using bench::framework::RequestNode;
-using bench::framework::ValueForm;
 using testing::StartsWith;
 
 // One node per line: depth, {namespace}tag, form, value, then @{namespace}attribute=value.
