@@ -58,7 +58,7 @@ Lines port_selection(const std::string &controller) {
          {"lane-data/transmit-power", "lane-data/receive-power", "lane-data/transmit-power-dbm",
           "lane-data/receive-power-dbm", "tx-voa-attenuation", "rx-voa-attenuation", "port-status", "rx-low-threshold",
           "rx-thr-fail-low-delta-val"}) {
-        lines.push_back(add(path + "/ots-info/" + leaf, "ots-oper", "null", "none", "0, 1"));
+        lines.push_back(add(below(path + "/ots-info", leaf), "ots-oper", "null", "none", "0, 1"));
     }
     return lines;
 }
@@ -76,7 +76,7 @@ Lines history_selection(const std::string &controller) {
     };
     for (const std::string leaf :
          {"opr/average", "opr/minimum", "opr/maximum", "opt/average", "opt/minimum", "opt/maximum"}) {
-        lines.push_back(add(line + "/" + leaf, "pmengine-oper", "null", "none", "0, 0"));
+        lines.push_back(add(below(line, leaf), "pmengine-oper", "null", "none", "0, 0"));
     }
     lines.push_back(add(std::string(history_path) + "/name", "pmengine-oper", "\"" + controller + "\"", entry, "0, 1"));
     return lines;

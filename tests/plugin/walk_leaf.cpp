@@ -114,10 +114,12 @@ TEST_F(WalkLeaf, ARefusedLeafIsRefusedInAReadAtTheLeaf) {
         request.set_error_node("earlier");
         EXPECT_EQ(walk(suffix, build(leaf(tag))), 0xaaf2ee00u);
         EXPECT_EQ(request.error_node(), tag);
+        const std::string quoted = fake::quoted(tag.c_str());
+        const std::string twice = quoted + ", " + quoted;
         // The location first, then the name, whose allocation is named by the tag itself.
         EXPECT_EQ(platform.calls(fake::Walk | fake::Heap),
-                  (Lines{"error_path(ctx)", "named_free(\"earlier\")", "strdup(\"" + tag + "\", \"" + tag + "\")"}));
-        EXPECT_EQ(story(), (Lines{"+" + suffix, "leaf_" + suffix + "(" + tag + ")", "error_path()", "-" + suffix}));
+                  (Lines{"error_path(ctx)", "named_free(\"earlier\")", called("strdup", twice)}));
+        EXPECT_EQ(story(), (Lines{"+" + suffix, called("leaf_" + suffix, tag), "error_path()", "-" + suffix}));
     }
 }
 

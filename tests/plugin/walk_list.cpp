@@ -404,11 +404,11 @@ TEST_F(WalkList, StateIsUnknownButInAGet) {
 }
 
 TEST_F(WalkList, AnUnknownTagIsNamedWithoutABlank) {
+    constexpr char hold_off_time[] =
+        "ERR lvla_aps_apsmodules_apsmodule: Unsupported tag `hold-off-time`is specified in the request.";
     const Node entry = module("0/2-PSM-OM", {leaf("hold-off-time", "5"), container("config", {leaf("revertive")})});
     EXPECT_EQ(walk(list, build(entry)), 0u);
-    EXPECT_EQ(
-        messages(),
-        (Lines{"ERR lvla_aps_apsmodules_apsmodule: Unsupported tag `hold-off-time`is specified in the request."}));
+    EXPECT_EQ(messages(), (Lines{hold_off_time}));
     EXPECT_EQ(platform.count("leaf_lvla_aps_config_revertive"), 1u);
     platform.forget();
     request.set_kind(edit);
@@ -416,9 +416,7 @@ TEST_F(WalkList, AnUnknownTagIsNamedWithoutABlank) {
     EXPECT_EQ(walk(list, build(entry)), 0xaaf2ee00u);
     EXPECT_EQ(request.error_node(), "hold-off-time");
     EXPECT_EQ(story(), framed({leafref, list_called, "+lvla_aps_apsmodule_name", key_called, "-lvla_aps_apsmodule_name",
-                               "ERR lvla_aps_apsmodules_apsmodule: Unsupported tag `hold-off-time`is specified in the "
-                               "request.",
-                               "error_path()"}));
+                               hold_off_time, "error_path()"}));
 }
 
 TEST_F(WalkList, ForeignDataGoesToTheHook) {

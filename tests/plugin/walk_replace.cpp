@@ -67,19 +67,18 @@ TEST_F(WalkReplace, ThePassesAreToldByOperationBitsAndMarker) {
     Tree &tree = build(replaced_port_config());
     sample(tree.root());
     EXPECT_EQ(walk(port_config, tree), 0u);
-    EXPECT_EQ(samples,
-              (Lines{
-                  "cont_lvla_aps_lineprimaryin_config: op 4 rewritten children 0 hidden | whole 0 delete 0 replace 64 "
-                  "marker 1 selection 0x0",
-                  "leaf_lvla_aps_config_targetattenuation: op 4 rewritten children 0 hidden | whole 1 delete 0 replace "
-                  "64 marker 1 selection 0x0",
-                  "lvla_aps_lineprimaryin_config_parse_augments: op 4 rewritten children 0 hidden | whole 1 delete 0 "
-                  "replace 64 marker 1 selection 0x0",
-                  "cont_lvla_aps_lineprimaryin_config: op 0 rewritten children 1 | whole 0 delete 0 replace 128 marker "
-                  "1 selection 0x0",
-                  "leaf_lvla_aps_config_targetattenuation: op 0 rewritten children 1 | whole 0 delete 0 replace 128 "
-                  "marker 1 selection 0x0",
-              }));
+    EXPECT_EQ(samples, (Lines{
+                           sampled("cont_lvla_aps_lineprimaryin_config", "op 4 rewritten children 0 hidden",
+                                   "whole 0 delete 0 replace 64 marker 1 selection 0x0"),
+                           sampled("leaf_lvla_aps_config_targetattenuation", "op 4 rewritten children 0 hidden",
+                                   "whole 1 delete 0 replace 64 marker 1 selection 0x0"),
+                           sampled("lvla_aps_lineprimaryin_config_parse_augments", "op 4 rewritten children 0 hidden",
+                                   "whole 1 delete 0 replace 64 marker 1 selection 0x0"),
+                           sampled("cont_lvla_aps_lineprimaryin_config", "op 0 rewritten children 1",
+                                   "whole 0 delete 0 replace 128 marker 1 selection 0x0"),
+                           sampled("leaf_lvla_aps_config_targetattenuation", "op 0 rewritten children 1",
+                                   "whole 0 delete 0 replace 128 marker 1 selection 0x0"),
+                       }));
 }
 
 TEST_F(WalkReplace, AFailingFirstPassEndsTheWalk) {
@@ -151,33 +150,32 @@ TEST_F(WalkReplace, AReplaceInAReplaceKeepsTheBitsOfTheOuterOne) {
     Tree &tree = build(container("line-primary-in", {replaced_port_config()}).with_operation(1));
     sample(tree.at("config"));
     EXPECT_EQ(walk("lvla_aps_ports_lineprimaryin", tree), 0u);
-    EXPECT_EQ(samples,
-              (Lines{
-                  // The outer first pass: the inner node is out of sight.
-                  "cont_lvla_aps_ports_lineprimaryin: op 1 children 1 | whole 0 delete 0 replace 64 marker 1 selection "
-                  "0x0",
-                  "cont_lvla_aps_lineprimaryin_config: op 1 children 1 | whole 1 delete 0 replace 64 marker 1 "
-                  "selection 0x0",
-                  "leaf_lvla_aps_config_targetattenuation: op 1 children 1 | whole 1 delete 0 replace 64 marker 1 "
-                  "selection 0x0",
-                  "lvla_aps_lineprimaryin_config_parse_augments: op 1 children 1 | whole 1 delete 0 replace 64 marker "
-                  "1 selection 0x0",
-                  "lvla_aps_ports_lineprimaryin_parse_augments: op 1 children 1 | whole 1 delete 0 replace 64 marker 1 "
-                  "selection 0x0",
-                  // The outer second pass, with both passes of the inner node.
-                  "cont_lvla_aps_ports_lineprimaryin: op 1 children 1 | whole 0 delete 0 replace 128 marker 1 "
-                  "selection 0x0",
-                  "cont_lvla_aps_lineprimaryin_config: op 4 rewritten children 0 hidden | whole 0 delete 0 replace 192 "
-                  "marker 1 selection 0x0",
-                  "leaf_lvla_aps_config_targetattenuation: op 4 rewritten children 0 hidden | whole 1 delete 0 replace "
-                  "192 marker 1 selection 0x0",
-                  "lvla_aps_lineprimaryin_config_parse_augments: op 4 rewritten children 0 hidden | whole 1 delete 0 "
-                  "replace 192 marker 1 selection 0x0",
-                  "cont_lvla_aps_lineprimaryin_config: op 0 rewritten children 1 | whole 0 delete 0 replace 128 marker "
-                  "1 selection 0x0",
-                  "leaf_lvla_aps_config_targetattenuation: op 0 rewritten children 1 | whole 0 delete 0 replace 128 "
-                  "marker 1 selection 0x0",
-              }));
+    EXPECT_EQ(samples, (Lines{
+                           // The outer first pass: the inner node is out of sight.
+                           sampled("cont_lvla_aps_ports_lineprimaryin", "op 1 children 1",
+                                   "whole 0 delete 0 replace 64 marker 1 selection 0x0"),
+                           sampled("cont_lvla_aps_lineprimaryin_config", "op 1 children 1",
+                                   "whole 1 delete 0 replace 64 marker 1 selection 0x0"),
+                           sampled("leaf_lvla_aps_config_targetattenuation", "op 1 children 1",
+                                   "whole 1 delete 0 replace 64 marker 1 selection 0x0"),
+                           sampled("lvla_aps_lineprimaryin_config_parse_augments", "op 1 children 1",
+                                   "whole 1 delete 0 replace 64 marker 1 selection 0x0"),
+                           sampled("lvla_aps_ports_lineprimaryin_parse_augments", "op 1 children 1",
+                                   "whole 1 delete 0 replace 64 marker 1 selection 0x0"),
+                           // The outer second pass, with both passes of the inner node.
+                           sampled("cont_lvla_aps_ports_lineprimaryin", "op 1 children 1",
+                                   "whole 0 delete 0 replace 128 marker 1 selection 0x0"),
+                           sampled("cont_lvla_aps_lineprimaryin_config", "op 4 rewritten children 0 hidden",
+                                   "whole 0 delete 0 replace 192 marker 1 selection 0x0"),
+                           sampled("leaf_lvla_aps_config_targetattenuation", "op 4 rewritten children 0 hidden",
+                                   "whole 1 delete 0 replace 192 marker 1 selection 0x0"),
+                           sampled("lvla_aps_lineprimaryin_config_parse_augments", "op 4 rewritten children 0 hidden",
+                                   "whole 1 delete 0 replace 192 marker 1 selection 0x0"),
+                           sampled("cont_lvla_aps_lineprimaryin_config", "op 0 rewritten children 1",
+                                   "whole 0 delete 0 replace 128 marker 1 selection 0x0"),
+                           sampled("leaf_lvla_aps_config_targetattenuation", "op 0 rewritten children 1",
+                                   "whole 0 delete 0 replace 128 marker 1 selection 0x0"),
+                       }));
     EXPECT_EQ(tree.root()->operation, 1u);
     EXPECT_EQ(tree.at("config")->operation, 1u);
 }
@@ -188,8 +186,8 @@ TEST_F(WalkReplace, AfterAnInnerReplaceTheOuterPassGoesOnAsItWas) {
             .with_operation(1));
     sample(tree.at("line-primary-out"));
     EXPECT_EQ(walk("lvla_aps_apsmodule_ports", tree), 0u);
-    EXPECT_EQ(samples.back(), "cont_lvla_aps_ports_lineprimaryout: op 0 children 0 hidden | whole 0 delete 0 replace "
-                              "128 marker 1 selection 0x0");
+    EXPECT_EQ(samples.back(), sampled("cont_lvla_aps_ports_lineprimaryout", "op 0 children 0 hidden",
+                                      "whole 0 delete 0 replace 128 marker 1 selection 0x0"));
 }
 
 TEST_F(WalkReplace, AnInnerFailureRestoresBoth) {
@@ -256,14 +254,14 @@ TEST_F(WalkReplace, TheChildrenOfAnEntryStayInSight) {
     sample(tree.root());
     EXPECT_EQ(walk(list, tree), 0u);
     ASSERT_EQ(samples.size(), 7u);
-    EXPECT_EQ(samples[0], "list_lvla_aps_apsmodules_apsmodule: op 4 rewritten children 3 | whole 0 delete 0 replace 64 "
-                          "marker 1 selection 0x0");
-    EXPECT_EQ(samples[1], "leaf_lvla_aps_apsmodule_name: op 4 rewritten children 3 | whole 0 delete 0 replace 64 "
-                          "marker 1 selection 0x0");
-    EXPECT_EQ(samples[2], "list_lvla_aps_apsmodules_apsmodule: op 0 rewritten children 3 | whole 0 delete 0 replace "
-                          "128 marker 1 selection 0x0");
-    EXPECT_EQ(samples[4], "cont_lvla_aps_apsmodule_config: op 0 rewritten children 3 | whole 0 delete 0 replace 128 "
-                          "marker 1 selection 0x0");
+    EXPECT_EQ(samples[0], sampled("list_lvla_aps_apsmodules_apsmodule", "op 4 rewritten children 3",
+                                  "whole 0 delete 0 replace 64 marker 1 selection 0x0"));
+    EXPECT_EQ(samples[1], sampled("leaf_lvla_aps_apsmodule_name", "op 4 rewritten children 3",
+                                  "whole 0 delete 0 replace 64 marker 1 selection 0x0"));
+    EXPECT_EQ(samples[2], sampled("list_lvla_aps_apsmodules_apsmodule", "op 0 rewritten children 3",
+                                  "whole 0 delete 0 replace 128 marker 1 selection 0x0"));
+    EXPECT_EQ(samples[4], sampled("cont_lvla_aps_apsmodule_config", "op 0 rewritten children 3",
+                                  "whole 0 delete 0 replace 128 marker 1 selection 0x0"));
 }
 
 TEST_F(WalkReplace, TheContextKeepsTheOperationOfEachPass) {
@@ -284,14 +282,14 @@ TEST_F(WalkReplace, AnEntryThatIsNothingButItsKeyIsDeletedAndMade) {
     EXPECT_EQ(called[2], "cont_lvla_aps_apsmodule_config(aps-module, 0)");
     EXPECT_EQ(called[13], "cont_lvla_aps_apsmodule_ports(aps-module, 0)");
     EXPECT_EQ(called[37], "lvla_aps_apsmodules_apsmodule_parse_augments(aps-module)");
-    EXPECT_EQ(samples[0], "list_lvla_aps_apsmodules_apsmodule: op 4 rewritten children 1 | whole 0 delete 2 replace 64 "
-                          "marker 1 selection 0x0");
-    EXPECT_EQ(samples[1], "leaf_lvla_aps_apsmodule_name: op 4 rewritten children 1 | whole 0 delete 0 replace 64 "
-                          "marker 1 selection 0x0");
-    EXPECT_EQ(samples[2], "cont_lvla_aps_apsmodule_config: op 4 rewritten children 0 hidden | whole 1 delete 1 replace "
-                          "64 marker 1 selection 0x0");
-    EXPECT_EQ(samples[38], "list_lvla_aps_apsmodules_apsmodule: op 0 rewritten children 1 | whole 0 delete 0 replace "
-                           "128 marker 1 selection 0x0");
+    EXPECT_EQ(samples[0], sampled("list_lvla_aps_apsmodules_apsmodule", "op 4 rewritten children 1",
+                                  "whole 0 delete 2 replace 64 marker 1 selection 0x0"));
+    EXPECT_EQ(samples[1], sampled("leaf_lvla_aps_apsmodule_name", "op 4 rewritten children 1",
+                                  "whole 0 delete 0 replace 64 marker 1 selection 0x0"));
+    EXPECT_EQ(samples[2], sampled("cont_lvla_aps_apsmodule_config", "op 4 rewritten children 0 hidden",
+                                  "whole 1 delete 1 replace 64 marker 1 selection 0x0"));
+    EXPECT_EQ(samples[38], sampled("list_lvla_aps_apsmodules_apsmodule", "op 0 rewritten children 1",
+                                   "whole 0 delete 0 replace 128 marker 1 selection 0x0"));
 }
 
 TEST_F(WalkReplace, AFailingFirstPassOverAnEntryEndsTheWalk) {

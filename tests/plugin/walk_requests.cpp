@@ -191,8 +191,7 @@ std::string port_leaf(const std::string &path) {
 Lines powers(const std::string &instant, const std::string &history) {
     Lines lines{port_leaf("/lane-data/" + instant), port_leaf("/lane-data/" + instant + "-dbm")};
     for (const std::string leaf : {"average", "minimum", "maximum"}) {
-        lines.push_back(
-            add(std::string(time_line_path) + "/" + history + "/" + leaf, "pmengine-oper", "null", "none", "0, 0"));
+        lines.push_back(add(below(below(time_line_path, history), leaf), "pmengine-oper", "null", "none", "0, 0"));
         lines.push_back(add(std::string(time_line_path) + "/number", "pmengine-oper", "\"1\"", "none", "0, 0"));
     }
     return lines;

@@ -52,17 +52,16 @@ TEST_F(WalkSelection, TheBitsWhileAContainerIsWalkedWhole) {
     Tree &tree = build(container("config", {leaf("target-attenuation", "1")}));
     sample(tree.root());
     EXPECT_EQ(walk("lvla_aps_lineprimaryin_config", tree), 0u);
-    EXPECT_EQ(samples,
-              (Lines{
-                  "cont_lvla_aps_lineprimaryin_config: op 0 children 1 | whole 0 delete 0 replace 0 marker 0 "
-                  "selection 0x0",
-                  "leaf_lvla_aps_config_targetattenuation: op 0 children 1 | whole 0 delete 0 replace 0 marker "
-                  "0 selection 0x0",
-                  "leaf_lvla_aps_config_targetattenuation: op 0 children 1 | whole 1 delete 0 replace 0 marker "
-                  "0 selection 0x10001",
-                  "lvla_aps_lineprimaryin_config_parse_augments: op 0 children 1 | whole 1 delete 0 replace 0 "
-                  "marker 0 selection 0x10001",
-              }));
+    EXPECT_EQ(samples, (Lines{
+                           sampled("cont_lvla_aps_lineprimaryin_config", "op 0 children 1",
+                                   "whole 0 delete 0 replace 0 marker 0 selection 0x0"),
+                           sampled("leaf_lvla_aps_config_targetattenuation", "op 0 children 1",
+                                   "whole 0 delete 0 replace 0 marker 0 selection 0x0"),
+                           sampled("leaf_lvla_aps_config_targetattenuation", "op 0 children 1",
+                                   "whole 1 delete 0 replace 0 marker 0 selection 0x10001"),
+                           sampled("lvla_aps_lineprimaryin_config_parse_augments", "op 0 children 1",
+                                   "whole 1 delete 0 replace 0 marker 0 selection 0x10001"),
+                       }));
 }
 
 TEST_F(WalkSelection, AnEmptyTextIsAContentMatch) {

@@ -85,10 +85,10 @@ Lines ports_of(const std::string &node, bool with_state) {
     Lines lines{"cont_lvla_aps_apsmodule_ports(" + node + ", 0)"};
     for (const auto &[level, port] : ports) {
         lines = joined({lines,
-                        {"cont_lvla_aps_ports_" + port + "(" + node + ", 0)"},
+                        {called("cont_lvla_aps_ports_" + port, node + ", 0")},
                         level == "lvle" ? Lines{} : port_config_of(level, port, node),
                         with_state ? port_state_of(level, port, node) : Lines{},
-                        {"lvla_aps_ports_" + port + "_parse_augments(" + node + ")"}});
+                        {called("lvla_aps_ports_" + port + "_parse_augments", node)}});
     }
     lines.push_back("lvla_aps_apsmodule_ports_parse_augments(" + node + ")");
     return lines;
@@ -157,10 +157,10 @@ TEST_F(WalkSubtree, TheStateOfTheRequestWhileAKeyedEntryIsDeleted) {
     sample(tree.root());
     EXPECT_EQ(walk(list, tree), 0u);
     ASSERT_EQ(samples.size(), 2u + 11u + 24u + 1u);
-    EXPECT_EQ(samples[0], "list_lvla_aps_apsmodules_apsmodule: op 3 children 1 | whole 0 delete 2 replace 0 marker 0 "
-                          "selection 0x0");
-    EXPECT_EQ(samples[1],
-              "leaf_lvla_aps_apsmodule_name: op 3 children 1 | whole 0 delete 0 replace 0 marker 0 selection 0x0");
+    EXPECT_EQ(samples[0], sampled("list_lvla_aps_apsmodules_apsmodule", "op 3 children 1",
+                                  "whole 0 delete 2 replace 0 marker 0 selection 0x0"));
+    EXPECT_EQ(samples[1], sampled("leaf_lvla_aps_apsmodule_name", "op 3 children 1",
+                                  "whole 0 delete 0 replace 0 marker 0 selection 0x0"));
     for (std::size_t i = 2; i < samples.size(); ++i) {
         EXPECT_EQ(samples[i].substr(samples[i].find(':')),
                   ": op 4 children 0 hidden | whole 1 delete 1 replace 0 marker 0 selection 0x0")
@@ -275,8 +275,8 @@ TEST_F(WalkSubtree, TheStateOfTheRequestWhileTheWholeListIsRead) {
     Tree &tree = build(bare_module());
     sample(tree.root());
     EXPECT_EQ(walk(list, tree), 0u);
-    EXPECT_EQ(samples[0], "list_lvla_aps_apsmodules_apsmodule: op 0 children 0 hidden | whole 0 delete 0 replace 0 "
-                          "marker 0 selection 0x0");
+    EXPECT_EQ(samples[0], sampled("list_lvla_aps_apsmodules_apsmodule", "op 0 children 0 hidden",
+                                  "whole 0 delete 0 replace 0 marker 0 selection 0x0"));
     for (std::size_t i = 1; i < samples.size(); ++i) {
         EXPECT_EQ(samples[i].substr(samples[i].find(':')),
                   ": op 0 children 0 hidden | whole 1 delete 0 replace 0 marker 0 selection 0x0")
@@ -294,8 +294,8 @@ TEST_F(WalkSubtree, ADeleteOfTheWholeListInAKindThatNeedsNoKeys) {
                       config_of("aps-module"),
                       ports_of("aps-module", false),
                       hook_last()}));
-    EXPECT_EQ(samples[0], "list_lvla_aps_apsmodules_apsmodule: op 3 children 0 hidden | whole 0 delete 0 replace 0 "
-                          "marker 0 selection 0x0");
+    EXPECT_EQ(samples[0], sampled("list_lvla_aps_apsmodules_apsmodule", "op 3 children 0 hidden",
+                                  "whole 0 delete 0 replace 0 marker 0 selection 0x0"));
     for (std::size_t i = 1; i < samples.size(); ++i) {
         EXPECT_EQ(samples[i].substr(samples[i].find(':')),
                   ": op 4 children 0 hidden | whole 1 delete 1 replace 0 marker 0 selection 0x0")
@@ -343,19 +343,20 @@ TEST_F(WalkSubtree, ADeleteOfApsIsADeleteOfEverything) {
     EXPECT_EQ(walk("lvla_aps", tree), 0u);
     EXPECT_EQ(callbacks(), whole_aps(false));
     EXPECT_EQ(messages(), (Lines{no_keys}));
-    EXPECT_EQ(samples[0], "cont_lvla_aps: op 3 children 0 hidden | whole 0 delete 0 replace 0 marker 0 selection 0x0");
-    EXPECT_EQ(samples[1],
-              "cont_lvla_aps_apsmodules: op 4 children 0 hidden | whole 1 delete 0 replace 0 marker 0 selection 0x0");
+    EXPECT_EQ(samples[0],
+              sampled("cont_lvla_aps", "op 3 children 0 hidden", "whole 0 delete 0 replace 0 marker 0 selection 0x0"));
+    EXPECT_EQ(samples[1], sampled("cont_lvla_aps_apsmodules", "op 4 children 0 hidden",
+                                  "whole 1 delete 0 replace 0 marker 0 selection 0x0"));
     // From the list callback to the list's hook a delete is being spread.
     for (std::size_t i = 2; i + 2 < samples.size(); ++i) {
         EXPECT_EQ(samples[i].substr(samples[i].find(':')),
                   ": op 4 children 0 hidden | whole 1 delete 1 replace 0 marker 0 selection 0x0")
             << samples[i];
     }
-    EXPECT_EQ(samples[samples.size() - 2], "lvla_aps_apsmodules_parse_augments: op 4 children 0 hidden | whole 1 "
-                                           "delete 0 replace 0 marker 0 selection 0x0");
-    EXPECT_EQ(samples.back(),
-              "lvla_aps_parse_augments: op 4 children 0 hidden | whole 1 delete 0 replace 0 marker 0 selection 0x0");
+    EXPECT_EQ(samples[samples.size() - 2], sampled("lvla_aps_apsmodules_parse_augments", "op 4 children 0 hidden",
+                                                   "whole 1 delete 0 replace 0 marker 0 selection 0x0"));
+    EXPECT_EQ(samples.back(), sampled("lvla_aps_parse_augments", "op 4 children 0 hidden",
+                                      "whole 1 delete 0 replace 0 marker 0 selection 0x0"));
     EXPECT_EQ(tree.root()->flags, 1u);
 }
 

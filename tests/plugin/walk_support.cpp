@@ -133,6 +133,18 @@ void WalkTest::note(const std::string &callback) {
     samples.emplace_back(line.data());
 }
 
+std::string called(const std::string &callback, const std::string &arguments) {
+    return callback + "(" + arguments + ")";
+}
+
+std::string below(const std::string &path, const std::string &step) {
+    return path + "/" + step;
+}
+
+std::string sampled(const char *callback, const char *node, const char *request) {
+    return std::string(callback) + ": " + node + " | " + request;
+}
+
 std::string channel_difference(const Lines &lines) {
     for (std::size_t i = 0; i < lines.size(); i += 2) {
         if (lines[i].compare(0, 4, "log ") != 0 || i + 1 == lines.size() || lines[i + 1].compare(0, 6, "trace ") != 0) {

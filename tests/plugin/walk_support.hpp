@@ -41,9 +41,11 @@ inline constexpr kerrno some_failure = 0x5151;
 [[nodiscard]] const Lines &walker_suffixes();
 
 class WalkTest : public fake::RequestTest {
+public:
+    ~WalkTest() override;
+
 protected:
     WalkTest();
-    ~WalkTest() override;
     void TearDown() override;
 
     // Calls a walker with a node and "dest", and lets the checker say what the walk should not have left behind.
@@ -79,6 +81,13 @@ private:
     bool conversions_run_ = false;
     const kidl_yfw_datatree *sampled_ = nullptr;
 };
+
+// A line of the story: "cont_lvla_aps(aps, 1)".
+[[nodiscard]] std::string called(const std::string &callback, const std::string &arguments);
+// A path and a step below it.
+[[nodiscard]] std::string below(const std::string &path, const std::string &step);
+// A line of `samples`.
+[[nodiscard]] std::string sampled(const char *callback, const char *node, const char *request);
 
 // Channels that say the same: each log line is followed by its twin on the trace.
 [[nodiscard]] std::string channel_difference(const Lines &lines);
