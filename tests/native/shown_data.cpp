@@ -1,0 +1,24 @@
+#include "native/shown_data.hpp"
+
+#include <libyang/libyang.h>
+
+namespace native_test {
+namespace {
+
+void show(const std::vector<bench::native::DataNode> &nodes, const std::string &indent, std::string &out) {
+    for (const bench::native::DataNode &node : nodes) {
+        out.append(indent).append(node.schema->name);
+        out.append(node.value ? "=|" + *node.value + "|" : "").append("\n");
+        show(node.children, indent + "  ", out);
+    }
+}
+
+} // namespace
+
+std::string shown(const bench::native::NativeData &data) {
+    std::string out;
+    show(data.roots, "", out);
+    return out;
+}
+
+} // namespace native_test
