@@ -16,14 +16,13 @@ using native::Operation;
 
 // The value in canonical form, or nothing when the leaf cannot hold it.
 std::optional<std::string> canonical(const lysc_node &leaf, const std::string &text) {
-    ly_ctx *context = leaf.module->ctx;
     const char *value = nullptr;
-    const LY_ERR result = lyd_value_validate(context, &leaf, text.data(), text.size(), nullptr, nullptr, &value);
-    std::optional<std::string> found;
-    if (result == LY_SUCCESS && value != nullptr) {
-        found = value;
+    const LY_ERR result = lyd_value_validate(nullptr, &leaf, text.data(), text.size(), nullptr, nullptr, &value);
+    if (result != LY_SUCCESS || value == nullptr) {
+        return std::nullopt;
     }
-    lydict_remove(context, value);
+    std::string found = value;
+    lydict_remove(leaf.module->ctx, value);
     return found;
 }
 

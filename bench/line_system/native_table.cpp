@@ -14,35 +14,36 @@ namespace {
 constexpr std::string_view db = "tenths of a dB";
 constexpr std::string_view dbm = "tenths of a dBm";
 
+// The settings, with what the hardware can be set to, and what is measured.
 constexpr std::array leaf_table{
     // clang-format off
-    LeafRow{"/slot/psm/relative-switch-threshold/psm-relative-switch-threshold", &SlotSettings::relative_threshold, Range{-400, 400, db}},
-    LeafRow{"/slot/psm/relative-switch-threshold/psm-relative-switch-threshold-offset", &SlotSettings::relative_offset, Range{-400, 400, db}},
-    LeafRow{"/slot/psm/revertive/enable", &SlotSettings::revertive},
-    LeafRow{"/slot/psm/revertive/wtr",    &SlotSettings::wait_to_restore},
-    LeafRow{"/slot/psm/lockout-from",     &SlotSettings::lockout_from},
+    LeafRow{"/psm-relative-switch-threshold",          &SlotSettings::relative_threshold,     Range{-400, 400, db}},
+    LeafRow{"/psm-relative-switch-threshold-offset",   &SlotSettings::relative_offset,        Range{-400, 400, db}},
+    LeafRow{"/psm/revertive/enable",                   &SlotSettings::revertive},
+    LeafRow{"/psm/revertive/wtr",                      &SlotSettings::wait_to_restore},
+    LeafRow{"/psm/lockout-from",                       &SlotSettings::lockout_from},
 
-    LeafRow{"/optics/rx-thresholds/rx-threshold/rx-threshold",   Threshold{},                           Range{-400, 300, dbm}},
-    LeafRow{"/optics/optics-ots-rx-low-threshold-delta",         &LineSettings::rx_low_threshold_delta, Range{0, 300, db}},
-    LeafRow{"/optics/optics-ots-rx-voa-attenuation",             &LineSettings::rx_attenuation,         Range{0, 300, db}},
-    LeafRow{"/optics/optics-ots-tx-voa-attenuation",             &LineSettings::tx_attenuation,         Range{0, 300, db}},
+    LeafRow{"/rx-threshold/rx-threshold",              Threshold{},                           Range{-400, 300, dbm}},
+    LeafRow{"/optics/optics-ots-rx-low-threshold-delta", &LineSettings::rx_low_threshold_delta, Range{0, 300, db}},
+    LeafRow{"/optics/optics-ots-rx-voa-attenuation",   &LineSettings::rx_attenuation,         Range{0, 300, db}},
+    LeafRow{"/optics/optics-ots-tx-voa-attenuation",   &LineSettings::tx_attenuation,         Range{0, 300, db}},
 
-    LeafRow{"/ots-info/lane-data/receive-power",      &Readings::receive_power},
-    LeafRow{"/ots-info/lane-data/receive-power-dbm",  &Readings::receive_power},
-    LeafRow{"/ots-info/lane-data/transmit-power",     &Readings::transmit_power},
-    LeafRow{"/ots-info/lane-data/transmit-power-dbm", &Readings::transmit_power},
-    LeafRow{"/ots-info/rx-voa-attenuation",           &Readings::rx_attenuation},
-    LeafRow{"/ots-info/tx-voa-attenuation",           &Readings::tx_attenuation},
-    LeafRow{"/ots-info/port-status",                  PortStatus{}},
-    LeafRow{"/ots-info/rx-low-threshold",             &Readings::rx_low_threshold},
-    LeafRow{"/ots-info/rx-thr-fail-low-delta-val",    &Readings::rx_low_threshold_delta},
+    LeafRow{"/ots-info/lane-data/receive-power",       &Readings::receive_power},
+    LeafRow{"/ots-info/lane-data/receive-power-dbm",   &Readings::receive_power},
+    LeafRow{"/ots-info/lane-data/transmit-power",      &Readings::transmit_power},
+    LeafRow{"/ots-info/lane-data/transmit-power-dbm",  &Readings::transmit_power},
+    LeafRow{"/ots-info/rx-voa-attenuation",            &Readings::rx_attenuation},
+    LeafRow{"/ots-info/tx-voa-attenuation",            &Readings::tx_attenuation},
+    LeafRow{"/ots-info/port-status",                   PortStatus{}},
+    LeafRow{"/ots-info/rx-low-threshold",              &Readings::rx_low_threshold},
+    LeafRow{"/ots-info/rx-thr-fail-low-delta-val",     &Readings::rx_low_threshold_delta},
 
-    LeafRow{"/opr/average", History{&Readings::received,    &Statistics::average}},
-    LeafRow{"/opr/minimum", History{&Readings::received,    &Statistics::minimum}},
-    LeafRow{"/opr/maximum", History{&Readings::received,    &Statistics::maximum}},
-    LeafRow{"/opt/average", History{&Readings::transmitted, &Statistics::average}},
-    LeafRow{"/opt/minimum", History{&Readings::transmitted, &Statistics::minimum}},
-    LeafRow{"/opt/maximum", History{&Readings::transmitted, &Statistics::maximum}},
+    LeafRow{"/opr/average",                            History{&Readings::received,    &Statistics::average}},
+    LeafRow{"/opr/minimum",                            History{&Readings::received,    &Statistics::minimum}},
+    LeafRow{"/opr/maximum",                            History{&Readings::received,    &Statistics::maximum}},
+    LeafRow{"/opt/average",                            History{&Readings::transmitted, &Statistics::average}},
+    LeafRow{"/opt/minimum",                            History{&Readings::transmitted, &Statistics::minimum}},
+    LeafRow{"/opt/maximum",                            History{&Readings::transmitted, &Statistics::maximum}},
     // clang-format on
 };
 
