@@ -114,8 +114,8 @@ TEST_F(WalkLeaf, ARefusedLeafIsRefusedInAReadAtTheLeaf) {
         request.set_error_node("earlier");
         EXPECT_EQ(walk(suffix, build(leaf(tag))), 0xaaf2ee00u);
         EXPECT_EQ(request.error_node(), tag);
-        const std::string quoted = fake::quoted(tag.c_str());
-        const std::string twice = quoted + ", " + quoted;
+        std::string twice = fake::quoted(tag.c_str());
+        twice.append(", ").append(fake::quoted(tag.c_str()));
         // The location first, then the name, whose allocation is named by the tag itself.
         EXPECT_EQ(platform.calls(fake::Walk | fake::Heap),
                   (Lines{"error_path(ctx)", "named_free(\"earlier\")", called("strdup", twice)}));
