@@ -156,6 +156,10 @@ protected:
         return story;
     }
 
+    static std::string compared(const std::string &first, const std::string &second) {
+        return "match(\"" + first + "\", \"" + second + "\")";
+    }
+
     static const Walker &inner(const Walker &entry) { return walker(entry.row.children.front().walker); }
 };
 
@@ -288,10 +292,7 @@ TEST_F(NativeAugment, TriesItsTagBeforeNamespaces) {
         const std::string uri = entry->model->namespace_uri;
         platform.forget();
         EXPECT_EQ(walk(entry->suffix(), build(leaf("zzz").in_namespace(uri), "node")), 0u);
-        const auto match = [](const std::string &first, const std::string &second) {
-            return "match(\"" + first + "\", \"" + second + "\")";
-        };
-        EXPECT_EQ(platform.calls(fake::Questions), (Lines{match("zzz", entry->row.tag), match(uri, uri)}));
+        EXPECT_EQ(platform.calls(fake::Questions), (Lines{compared("zzz", entry->row.tag), compared(uri, uri)}));
         drop_trees();
     }
 }
