@@ -1,0 +1,321 @@
+// Reads of a line system, whole answers.
+#include "bench/error.hpp"
+#include "bench/line_system/operations.hpp"
+#include "dump.hpp"
+#include "session_fixture.hpp"
+
+namespace {
+
+using bench::framework::Answer;
+using bench::line_system::LineSettings;
+using bench::line_system::LineSystem;
+using bench::line_system::slot;
+using bench::line_system::with_modules;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+LineSystem bare(std::initializer_list<int> slots) {
+    return with_modules(std::vector<int>(slots));
+}
+
+class AnswerRead : public SessionFixture {};
+
+// ---- everything there is ----
+
+const Lines example_module_1{
+    "1/name = 0/1-PSM-OM",
+    "1/config/name = 0/1-PSM-OM",
+    "1/config/revertive = true",
+    "1/config/wait-to-restore-time = 10000",
+    "1/config/primary-switch-threshold = -25.0",
+    "1/config/primary-switch-hysteresis = 1.0",
+    "1/config/secondary-switch-threshold = -28.0",
+    "1/config/relative-switch-threshold = 0.0",
+    "1/config/relative-switch-threshold-offset = 0.0",
+    "1/config/force-to-port = NONE",
+    "1/state/name = 0/1-PSM-OM",
+    "1/state/revertive = true",
+    "1/state/wait-to-restore-time = 10000",
+    "1/state/primary-switch-threshold = -25.0",
+    "1/state/primary-switch-hysteresis = 1.0",
+    "1/state/secondary-switch-threshold = -28.0",
+    "1/state/relative-switch-threshold = 0.0",
+    "1/state/relative-switch-threshold-offset = 0.0",
+    "1/state/force-to-port = NONE",
+    "1/state/active-path = openconfig-transport-line-protection:PRIMARY",
+    "1/ports/line-primary-in/config/target-attenuation = 2.5",
+    "1/ports/line-primary-in/state/target-attenuation = 2.5",
+    "1/ports/line-primary-in/state/attenuation = 2.5",
+    "1/ports/line-primary-in/state/optical-power/instant = -12.34",
+    "1/ports/line-primary-in/state/optical-power/avg = -12.3",
+    "1/ports/line-primary-in/state/optical-power/min = -12.51",
+    "1/ports/line-primary-in/state/optical-power/max = -12.18",
+    "1/ports/line-primary-out/config/target-attenuation = 1.0",
+    "1/ports/line-primary-out/state/target-attenuation = 1.0",
+    "1/ports/line-primary-out/state/attenuation = 1.0",
+    "1/ports/line-primary-out/state/optical-power/instant = -2.15",
+    "1/ports/line-primary-out/state/optical-power/avg = -2.14",
+    "1/ports/line-primary-out/state/optical-power/min = -2.2",
+    "1/ports/line-primary-out/state/optical-power/max = -2.09",
+    "1/ports/line-secondary-in/config/target-attenuation = 1.5",
+    "1/ports/line-secondary-in/state/target-attenuation = 1.5",
+    "1/ports/line-secondary-in/state/attenuation = 1.5",
+    "1/ports/line-secondary-in/state/optical-power/instant = -15.87",
+    "1/ports/line-secondary-in/state/optical-power/avg = -15.9",
+    "1/ports/line-secondary-in/state/optical-power/min = -16.12",
+    "1/ports/line-secondary-in/state/optical-power/max = -15.77",
+    "1/ports/line-secondary-out/config/target-attenuation = 1.0",
+    "1/ports/line-secondary-out/state/target-attenuation = 1.0",
+    "1/ports/line-secondary-out/state/attenuation = 1.0",
+    "1/ports/line-secondary-out/state/optical-power/instant = -2.23",
+    "1/ports/line-secondary-out/state/optical-power/avg = -2.22",
+    "1/ports/line-secondary-out/state/optical-power/min = -2.31",
+    "1/ports/line-secondary-out/state/optical-power/max = -2.17",
+    "1/ports/common-output/state/optical-power/instant = -14.82",
+    "1/ports/common-output/state/optical-power/avg = -14.8",
+    "1/ports/common-output/state/optical-power/min = -14.95",
+    "1/ports/common-output/state/optical-power/max = -14.71",
+};
+
+const Lines example_configuration_3{
+    "3/name = 0/3-PSM-OM",
+    "3/config/name = 0/3-PSM-OM",
+    "3/config/revertive = false",
+    "3/config/wait-to-restore-time = 300000",
+    "3/config/primary-switch-threshold = -26.5",
+    "3/config/primary-switch-hysteresis = 1.5",
+    "3/config/secondary-switch-threshold = -30.0",
+    "3/config/relative-switch-threshold = 3.0",
+    "3/config/relative-switch-threshold-offset = 0.5",
+    "3/config/force-to-port = NONE",
+    "3/ports/line-primary-in/config/target-attenuation = 0.0",
+    "3/ports/line-primary-out/config/target-attenuation = 0.0",
+    "3/ports/line-secondary-in/config/target-attenuation = 0.8",
+    "3/ports/line-secondary-out/config/target-attenuation = 0.0",
+};
+
+TEST_F(AnswerRead, AModuleIsAnsweredWithAllThatTheLineSystemServes) {
+    use(bench::line_system::example());
+    EXPECT_EQ(get_path(module_path(1)), example_module_1);
+}
+
+// Configuration of the secondary line's attenuators comes with a read of kind 10 from the database, and alone with one
+// of configuration from the controller.
+TEST_F(AnswerRead, NothingOfTheOtherModuleIsAnswered) {
+    use(bench::line_system::example());
+    EXPECT_EQ(get_path(module_path(3), Kind::get_config), example_configuration_3);
+}
+
+TEST_F(AnswerRead, WithoutAPathBothKindsAnswerAllModules) {
+    use(bench::line_system::example());
+    const Answer all = bench::framework::read_paths(plugin(), {}, Kind::get, device());
+    Lines expected = get_path(module_path(1));
+    const Lines third = get_path(module_path(3));
+    expected.insert(expected.end(), third.begin(), third.end());
+    EXPECT_EQ(leaves_of(all.tree), expected);
+    EXPECT_EQ(get_path("/"), expected);
+    EXPECT_EQ(get(modules_text("")), expected);
+
+    Lines configuration = get_path(module_path(1), Kind::get_config);
+    configuration.insert(configuration.end(), example_configuration_3.begin(), example_configuration_3.end());
+    EXPECT_EQ(get_path("/aps", Kind::get_config), configuration);
+    EXPECT_EQ(get_config(modules_text("<aps-module/>")), configuration);
+}
+
+TEST_F(AnswerRead, ThreeModulesOfBothKinds) {
+    LineSystem system = bare({1, 2, 3});
+    slot(system, 1).settings.wait_to_restore = 1;
+    slot(system, 2).settings.wait_to_restore = 2;
+    slot(system, 3).lines[1].rx_thresholds["low"] = -305;
+    use(system);
+    EXPECT_THAT(get_path("/", Kind::get_config),
+                ElementsAre("1/name = 0/1-PSM-OM", "1/config/name = 0/1-PSM-OM", "1/config/wait-to-restore-time = 1",
+                            "2/name = 0/2-PSM-OM", "2/config/name = 0/2-PSM-OM", "2/config/wait-to-restore-time = 2",
+                            "3/name = 0/3-PSM-OM", "3/config/name = 0/3-PSM-OM",
+                            "3/config/secondary-switch-threshold = -30.5"));
+    EXPECT_THAT(get_path("/aps/aps-modules/aps-module/config"),
+                ElementsAre("1/name = 0/1-PSM-OM", "1/config/name = 0/1-PSM-OM", "1/config/wait-to-restore-time = 1",
+                            "2/name = 0/2-PSM-OM", "2/config/name = 0/2-PSM-OM", "2/config/wait-to-restore-time = 2",
+                            "3/name = 0/3-PSM-OM", "3/config/name = 0/3-PSM-OM",
+                            "3/config/secondary-switch-threshold = -30.5"));
+}
+
+TEST_F(AnswerRead, NamedInstancesAreReadOneByOneAndJoined) {
+    use(bench::line_system::example());
+    EXPECT_THAT(get_config(modules_text(module_text("0/3-PSM-OM", "<config><revertive/></config>") +
+                                        module_text("0/1-PSM-OM", "<config><force-to-port/></config>") +
+                                        module_text("0/3-PSM-OM", "<config><force-to-port/></config>"))),
+                ElementsAre("1/name = 0/1-PSM-OM", "1/config/force-to-port = NONE", "3/name = 0/3-PSM-OM",
+                            "3/config/revertive = false", "3/config/force-to-port = NONE"));
+}
+
+// ---- settings of one line ----
+
+TEST_F(AnswerRead, OnlyTheSecondaryLineIsConfigured) {
+    LineSystem system = bare({2});
+    slot(system, 2).lines[1] =
+        LineSettings{.rx_thresholds = {{"low", -281}}, .rx_attenuation = 31, .tx_attenuation = 4};
+    use(system);
+    const auto configuration =
+        ElementsAre("2/name = 0/2-PSM-OM", "2/config/name = 0/2-PSM-OM", "2/config/secondary-switch-threshold = -28.1",
+                    "2/ports/line-secondary-in/config/target-attenuation = 3.1",
+                    "2/ports/line-secondary-out/config/target-attenuation = 0.4");
+    EXPECT_THAT(get_path(module_path(2), Kind::get_config), configuration);
+    EXPECT_THAT(get_path("/", Kind::get_config), configuration);
+    const std::string read = "<config/><ports><line-secondary-in><config/></line-secondary-in><line-secondary-out>"
+                             "<config/></line-secondary-out><line-primary-in><config/></line-primary-in></ports>";
+    EXPECT_THAT(get(modules_text(module_text("0/2-PSM-OM", read))), configuration);
+    EXPECT_THAT(get(modules_text("<aps-module>" + read + "</aps-module>")), configuration);
+}
+
+// ---- modules that are not there ----
+
+TEST_F(AnswerRead, APulledModuleDisappearsWithItsSettings) {
+    const LineSystem system = bench::line_system::pull(bench::line_system::example(), 1);
+    use(system);
+    EXPECT_EQ(get_path("/", Kind::get_config), example_configuration_3);
+    EXPECT_THAT(get_path(module_path(1), Kind::get_config), IsEmpty());
+    EXPECT_THAT(get_path(module_path(1)), IsEmpty());
+    EXPECT_THAT(get_path("/aps/aps-modules/aps-module/name"), ElementsAre("3/name = 0/3-PSM-OM"));
+}
+
+TEST_F(AnswerRead, ANameThatIsNoModuleIsAnsweredWithNothing) {
+    use(bench::line_system::example());
+    for (const char *name : {"0/1", "0/01-PSM-OM", "0/1-PSM-OMX", "0/9-PSM-OM", "x", "0/2-PSM-OM"}) {
+        const std::string path = std::string("/aps/aps-modules/aps-module[name='") + name + "']";
+        EXPECT_THAT(get_path(path), IsEmpty()) << name;
+        EXPECT_THAT(get_path(path, Kind::get_config), IsEmpty()) << name;
+    }
+}
+
+// ---- selections ----
+
+TEST_F(AnswerRead, StateLeavesAlone) {
+    use(bench::line_system::example());
+    EXPECT_THAT(get(modules_text(module_text("0/1-PSM-OM", "<state><active-path/><revertive/></state>"))),
+                ElementsAre("1/name = 0/1-PSM-OM", "1/state/revertive = true",
+                            "1/state/active-path = openconfig-transport-line-protection:PRIMARY"));
+    EXPECT_THAT(get_path("/aps/aps-modules/aps-module/state/active-path"),
+                ElementsAre("1/name = 0/1-PSM-OM", "1/state/active-path = openconfig-transport-line-protection:PRIMARY",
+                            "3/name = 0/3-PSM-OM",
+                            "3/state/active-path = openconfig-transport-line-protection:SECONDARY"));
+    EXPECT_THAT(get_path(module_path(3, "/ports/line-secondary-in/state/optical-power/min")),
+                ElementsAre("3/name = 0/3-PSM-OM", "3/ports/line-secondary-in/state/optical-power/min = -16.83"));
+}
+
+TEST_F(AnswerRead, AnEmptyNameInConfigIsASelection) {
+    use(bench::line_system::example());
+    EXPECT_THAT(get_config(modules_text(module_text("0/3-PSM-OM", "<config><name/></config>"))),
+                ElementsAre("3/name = 0/3-PSM-OM", "3/config/name = 0/3-PSM-OM"));
+    EXPECT_THAT(get(modules_text("<aps-module><config><name/></config></aps-module>")),
+                ElementsAre("1/name = 0/1-PSM-OM", "1/config/name = 0/1-PSM-OM", "3/name = 0/3-PSM-OM",
+                            "3/config/name = 0/3-PSM-OM"));
+}
+
+TEST_F(AnswerRead, AMatchOfAnotherLeafThanTheKeyPicksItsModule) {
+    use(bench::line_system::example());
+    const auto of_the_third = ElementsAre("3/name = 0/3-PSM-OM", "3/config/wait-to-restore-time = 300000",
+                                          "3/config/relative-switch-threshold = 3.0");
+    const std::string text = modules_text("<aps-module><config><relative-switch-threshold>3</relative-switch-threshold>"
+                                          "<wait-to-restore-time/></config></aps-module>");
+    EXPECT_THAT(get(text), of_the_third);
+    EXPECT_THAT(get_config(text), of_the_third);
+    // A match alone selects what stands beside it.
+    const Lines whole(example_configuration_3.begin(), example_configuration_3.begin() + 10);
+    EXPECT_EQ(get_config(modules_text("<aps-module><config><revertive>false</revertive></config></aps-module>")),
+              whole);
+    EXPECT_EQ(get(modules_text("<aps-module><config><name>0/3-PSM-OM</name></config></aps-module>")), whole);
+    EXPECT_THAT(
+        get(modules_text("<aps-module><state><active-path>SECONDARY</active-path><name/></state></aps-module>")),
+        ElementsAre("3/name = 0/3-PSM-OM", "3/state/name = 0/3-PSM-OM",
+                    "3/state/active-path = openconfig-transport-line-protection:SECONDARY"));
+    EXPECT_THAT(get_config(modules_text("<aps-module><config><wait-to-restore-time>7</wait-to-restore-time></config>"
+                                        "</aps-module>")),
+                IsEmpty());
+}
+
+TEST_F(AnswerRead, WhatIsNotConfiguredIsNotAnswered) {
+    use(bare({1}));
+    EXPECT_THAT(get_path(module_path(1), Kind::get_config),
+                ElementsAre("1/name = 0/1-PSM-OM", "1/config/name = 0/1-PSM-OM"));
+    EXPECT_THAT(get_path("/aps/aps-modules/aps-module/config/primary-switch-hysteresis"), IsEmpty());
+    EXPECT_THAT(get_path(module_path(1, "/config/primary-switch-hysteresis")), ElementsAre("1/name = 0/1-PSM-OM"));
+}
+
+TEST_F(AnswerRead, RefusedLeavesAreAnsweredWithWhatIsAroundThemAndRefusedWhenNamed) {
+    use(bench::line_system::example());
+    // The attenuation itself is asked for with that of the primary line only.
+    EXPECT_THAT(get_path(module_path(1, "/ports/line-secondary-in/state")),
+                ElementsAre("1/name = 0/1-PSM-OM", "1/ports/line-secondary-in/state/target-attenuation = 1.5",
+                            "1/ports/line-secondary-in/state/optical-power/instant = -15.87",
+                            "1/ports/line-secondary-in/state/optical-power/avg = -15.9",
+                            "1/ports/line-secondary-in/state/optical-power/min = -16.12",
+                            "1/ports/line-secondary-in/state/optical-power/max = -15.77"));
+    const std::string path = module_path(1, "/ports/line-secondary-in/state/attenuation");
+    const Answer refused = bench::framework::read_paths(plugin(), std::vector{path}, Kind::get, device());
+    EXPECT_EQ(refusal_of(refused),
+              "operation-not-supported|" + path + "|attenuation is not served by this device|leave it out|attenuation");
+    EXPECT_THAT(refused.tree, IsEmpty());
+}
+
+TEST_F(AnswerRead, OnlyUnsupportedNodesAreAnsweredWithNothingAndOneWarning) {
+    use(bench::line_system::example());
+    const Answer answer = bench::framework::read_paths(
+        plugin(), std::vector{module_path(1, "/config/hold-off-time"), module_path(3, "/ports/common-in")}, Kind::get,
+        device());
+    EXPECT_EQ(refusal_of(answer), "none");
+    EXPECT_THAT(answer.tree, IsEmpty());
+    EXPECT_THAT(answer.warnings,
+                ElementsAre("nothing that was selected is supported, the answer is empty: " +
+                            module_path(1, "/config/hold-off-time") + ", " + module_path(3, "/ports/common-in")));
+    EXPECT_EQ(answer.to_json(), "{}\n");
+    EXPECT_EQ(answer.to_xml(), "");
+}
+
+TEST_F(AnswerRead, StateIsNotAnsweredToAReadOfConfiguration) {
+    use(bench::line_system::example());
+    const Answer answer =
+        bench::framework::read_paths(plugin(), std::vector{module_path(1, "/state")}, Kind::get_config, device());
+    EXPECT_EQ(refusal_of(answer), "none");
+    EXPECT_THAT(answer.tree, IsEmpty());
+    EXPECT_THAT(answer.warnings, ElementsAre("nothing that was selected is supported, the answer is empty: " +
+                                             module_path(1, "/state")));
+}
+
+// ---- channels ----
+
+TEST_F(AnswerRead, BothChannelsTellOfBothDirections) {
+    use(bench::line_system::example());
+    const auto functions = [this](const bench::framework::SessionOptions &options) {
+        const Answer answer = bench::framework::read_paths(plugin(), std::vector{module_path(1, "/config/revertive")},
+                                                           Kind::get_config, device(), options);
+        std::vector<std::string> ended;
+        for (const auto &line : answer.trace) {
+            if (line.message == "End" && line.function.ends_with("_high")) {
+                ended.push_back(line.function);
+            }
+        }
+        return std::pair(ended, answer.log.size() > 20);
+    };
+    EXPECT_EQ(functions({.check_values = true, .log = false, .trace = false}), std::pair(Lines{}, false));
+    EXPECT_EQ(functions({.check_values = true, .log = true, .trace = false}), std::pair(Lines{}, true));
+    const auto [ended, logged] = functions({.check_values = true, .log = false, .trace = true});
+    EXPECT_FALSE(logged);
+    EXPECT_THAT(ended, ElementsAre("oc_opt_psm_if_list_cfg_to_high", "interface_psm_key_to_high",
+                                   "oc_opt_psm_if_list_cfg_to_high", "interface_psm_key_to_high"));
+}
+
+// The map of the instances is made with both channels off.
+TEST_F(AnswerRead, TheMapOfTheInstancesIsMadeInSilence) {
+    use(bench::line_system::example());
+    const bench::framework::SessionOptions options{.check_values = true, .log = true, .trace = true};
+    const Answer answer =
+        bench::framework::read_paths(plugin(), std::vector{module_path(1)}, Kind::get, device(), options);
+    int walks = 0;
+    for (const auto &line : answer.trace) {
+        walks += line.message == "Start" && line.function == bench::framework::openconfig_root_walker ? 1 : 0;
+    }
+    EXPECT_EQ(walks, 1);
+}
+
+} // namespace

@@ -1,0 +1,174 @@
+#include "session_fixture.hpp"
+
+#include <algorithm>
+
+#include "bench/models/models.hpp"
+#include "bench/native/native_path.hpp"
+
+using bench::framework::Answer;
+using bench::framework::AnswerNode;
+using bench::framework::EditResult;
+using bench::framework::Outcome;
+using bench::framework::Plugin;
+
+namespace {
+
+// A path below the modules, begun with the module's slot; as it is when it is no such path.
+std::string short_path(const std::string &path) {
+    const std::string begin = "/aps/aps-modules/aps-module[name='0/";
+    const std::string end = "-PSM-OM']";
+    const auto at = path.find(end);
+    if (!path.starts_with(begin) || at == std::string::npos) {
+        return path;
+    }
+    return path.substr(begin.size(), at - begin.size()) + path.substr(at + end.size());
+}
+
+struct Step {
+    std::string name;
+    std::vector<std::pair<std::string, std::string>> keys;
+};
+
+// Keys hold no brackets, names neither brackets nor slashes.
+std::vector<Step> steps_of(const std::string &path) {
+    std::vector<Step> steps;
+    std::size_t at = 0;
+    while (at < path.size()) {
+        Step &step = steps.emplace_back();
+        const std::size_t name_end = std::min(path.find_first_of("/[", at + 1), path.size());
+        step.name = path.substr(at + 1, name_end - at - 1);
+        at = name_end;
+        while (at < path.size() && path[at] == '[') {
+            const std::size_t equals = path.find('=', at);
+            const std::size_t end = path.find(']', at);
+            step.keys.emplace_back(path.substr(at + 1, equals - at - 1), path.substr(equals + 1, end - equals - 1));
+            at = end + 1;
+        }
+    }
+    return steps;
+}
+
+std::vector<bench::native::DataNode> key_leaves(const lysc_node &list, const Step &step) {
+    std::vector<bench::native::DataNode> leaves;
+    for (const std::string_view name : bench::models::key_names(list)) {
+        const auto key = std::find_if(step.keys.begin(), step.keys.end(),
+                                      [name](const auto &candidate) { return candidate.first == name; });
+        leaves.push_back({bench::models::Schema::native().child(&list, name), key->second, {}});
+    }
+    return leaves;
+}
+
+void hold(std::vector<bench::native::DataNode> &nodes, const lysc_node *parent, const std::vector<Step> &steps,
+          std::size_t index, const std::string &value) {
+    const Step &step = steps.at(index);
+    const lysc_node *schema = bench::models::Schema::native().child(parent, step.name);
+    ASSERT_NE(schema, nullptr) << step.name;
+    const auto keys = key_leaves(*schema, step);
+    const auto is_it = [&](const bench::native::DataNode &node) {
+        return node.schema == schema &&
+               std::equal(keys.begin(), keys.end(), node.children.begin(),
+                          [](const auto &key, const auto &child) { return key.value == child.value; });
+    };
+    auto node = std::find_if(nodes.begin(), nodes.end(), is_it);
+    if (node == nodes.end()) {
+        node = nodes.insert(nodes.end(), {schema, {}, keys});
+    }
+    if (index + 1 < steps.size()) {
+        hold(node->children, schema, steps, index + 1, value);
+    } else if (keys.empty()) {
+        node->value = value;
+    }
+}
+
+} // namespace
+
+Lines leaves_of(const std::vector<AnswerNode> &tops) {
+    Lines lines;
+    bench::framework::for_each_leaf(tops, [&lines](const std::string &path, const AnswerNode &leaf) {
+        lines.push_back(short_path(path) + " = " + leaf.value.value_or("(no value)"));
+    });
+    return lines;
+}
+
+std::string refusal_of(const Outcome &outcome) {
+    if (!outcome.error) {
+        return "none";
+    }
+    return outcome.error->tag + "|" + outcome.error->location + "|" + outcome.error->message + "|" +
+           outcome.error->advice + "|" + outcome.error->offending_node;
+}
+
+Lines changes_of(const EditResult &result) {
+    Lines lines;
+    for (const auto &change : result.changes) {
+        lines.push_back(short_path(change.path) + ": " + change.before.value_or("-") + " -> " +
+                        change.after.value_or("-"));
+    }
+    return lines;
+}
+
+const Plugin &SessionFixture::plugin() {
+    static const auto *const loaded = new Plugin(PLUGIN); // NOLINT(cppcoreguidelines-owning-memory)
+    return *loaded;
+}
+
+void SessionFixture::use(const LineSystem &system) {
+    TearDown();
+    client_.emplace();
+    state_.emplace(client_->store(), system);
+    transaction_ = client_->store().write();
+    device_.emplace(*transaction_);
+}
+
+void SessionFixture::TearDown() {
+    device_.reset();
+    transaction_.reset();
+    state_.reset();
+}
+
+Lines SessionFixture::answered(const Answer &answer) {
+    EXPECT_EQ(refusal_of(answer), "none");
+    EXPECT_THAT(answer.warnings, testing::IsEmpty());
+    return leaves_of(answer.tree);
+}
+
+Lines SessionFixture::get(const std::string &text) {
+    return answered(bench::framework::read(plugin(), text, Kind::get, device()));
+}
+
+Lines SessionFixture::get_config(const std::string &text) {
+    return answered(bench::framework::read(plugin(), text, Kind::get_config, device()));
+}
+
+Lines SessionFixture::get_path(const std::string &path, Kind kind) {
+    return answered(bench::framework::read_paths(plugin(), std::vector{path}, kind, device()));
+}
+
+EditResult SessionFixture::edit(const std::string &text) {
+    return bench::framework::edit(plugin(), text, device());
+}
+
+EditResult SessionFixture::successful(EditResult result) {
+    EXPECT_EQ(refusal_of(result), "none");
+    EXPECT_THAT(result.warnings, testing::IsEmpty());
+    return result;
+}
+
+HeldDevice::HeldDevice(const std::vector<Leaf> &leaves) {
+    for (const Leaf &leaf : leaves) {
+        hold(held_.roots, nullptr, steps_of(leaf.path), 0, leaf.value);
+    }
+}
+
+bench::native::NativeData HeldDevice::answer(const bench::native::NetRequest &read) {
+    return answers_everything ? held_ : bench::native::answer(held_, read);
+}
+
+void HeldDevice::apply(const bench::native::NetRequest &edit) {
+    if (refusal) {
+        throw bench::native::NativeRefusal(*refusal);
+    }
+    for (const auto &operation : edit.operations()) {
+        edits.push_back(operation.path);
+    }
+}

@@ -1,0 +1,106 @@
+// Requests to a line system through the real plug-in.
+#ifndef TESTS_FRAMEWORK_SESSION_FIXTURE_HPP
+#define TESTS_FRAMEWORK_SESSION_FIXTURE_HPP
+
+#include <gmock/gmock.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "bench/framework/session.hpp"
+#include "bench/line_system/device.hpp"
+#include "bench/line_system/storage.hpp"
+#include "bench/line_system/temporary_state.hpp"
+#include "bench/native/native_data.hpp"
+#include "bench/sysdb/client_library.hpp"
+
+using Lines = std::vector<std::string>;
+
+// A request with this content in /aps/aps-modules.
+inline std::string modules_text(const std::string &content) {
+    return "<aps xmlns=\"http://openconfig.net/yang/optical-transport-line-protection\" "
+           "xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\"><aps-modules>" +
+           content + "</aps-modules></aps>";
+}
+
+inline std::string module_text(const std::string &name, const std::string &content,
+                               const std::string &attributes = {}) {
+    return "<aps-module" + attributes + "><name>" + name + "</name>" + content + "</aps-module>";
+}
+
+// "/aps/aps-modules/aps-module[name='0/1-PSM-OM']" and what follows it.
+inline std::string module_path(int slot, const std::string &below = {}) {
+    return "/aps/aps-modules/aps-module[name='0/" + std::to_string(slot) + "-PSM-OM']" + below;
+}
+
+// The leaves of an answer below its modules, in document order: "1/config/revertive = true" in the slot of the module.
+Lines leaves_of(const std::vector<bench::framework::AnswerNode> &tops);
+
+// "tag|location|message|advice|offending node"; "none" without an error.
+std::string refusal_of(const bench::framework::Outcome &outcome);
+
+// The changes of an edit: "1/config/revertive: true -> -".
+Lines changes_of(const bench::framework::EditResult &result);
+
+class SessionFixture : public testing::Test {
+protected:
+    using Kind = bench::framework::Kind;
+    using LineSystem = bench::line_system::LineSystem;
+
+    // The plug-in stays loaded, so that a leak report can name its functions.
+    static const bench::framework::Plugin &plugin();
+
+    // The line system that the next requests go to; the store is left as it was made.
+    void use(const LineSystem &system);
+
+    bench::native::Device &device() { return *device_; }
+    LineSystem system() const { return bench::line_system::load(*transaction_); }
+
+    // The leaves of an answer without error and warning.
+    Lines get(const std::string &text);
+    Lines get_config(const std::string &text);
+    Lines get_path(const std::string &path, Kind kind = Kind::get);
+
+    bench::framework::EditResult edit(const std::string &text);
+
+    // The changes of an edit that must succeed.
+    Lines changes(const std::string &text) { return changes_of(successful(edit(text))); }
+    static bench::framework::EditResult successful(bench::framework::EditResult result);
+
+    void TearDown() override;
+
+private:
+    Lines answered(const bench::framework::Answer &answer);
+
+    std::optional<bench::sysdb::Client> client_;
+    std::optional<bench::line_system::TemporaryState> state_;
+    std::unique_ptr<bench::sysdb::WriteTransaction> transaction_;
+    std::optional<bench::line_system::LineSystemDevice> device_;
+};
+
+// A device that answers from what a test has written down: the paths of leaves with their values.
+class HeldDevice : public bench::native::Device {
+public:
+    struct Leaf {
+        std::string path; // instance path, e.g. /active-nodes/active-node[node-name=0/RP0/CPU0]/slot[slot-id=1]/psm/...
+        std::string value;
+    };
+
+    explicit HeldDevice(const std::vector<Leaf> &leaves);
+
+    bench::native::NativeData answer(const bench::native::NetRequest &read) override;
+    void apply(const bench::native::NetRequest &edit) override;
+
+    // How an edit is refused; none: it is accepted, and changes nothing.
+    std::optional<bench::native::NativeRefusal> refusal;
+    // Answers with all that it holds, whatever is asked for.
+    bool answers_everything = false;
+    std::vector<std::string> edits; // the paths of the operations of all edits
+
+private:
+    bench::native::NativeData held_;
+};
+
+#endif
