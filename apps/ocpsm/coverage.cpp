@@ -1,5 +1,6 @@
 #include "coverage.hpp"
 
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -22,6 +23,8 @@ public:
         for (const std::string &path : unsupported_) {
             report(path, "is listed as unsupported but is not in the model");
         }
+        check_native_rows();
+        check_answer_rows();
         return std::move(result_);
     }
 
@@ -39,6 +42,14 @@ private:
             const std::string path = schema_path(row);
             if (!unsupported_.insert(path).second) {
                 report(path, "is listed as unsupported twice");
+            }
+        }
+        for (const NativeRow &row : input_.native) {
+            called_.insert(std::string(row.conversion));
+        }
+        for (const AnswerRow &row : input_.answers) {
+            if (called_.contains(row.conversion)) {
+                written_.insert(row.path);
             }
         }
     }
@@ -71,13 +82,29 @@ private:
         }
         const bool is_refused = row.kind == NodeKind::leaf && row.conversion.empty();
         ++(is_refused ? result_.refused : result_.mapped);
-        for (const std::string &name : exported_names(row)) {
+        check_exports(node.path, exported_names(row));
+        check_conversion(node, row);
+        if (!is_refused && !is_written(node)) {
+            report(node.path, "is written by no answer conversion");
+        }
+    }
+
+    void check_exports(const std::string &path, const std::vector<std::string> &names) {
+        for (const std::string &name : names) {
             ++result_.callbacks;
             if (!input_.is_exported(name)) {
-                report(node.path, "needs " + name + ", which the plug-in does not export");
+                report(path, "needs " + name + ", which the plug-in does not export");
             }
         }
-        check_conversion(node, row);
+    }
+
+    // A container is there with what is in it.
+    bool is_written(const SchemaNode &node) const {
+        if (node.kind != NodeKind::container) {
+            return written_.contains(node.path);
+        }
+        const auto first = written_.lower_bound(node.path + "/");
+        return first != written_.end() && first->compare(0, node.path.size() + 1, node.path + "/") == 0;
     }
 
     // The conversions of the list and of the three leaves called `name` resolve the module and have no row.
@@ -88,9 +115,57 @@ private:
         const ConversionRow *conversion = find_conversion(input_.conversions, row.conversion);
         if (conversion == nullptr) {
             report(node.path, "is converted by " + std::string(row.conversion) + ", which writes no native leaf");
-        } else if (!input_.is_native_leaf(conversion->model, conversion->path)) {
+        } else if (!input_.is_native_node(conversion->model, conversion->path, NodeKind::leaf)) {
             report(node.path, "is written to " + std::string(conversion->path) + ", which " +
                                   std::string(conversion->model) + " does not have");
+        }
+    }
+
+    // ---- the way back ----
+
+    void check_native_rows() {
+        std::set<std::string> seen;
+        for (const NativeRow &row : input_.native) {
+            const std::string path = native_path(input_.native, row);
+            const std::string name = std::string(row.model) + ":" + path;
+            ++result_.native;
+            if (row.kind != NativeKind::augment) {
+                check_native_node(row, path, name);
+                if (!seen.insert(name).second) {
+                    report(name, "is in the native tables twice");
+                }
+            }
+            check_exports(name, exported_names(row));
+            const bool writes = std::any_of(input_.answers.begin(), input_.answers.end(), [&](const AnswerRow &answer) {
+                return answer.conversion == row.conversion;
+            });
+            if (!row.conversion.empty() && !writes) {
+                report(name, "is converted by " + std::string(row.conversion) + ", which writes no OpenConfig leaf");
+            }
+        }
+    }
+
+    void check_native_node(const NativeRow &row, const std::string &path, const std::string &name) {
+        const NodeKind kind = row.kind == NativeKind::leaf   ? NodeKind::leaf
+                              : row.kind == NativeKind::list ? NodeKind::list
+                                                             : NodeKind::container;
+        if (!input_.is_native_node(row.model, path, kind)) {
+            report(name, "is in the native tables but not in the native model");
+        }
+    }
+
+    void check_answer_rows() {
+        const auto is_served = [&](const std::string &path) {
+            return std::any_of(input_.nodes.begin(), input_.nodes.end(),
+                               [&](const NodeRow &row) { return schema_path(input_.nodes, row) == path; });
+        };
+        for (const AnswerRow &row : input_.answers) {
+            if (!is_served(row.path)) {
+                report(row.path, "is written by " + row.conversion + " but is not in the mapping table");
+            }
+            if (!called_.contains(row.conversion)) {
+                report(row.path, "is written by " + row.conversion + ", which no native node calls");
+            }
         }
     }
 
@@ -98,6 +173,8 @@ private:
     CoverageResult result_;
     std::map<std::string, const NodeRow *> rows_;
     std::set<std::string> unsupported_;
+    std::set<std::string> called_;  // answer conversions that a native node calls
+    std::set<std::string> written_; // OpenConfig nodes that these write
 };
 
 } // namespace

@@ -1,5 +1,5 @@
-// The proof that the mapping is whole: every node of the OpenConfig model is mapped, refused or listed as unsupported,
-// and the plug-in exports every callback that a node needs.
+// The proof that the mapping is whole: every node of the OpenConfig model is mapped both ways, refused or listed as
+// unsupported, and the plug-in exports everything that a node of any model needs.
 #ifndef OCPSM_COVERAGE_HPP
 #define OCPSM_COVERAGE_HPP
 
@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "answer_table.hpp"
 #include "mapping_table.hpp"
 
 namespace ocpsm {
@@ -27,22 +28,25 @@ struct CoverageInput {
     std::span<const NodeRow> nodes;
     std::span<const ConversionRow> conversions;
     std::span<const UnsupportedRow> unsupported;
+    std::span<const NativeRow> native;
+    std::span<const AnswerRow> answers;
     std::function<bool(const std::string &name)> is_exported;
-    // Whether a native module has a leaf with this path.
-    std::function<bool(std::string_view module, std::string_view path)> is_native_leaf;
+    // Whether a native module has a node of this kind with this path.
+    std::function<bool(std::string_view module, std::string_view path, NodeKind kind)> is_native_node;
 };
 
 struct Finding {
-    std::string path; // of the OpenConfig node
+    std::string path; // of the OpenConfig node, or of the native one behind the name of its module
     std::string problem;
 
     bool operator==(const Finding &) const = default;
 };
 
 struct CoverageResult {
-    size_t mapped = 0;      // nodes that the plug-in serves
+    size_t mapped = 0;      // nodes that the plug-in serves, in requests and in answers
     size_t refused = 0;     // leaves that the plug-in refuses when they are named
     size_t unsupported = 0; // nodes that it does not know
+    size_t native = 0;      // native nodes that have a walker
     size_t callbacks = 0;   // names that were looked up in the plug-in
     std::vector<Finding> findings;
 };

@@ -28,6 +28,7 @@ struct CommandLine {
         app.add_option("--plugin", program.plugin, "The mapping plug-in, else oc-psm.so beside the program's libraries")
             ->type_name("FILE");
         app.fallthrough();
+        add_client_commands(app, program);
         add_device_commands(app, program);
         add_mapping_commands(app, program);
     }
@@ -80,7 +81,11 @@ int run_program(int argc, char **argv) {
     CommandLine line;
     try {
         line.app.parse(argc, argv);
-        return line.program.chosen(std::cout, std::cerr);
+        const int result = line.program.chosen(std::cout, std::cerr);
+        if (!std::cout.flush()) {
+            throw std::runtime_error("the output cannot be written");
+        }
+        return result;
     } catch (const CLI::Success &help) {
         return line.app.exit(help);
     } catch (const CLI::ParseError &error) {

@@ -41,9 +41,9 @@ std::vector<SchemaNode> read_openconfig_model() {
     return nodes;
 }
 
-bool is_native_leaf(std::string_view module, std::string_view path) {
+bool is_native_node(std::string_view module, std::string_view path, NodeKind kind) {
     const auto info = models::Schema::native().describe(path);
-    return info && info->kind == models::NodeKind::leaf && info->module == module;
+    return info && kind_of(info->kind) == kind && info->module == module;
 }
 
 } // namespace ocpsm

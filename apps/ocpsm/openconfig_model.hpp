@@ -11,8 +11,8 @@ namespace ocpsm {
 // Every container, list and leaf, parents first, in the order of the text.
 std::vector<SchemaNode> read_openconfig_model();
 
-// Whether a native module has a leaf with this path.
-bool is_native_leaf(std::string_view module, std::string_view path);
+// Whether a native module has a node of this kind with this path.
+bool is_native_node(std::string_view module, std::string_view path, NodeKind kind);
 
 } // namespace ocpsm
 

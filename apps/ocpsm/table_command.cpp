@@ -1,10 +1,15 @@
 #include "commands.hpp"
 
 #include <algorithm>
+#include <initializer_list>
 #include <map>
 #include <ostream>
+#include <span>
+#include <string>
+#include <string_view>
 #include <vector>
 
+#include "answer_table.hpp"
 #include "mapping_table.hpp"
 #include "native_models.hpp"
 #include "openconfig_model.hpp"
@@ -42,6 +47,11 @@ std::string describe_key_additions(const NodeRow &row) {
                       : "in reads the keys of the native list entries";
 }
 
+bool is_answered(const std::string &path) {
+    return std::any_of(answer_rows().begin(), answer_rows().end(),
+                       [&](const AnswerRow &row) { return row.path == path; });
+}
+
 // Containers add nothing and get no line.
 std::vector<Line> lines_of_rows(const Units &units) {
     std::vector<Line> lines;
@@ -60,13 +70,53 @@ std::vector<Line> lines_of_rows(const Units &units) {
             line.port = conversion->port == "none" ? std::string() : std::string(conversion->port);
             line.additions = describe_steps(conversion->steps);
         } else if (row.conversion.empty()) {
-            line.additions = "refused: the device has no such value";
+            line.additions = is_answered(path) ? "refused when it is named; answered with what is around it"
+                                               : "refused: the device has no such value";
         } else {
             line.additions = describe_key_additions(row);
         }
         lines.push_back(std::move(line));
     }
     return lines;
+}
+
+// One line of the table of the way back.
+struct AnswerLine {
+    std::string path; // as above
+    std::string native;
+    std::string conversion;
+    std::string value;
+    std::string source;
+};
+
+constexpr std::string_view answer_headings[] = {"OpenConfig node", "native leaf", "conversion", "OpenConfig value",
+                                                "read from"};
+
+// A node that several conversions write, or that several native leaves lead to, gets a line for each.
+std::vector<AnswerLine> lines_of_answers(const std::vector<SchemaNode> &model) {
+    std::vector<AnswerLine> lines;
+    for (const SchemaNode &node : model) {
+        for (const AnswerRow &row : answer_rows()) {
+            for (const NativeRow &native : native_rows()) {
+                if (row.path != node.path || native.conversion != row.conversion) {
+                    continue;
+                }
+                lines.push_back({short_path(row.path),
+                                 std::string(native.model) + ":" + native_path(native_rows(), native), row.conversion,
+                                 describe_answer_value(row.value, node.units),
+                                 std::string(describe_source(row.source)) +
+                                     (row.operational_only ? "; not in a read of configuration only" : "")});
+            }
+        }
+    }
+    return lines;
+}
+
+void print_text(const std::vector<AnswerLine> &lines, std::ostream &output) {
+    for (const AnswerLine &line : lines) {
+        output << line.path << " <- " << line.conversion << " <- " << line.native << " [" << line.value
+               << "]: " << line.source << '\n';
+    }
 }
 
 void print_text(const std::vector<Line> &lines, std::ostream &output) {
@@ -83,50 +133,86 @@ void print_text(const std::vector<Line> &lines, std::ostream &output) {
         }
         output << ": " << line.additions << '\n';
     }
-    for (const UnsupportedRow &row : unsupported_rows()) {
-        output << row.path << ": unsupported: " << row.reason << '\n';
-    }
 }
 
-void print_markdown(const std::vector<Line> &lines, std::ostream &output) {
-    output << "# Mapping reference\n\n"
-              "Made from the plug-in's tables by `ocpsm explain --table --format markdown`; a test keeps it current.\n"
-              "Paths are below `"
-           << YMAP_MODULE
-           << "`. A native value is given as unit, then scaling: `0.1 dBm, x10` is an\n"
-              "integer in tenths of a dBm, ten times the OpenConfig value, cut towards zero.\n"
-              "`primary` and `secondary` name the controller whose interface entry holds the leaf,\n"
-              "`Ots0/SLOT/0/1` and `Ots0/SLOT/0/2`.\n\n|";
-    for (const std::string_view heading : headings) {
+std::string code(const std::string &text) {
+    return text.empty() ? text : "`" + text + "`";
+}
+
+void print_row(std::initializer_list<std::string> cells, std::ostream &output) {
+    output << '|';
+    for (const std::string &cell : cells) {
+        output << ' ' << cell << " |";
+    }
+    output << '\n';
+}
+
+void print_headings(std::span<const std::string_view> names, std::ostream &output) {
+    output << '|';
+    for (const std::string_view heading : names) {
         output << ' ' << heading << " |";
     }
     output << "\n|";
-    for (size_t column = 0; column < std::size(headings); ++column) {
+    for (size_t column = 0; column < names.size(); ++column) {
         output << "---|";
     }
     output << '\n';
-    const auto code = [](const std::string &text) { return text.empty() ? text : "`" + text + "`"; };
+}
+
+void print_markdown(const std::vector<Line> &lines, const std::vector<AnswerLine> &answers, std::ostream &output) {
+    output
+        << "# Mapping reference\n\n"
+           "Made from the plug-in's tables by `ocpsm explain --table --format markdown`; a test keeps it current.\n"
+           "Paths are below `"
+        << YMAP_MODULE
+        << "`. `primary` and `secondary` name the line whose controller\n"
+           "holds the leaf, `Ots0/SLOT/0/1` and `Ots0/SLOT/0/2`; the common port is `Ots0/SLOT/0/0`.\n\n"
+           "## From OpenConfig requests to native ones\n\n"
+           "A native value is given as unit, then scaling: `0.1 dBm, x10` is an integer in tenths of a dBm, ten times\n"
+           "the OpenConfig value, cut towards zero.\n\n";
+    print_headings(headings, output);
     for (const Line &line : lines) {
-        output << "| " << code(line.path) << " | " << line.access << " | " << code(line.conversion) << " | "
-               << code(line.native) << " | " << line.value << " | " << line.port << " | " << line.additions << " |\n";
+        print_row({code(line.path), line.access, code(line.conversion), code(line.native), line.value, line.port,
+                   line.additions},
+                  output);
     }
     output
-        << "\n## Nodes without support\n\n"
-           "A read passes them over, an edit that names one is refused.\n\n| OpenConfig node | reason |\n|---|---|\n";
+        << "\n## From native answers to OpenConfig\n\n"
+           "A value is given as native unit, then scaling: `0.01 dBm, /100` is made from an integer in hundredths of "
+           "a\n"
+           "dBm. The answer for a primary port fills the leaves of all ports of its module: while it is handled, the\n"
+           "values of the others are read from the system database.\n\n";
+    print_headings(answer_headings, output);
+    for (const AnswerLine &line : answers) {
+        print_row({code(line.path), code(line.native), code(line.conversion), line.value, line.source}, output);
+    }
+    output << "\n## Nodes without support\n\n"
+              "A read passes them over, an edit that names one is refused.\n\n| OpenConfig node | reason "
+              "|\n|---|---|\n";
     for (const UnsupportedRow &row : unsupported_rows()) {
-        output << "| `" << row.path << "` | " << row.reason << " |\n";
+        print_row({code(std::string(row.path)), std::string(row.reason)}, output);
     }
 }
 
 } // namespace
 
 int table_command(TableFormat format, std::ostream &output) {
+    const std::vector<SchemaNode> model = read_openconfig_model();
     Units units;
-    for (const SchemaNode &node : read_openconfig_model()) {
+    for (const SchemaNode &node : model) {
         units.emplace(node.path, node.units);
     }
     const std::vector<Line> lines = lines_of_rows(units);
-    format == TableFormat::markdown ? print_markdown(lines, output) : print_text(lines, output);
+    const std::vector<AnswerLine> answers = lines_of_answers(model);
+    if (format == TableFormat::markdown) {
+        print_markdown(lines, answers, output);
+        return exit_done;
+    }
+    print_text(lines, output);
+    print_text(answers, output);
+    for (const UnsupportedRow &row : unsupported_rows()) {
+        output << row.path << ": unsupported: " << row.reason << '\n';
+    }
     return exit_done;
 }
 

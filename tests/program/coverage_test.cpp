@@ -1,5 +1,6 @@
 // The proof of coverage, tried with a small model and with tables that are wrong in one place each.
 #include <algorithm>
+#include <array>
 #include <set>
 #include <string>
 #include <vector>
@@ -49,14 +50,27 @@ protected:
         {"revertive_to_low", "state_leaf", "text", "none", "native", "/slots/slot/revertive"},
     };
     std::vector<UnsupportedRow> unsupported = {{"state/hold-off-time", "there is none"}};
+    std::vector<NativeRow> native = {
+        {"native", "nat", NativeKind::container, "n", "none", "slots", ""},
+        {"native", "nat", NativeKind::list, "o", "n", "slot", "slot_to_high"},
+        {"native", "nat", NativeKind::leaf, "p", "o", "revertive", "revertive_to_high"},
+    };
+    std::vector<AnswerRow> answers = {
+        {"slot_to_high", module, "key", "slot"},
+        {"slot_to_high", std::string(module) + "/name", "key", "slot"},
+        {"revertive_to_high", std::string(module) + "/state/revertive", "text", "slot"},
+    };
     std::set<std::string> missing_names;
-    std::set<std::string> native_leaves = {"native:/slots/slot/revertive"};
+    // In the order of the kinds: container, list, leaf.
+    std::array<std::set<std::string>, 3> native_nodes = {
+        {{"native:/slots"}, {"native:/slots/slot"}, {"native:/slots/slot/revertive"}}};
 
     CoverageResult check() {
-        return check_coverage({model, nodes, conversions, unsupported,
+        return check_coverage({model, nodes, conversions, unsupported, native, answers,
                                [this](const std::string &name) { return !missing_names.contains(name); },
-                               [this](std::string_view native, std::string_view path) {
-                                   return native_leaves.contains(std::string(native).append(":").append(path));
+                               [this](std::string_view model_name, std::string_view path, NodeKind kind) {
+                                   return native_nodes.at(static_cast<size_t>(kind))
+                                       .contains(std::string(model_name).append(":").append(path));
                                }});
     }
 
@@ -72,13 +86,17 @@ TEST_F(Coverage, AcceptsTablesThatAgreeWithTheModel) {
     EXPECT_EQ(result.refused, 1U);
     EXPECT_EQ(result.unsupported, 1U);
     // Three for a container, four for the list, three for a converted leaf, two for a refused one.
-    EXPECT_EQ(result.callbacks, 3U * 3U + 4U + 2U * 3U + 2U);
+    // Of the native ones three for the container, four for the list and the leaf, which are converted.
+    EXPECT_EQ(result.callbacks, 3U * 3U + 4U + 2U * 3U + 2U + 3U + 2U * 4U);
+    EXPECT_EQ(result.native, 3U);
 }
 
 TEST_F(Coverage, NamesANodeThatIsInNoTable) {
     nodes.erase(nodes.begin() + 5);
-    EXPECT_THAT(check().findings, ElementsAre(below_module("/state/revertive",
-                                                           "is neither mapped nor refused nor listed as unsupported")));
+    EXPECT_THAT(check().findings,
+                ElementsAre(below_module("/state/revertive", "is neither mapped nor refused nor listed as unsupported"),
+                            below_module("/state/revertive",
+                                         "is written by revertive_to_high but is not in the mapping table")));
 }
 
 TEST_F(Coverage, NamesANodeThatIsInBothTables) {
@@ -144,9 +162,146 @@ TEST_F(Coverage, NamesAConversionWithoutARow) {
 }
 
 TEST_F(Coverage, NamesANativeLeafThatIsInNoNativeModel) {
-    native_leaves.clear();
-    EXPECT_THAT(check().findings, ElementsAre(below_module("/state/revertive", "is written to /slots/slot/revertive, "
+    conversions.front().path = "/slots/slot/revert";
+    EXPECT_THAT(check().findings, ElementsAre(below_module("/state/revertive", "is written to /slots/slot/revert, "
                                                                                "which native does not have")));
+}
+
+// ---- the way back ----
+
+TEST_F(Coverage, NamesALeafThatNoAnswerWrites) {
+    answers.pop_back();
+    EXPECT_THAT(check().findings,
+                ElementsAre(below_module("/state", "is written by no answer conversion"),
+                            below_module("/state/revertive", "is written by no answer conversion"),
+                            Finding{"native:/slots/slot/revertive",
+                                    "is converted by revertive_to_high, which writes no OpenConfig leaf"}));
+}
+
+TEST_F(Coverage, NamesAListEntryThatNoAnswerOpens) {
+    answers.erase(answers.begin());
+    EXPECT_THAT(check().findings, ElementsAre(below_module("", "is written by no answer conversion")));
+}
+
+TEST_F(Coverage, DoesNotCountWhatABrotherOfAContainerIsWritten) {
+    answers.back().path = std::string(module) + "/state-of-things/revertive";
+    EXPECT_THAT(check().findings,
+                ElementsAre(below_module("/state", "is written by no answer conversion"),
+                            below_module("/state/revertive", "is written by no answer conversion"),
+                            below_module("/state-of-things/revertive",
+                                         "is written by revertive_to_high but is not in the mapping table")));
+}
+
+TEST_F(Coverage, NamesAnAnswerThatIsWrittenToAnUnsupportedNode) {
+    answers.push_back({"revertive_to_high", std::string(module) + "/state/hold-off-time", "text", "slot"});
+    EXPECT_THAT(check().findings,
+                ElementsAre(below_module("/state/hold-off-time",
+                                         "is written by revertive_to_high but is not in the mapping table")));
+}
+
+TEST_F(Coverage, AcceptsAnAnswerThatIsWrittenToARefusedLeaf) {
+    answers.push_back({"revertive_to_high", std::string(module) + "/state/attenuation", "text", "slot"});
+    EXPECT_THAT(check().findings, IsEmpty());
+}
+
+TEST_F(Coverage, NamesAnAnswerConversionThatNoNativeNodeCalls) {
+    native.back().conversion = "";
+    EXPECT_THAT(
+        check().findings,
+        ElementsAre(below_module("/state", "is written by no answer conversion"),
+                    below_module("/state/revertive", "is written by no answer conversion"),
+                    below_module("/state/revertive", "is written by revertive_to_high, which no native node calls")));
+}
+
+TEST_F(Coverage, NamesANativeRowThatIsNotInItsModel) {
+    native.back().tag = "revert";
+    EXPECT_THAT(check().findings, ElementsAre(Finding{"native:/slots/slot/revert",
+                                                      "is in the native tables but not in the native model"}));
+}
+
+TEST_F(Coverage, NamesANativeRowOfAnotherKind) {
+    native.front().kind = NativeKind::list;
+    EXPECT_THAT(check().findings,
+                ElementsAre(Finding{"native:/slots", "is in the native tables but not in the native model"}));
+}
+
+TEST_F(Coverage, NamesANativeRowThatStandsTwice) {
+    native.push_back(native.back());
+    EXPECT_THAT(check().findings,
+                ElementsAre(Finding{"native:/slots/slot/revertive", "is in the native tables twice"}));
+}
+
+TEST_F(Coverage, NamesEveryNativeFunctionThatIsNotExported) {
+    const std::string start = "ymap_n2o_oc_opt_psm_nat_";
+    missing_names = {start + "n",      start + "cont_n", start + "o_parse_augments",
+                     start + "list_o", start + "leaf_p", "revertive_to_high"};
+    const auto needs = [](const std::string &name) { return "needs " + name + ", which the plug-in does not export"; };
+    EXPECT_THAT(check().findings, ElementsAre(Finding{"native:/slots", needs(start + "n")},
+                                              Finding{"native:/slots", needs(start + "cont_n")},
+                                              Finding{"native:/slots/slot", needs(start + "o_parse_augments")},
+                                              Finding{"native:/slots/slot", needs(start + "list_o")},
+                                              Finding{"native:/slots/slot/revertive", needs(start + "leaf_p")},
+                                              Finding{"native:/slots/slot/revertive", needs("revertive_to_high")}));
+}
+
+TEST(AnswerTable, HasEveryNodeWithAWalker) {
+    const auto count = [](NativeKind kind) {
+        return std::count_if(native_rows().begin(), native_rows().end(),
+                             [kind](const NativeRow &row) { return row.kind == kind; });
+    };
+    EXPECT_EQ(count(NativeKind::augment), 3);
+    EXPECT_EQ(count(NativeKind::list), 10);
+    EXPECT_EQ(count(NativeKind::container), 26);
+    EXPECT_EQ(count(NativeKind::leaf), 30);
+}
+
+// What each conversion writes, below an aps-module.
+TEST(AnswerTable, KnowsAllThatIsWritten) {
+    const auto written = [](std::string_view conversion) {
+        std::vector<std::string> paths;
+        for (const AnswerRow &row : answer_rows()) {
+            if (row.conversion == conversion) {
+                paths.push_back(row.path.substr(sizeof module - 1) + " " + row.value + " " + std::string(row.source) +
+                                (row.operational_only ? " operational" : ""));
+            }
+        }
+        return paths;
+    };
+    EXPECT_THAT(written("oc_opt_psm_cfg_lockout_from_to_high"),
+                ElementsAre("/config/force-to-port lockout slot", "/state/force-to-port lockout slot operational"));
+    EXPECT_THAT(written("oc_opt_psm_cfg_th_hyst_to_high"),
+                ElementsAre("/config/primary-switch-hysteresis tenths primary"));
+    EXPECT_THAT(written("oc_opt_psm_cfg_tx_attenuation_to_high"),
+                ElementsAre("/ports/line-primary-out/config/target-attenuation tenths primary",
+                            "/ports/line-primary-out/state/target-attenuation tenths primary operational",
+                            "/ports/line-secondary-out/config/target-attenuation tenths secondary",
+                            "/ports/line-secondary-out/state/target-attenuation tenths secondary operational"));
+    EXPECT_THAT(written("oc_opt_psm_state_rx_attenuation_to_high"),
+                ElementsAre("/ports/line-primary-in/state/attenuation hundredths primary",
+                            "/ports/line-secondary-in/state/attenuation hundredths database",
+                            "/ports/line-secondary-in/config/target-attenuation tenths database",
+                            "/ports/line-secondary-in/state/target-attenuation tenths database operational"));
+    EXPECT_THAT(written("oc_opt_psm_state_tx_max_power_to_high"),
+                ElementsAre("/ports/line-primary-out/state/optical-power/max text primary",
+                            "/ports/line-secondary-out/state/optical-power/max text database",
+                            "/ports/common-output/state/optical-power/max text database"));
+    EXPECT_THAT(written("oc_opt_psm_state_active_path_to_high"), ElementsAre("/state/active-path port-status primary"));
+    EXPECT_THAT(written("oc_opt_psm_state_th_to_high"),
+                ElementsAre("/state/primary-switch-threshold tenths primary",
+                            "/state/secondary-switch-threshold tenths secondary"));
+    EXPECT_THAT(written("oc_opt_psm_state_get_psm_key_to_high"), ElementsAre("/state/name key primary operational"));
+    EXPECT_THAT(written("oc_opt_psm_if_list_cfg_to_high"),
+                ElementsAre(" key controller", "/name key controller", "/config/name key controller"));
+}
+
+TEST(AnswerTable, TellsUnitAndScalingOfAValue) {
+    EXPECT_EQ(describe_answer_value("tenths", "dBm"), "0.1 dBm, /10");
+    EXPECT_EQ(describe_answer_value("hundredths", "dB"), "0.01 dB, /100");
+    EXPECT_EQ(describe_answer_value("text", "milliseconds"), "milliseconds, as it stands");
+    EXPECT_EQ(describe_answer_value("text", ""), "as it stands");
+    EXPECT_EQ(describe_answer_value("lockout", ""), "protected: PRIMARY, working: SECONDARY, else NONE");
+    EXPECT_EQ(describe_answer_value("port-status", ""), "active: PRIMARY, else SECONDARY");
+    EXPECT_EQ(describe_answer_value("key", ""), "the module of the controller");
 }
 
 TEST(MappingTable, HasTheWholeOfTheSystemsNodes) {

@@ -1,0 +1,90 @@
+// The options of get, edit, set and delete.
+#include <memory>
+
+#include "client_command.hpp"
+#include "command_line.hpp"
+#include "state_directory.hpp"
+
+namespace ocpsm {
+namespace {
+
+constexpr char units[] =
+    "Thresholds and powers are in dBm; hysteresis, relative threshold, offset and attenuations in dB; both with two\n"
+    "decimal places, of which a device keeps the first when it is set. Times are in milliseconds.\n"
+    "A path is /aps/aps-modules/aps-module[name=0/1-PSM-OM]/config/revertive or any step on the way.";
+
+struct ClientLine {
+    ClientOptions options;
+    std::optional<std::string> state;
+    std::string format;
+
+    ClientOptions finished(const Program &program) const {
+        ClientOptions finished = options;
+        finished.state = state_directory(state, process_environment);
+        finished.plugin = program.plugin_file();
+        finished.format = format_named(format);
+        return finished;
+    }
+};
+
+using Run = int (*)(const ClientOptions &options, std::ostream &output, std::ostream &errors);
+
+CLI::App &add_client_command(CLI::App &app, Program &program, const std::string &name, const std::string &help,
+                             const std::shared_ptr<ClientLine> &line, Run run) {
+    CLI::App *command = app.add_subcommand(name, help);
+    command->footer(units);
+    add_state_option(*command, line->state);
+    command->add_flag("--log", line->options.log, "Show the plug-in's debug log on standard error");
+    command->add_flag("--trace", line->options.trace, "Show the plug-in's trace buffer on standard error");
+    command->callback([line, run, &program] {
+        program.chosen = [options = line->finished(program), run](std::ostream &output, std::ostream &errors) {
+            return run(options, output, errors);
+        };
+    });
+    return *command;
+}
+
+void add_dry_run(CLI::App &command, ClientLine &line) {
+    CLI::Option *dry_run = command.add_flag("--dry-run", line.options.dry_run,
+                                            "Print the native operations and what they change, and change nothing");
+    add_format_option(command, line.format, "Print the native request of a dry run in json or xml");
+    command.get_option("--format")->needs(dry_run);
+}
+
+} // namespace
+
+void add_client_commands(CLI::App &app, Program &program) {
+    const auto line = std::make_shared<ClientLine>();
+    ClientOptions &options = line->options;
+
+    CLI::App &get = add_client_command(app, program, "get", "Print configuration and state of the protection modules",
+                                       line, get_command);
+    get.add_flag("--config", options.configuration_only, "Configuration only");
+    CLI::Option *paths =
+        get.add_option("path", options.paths, "What to read, everything without one")->type_name("PATH");
+    get.add_option("--filter", options.filter, "Read what a subtree filter in a file selects; - for standard input")
+        ->type_name("FILE")
+        ->excludes(paths);
+    add_format_option(get, line->format, "Print json or xml, else json, or as the filter came");
+
+    CLI::App &edit =
+        add_client_command(app, program, "edit", "Carry out an edit, whole or not at all", line, edit_command);
+    edit.add_option("file", options.file,
+                    "A NETCONF <config> or JSON (RFC 7951), operations as metadata; - for standard input")
+        ->type_name("FILE")
+        ->required();
+    add_dry_run(edit, *line);
+
+    CLI::App &set = add_client_command(app, program, "set", "Set one leaf of the configuration", line, set_command);
+    set.add_option("path", options.path, "The leaf")->type_name("PATH")->required();
+    set.add_option("value", options.value, "Its value, in the units of the model")->type_name("VALUE")->required();
+    add_dry_run(set, *line);
+
+    CLI::App &erase = add_client_command(app, program, "delete",
+                                         "Delete a leaf, a container or a module's settings with all that is below",
+                                         line, delete_command);
+    erase.add_option("path", options.path, "What to delete")->type_name("PATH")->required();
+    add_dry_run(erase, *line);
+}
+
+} // namespace ocpsm

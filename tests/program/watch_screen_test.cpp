@@ -1,0 +1,96 @@
+// What is on the screen while a line system is watched.
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "bench/line_system/line_system.hpp"
+#include "bench/line_system/operations.hpp"
+#include "line_system_view.hpp"
+#include "watch_screen.hpp"
+
+namespace ocpsm {
+namespace {
+
+namespace line_system = bench::line_system;
+using testing::ElementsAre;
+
+class Watching : public testing::Test {
+protected:
+    Watching() { screen.update(view(line_system::example())); }
+
+    // The highlighted lines, by the first 13 characters.
+    std::vector<std::string> highlighted() const {
+        std::vector<std::string> found;
+        for (const ScreenLine &line : screen.lines({24, 80})) {
+            if (line.highlighted) {
+                found.push_back(line.text.substr(0, 20));
+            }
+        }
+        return found;
+    }
+
+    std::vector<std::string> texts(ScreenSize size) const {
+        std::vector<std::string> found;
+        for (const ScreenLine &line : screen.lines(size)) {
+            found.push_back(line.text);
+        }
+        return found;
+    }
+
+    WatchScreen screen;
+};
+
+TEST_F(Watching, ShowsTheTableTheKeysAndWhatIsToBeNoted) {
+    screen.note("slot 1 holds no module");
+    const std::vector<std::string> lines = texts({24, 80});
+    ASSERT_EQ(lines.size(), 16U);
+    EXPECT_EQ(lines.at(0), "time 0.0 s");
+    EXPECT_EQ(lines.at(7), "* primary      -12.34     -25.00         2.50     -2.15         1.00  whole");
+    EXPECT_EQ(lines.at(14), "slot 1 holds no module");
+    EXPECT_EQ(lines.at(15), "up/down choose a line   c cut its fibre   s splice it   q quit");
+}
+
+TEST_F(Watching, MovesTheChoiceThroughAllLinesAndRound) {
+    EXPECT_THAT(highlighted(), ElementsAre("* primary      -12.3"));
+    EXPECT_EQ(screen.chosen(), (ChosenLine{1, 0}));
+    screen.choose_previous();
+    EXPECT_EQ(screen.chosen(), (ChosenLine{3, 1}));
+    EXPECT_THAT(highlighted(), ElementsAre("* secondary    -16.5"));
+    screen.choose_next();
+    screen.choose_next();
+    EXPECT_EQ(screen.chosen(), (ChosenLine{1, 1}));
+    screen.choose_next();
+    EXPECT_EQ(screen.chosen(), (ChosenLine{3, 0}));
+    EXPECT_THAT(highlighted(), ElementsAre("  primary      -40.0"));
+}
+
+TEST_F(Watching, KeepsTheChoiceWhenModulesComeAndGo) {
+    screen.choose_previous();
+    const line_system::LineSystem three = line_system::fit(line_system::example(), 2);
+    screen.update(view(three));
+    EXPECT_EQ(screen.chosen(), (ChosenLine{3, 1}));
+    screen.update(view(line_system::pull(three, 3)));
+    EXPECT_EQ(screen.chosen(), (ChosenLine{1, 0}));
+}
+
+TEST_F(Watching, ChoosesNothingWithoutModules) {
+    screen.update({});
+    screen.choose_next();
+    screen.choose_previous();
+    EXPECT_FALSE(screen.chosen().has_value());
+    EXPECT_THAT(highlighted(), ElementsAre());
+}
+
+TEST_F(Watching, SaysHowLargeTheTerminalMustBe) {
+    const std::vector<std::string> small = {"too small: this needs 75 columns and 16 rows",
+                                            "make the terminal larger, or q to quit"};
+    EXPECT_EQ(texts({15, 80}), small);
+    EXPECT_EQ(texts({16, 74}), small);
+    EXPECT_EQ(texts({0, 0}), small);
+    EXPECT_EQ(texts({16, 75}).size(), 16U);
+}
+
+} // namespace
+} // namespace ocpsm
