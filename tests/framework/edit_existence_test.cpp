@@ -1,0 +1,190 @@
+// What has to be there, or must not be there yet, before a line system is edited.
+#include "bench/line_system/operations.hpp"
+#include "session_fixture.hpp"
+
+namespace {
+
+using bench::framework::EditResult;
+using bench::line_system::LineSystem;
+using bench::line_system::slot;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+std::string config_text(const std::string &content) {
+    return modules_text(module_text("0/1-PSM-OM", "<config>" + content + "</config>"));
+}
+
+const std::string created = " nc:operation='create'";
+const std::string deleted = " nc:operation='delete'";
+const std::string removed = " nc:operation='remove'";
+
+class EditExistence : public SessionFixture {
+protected:
+    void SetUp() override {
+        std::vector<int> slots{1, 3};
+        LineSystem system = bench::line_system::with_modules(slots);
+        slot(system, 1).settings.wait_to_restore = 5000;
+        slot(system, 1).lines[0].rx_attenuation = 12;
+        use(system);
+    }
+
+    // What a refused edit is answered with; nothing may have changed.
+    std::string refused(const std::string &text) {
+        const LineSystem before = system();
+        const EditResult result = edit(text);
+        EXPECT_EQ(system(), before);
+        EXPECT_THAT(result.changes, IsEmpty());
+        return refusal_of(result);
+    }
+
+    // What an edit is answered with that finds nothing to do.
+    void expect_nothing_done(const std::string &text) {
+        const LineSystem before = system();
+        EXPECT_THAT(changes(text), IsEmpty());
+        EXPECT_EQ(system(), before);
+    }
+};
+
+const std::string merge_instead = "merge or replace it";
+const std::string remove_instead = "use the operation remove if that is no error";
+
+TEST_F(EditExistence, OfALeaf) {
+    EXPECT_EQ(refused(config_text("<wait-to-restore-time" + created + ">1</wait-to-restore-time>")),
+              "data-exists|" + module_path(1, "/config/wait-to-restore-time") +
+                  "|wait-to-restore-time is to be created, but is there already|" + merge_instead + "|");
+    EXPECT_EQ(refused(config_text("<revertive" + deleted + "/>")),
+              "data-missing|" + module_path(1, "/config/revertive") + "|revertive is to be deleted, but is not there|" +
+                  remove_instead + "|");
+    EXPECT_THAT(changes(config_text("<revertive" + created + ">true</revertive>")),
+                ElementsAre("1/config/revertive: - -> true"));
+    EXPECT_THAT(changes(config_text("<revertive" + removed + "/>")), ElementsAre("1/config/revertive: true -> -"));
+    expect_nothing_done(config_text("<revertive" + removed + "/>"));
+    EXPECT_THAT(changes(config_text("<wait-to-restore-time" + deleted + "/>")),
+                ElementsAre("1/config/wait-to-restore-time: 5000 -> -"));
+}
+
+TEST_F(EditExistence, OfAContainer) {
+    const auto port = [](const std::string &name, const std::string &operation, const std::string &content) {
+        return modules_text(
+            module_text("0/1-PSM-OM", "<ports><" + name + operation + ">" + content + "</" + name + "></ports>"));
+    };
+    const std::string config = "<config><target-attenuation>1</target-attenuation></config>";
+    EXPECT_EQ(refused(port("line-primary-in", created, config)),
+              "data-exists|" + module_path(1, "/ports/line-primary-in") +
+                  "|line-primary-in is to be created, but is there already|" + merge_instead + "|");
+    EXPECT_EQ(refused(port("line-primary-out", deleted, "")),
+              "data-missing|" + module_path(1, "/ports/line-primary-out") +
+                  "|line-primary-out is to be deleted, but is not there|" + remove_instead + "|");
+    EXPECT_EQ(refused(modules_text(module_text("0/1-PSM-OM", "<config" + created + "/>"))),
+              "data-exists|" + module_path(1, "/config") + "|config is to be created, but is there already|" +
+                  merge_instead + "|");
+    EXPECT_EQ(refused(modules_text(module_text("0/3-PSM-OM", "<ports" + deleted + "/>"))),
+              "data-missing|" + module_path(3, "/ports") + "|ports is to be deleted, but is not there|" +
+                  remove_instead + "|");
+    expect_nothing_done(port("line-primary-out", removed, ""));
+    EXPECT_THAT(changes(port("line-primary-out", created, config)),
+                ElementsAre("1/ports/line-primary-out/config/target-attenuation: - -> 1.0"));
+    EXPECT_THAT(changes(port("line-primary-out", removed, "")),
+                ElementsAre("1/ports/line-primary-out/config/target-attenuation: 1.0 -> -"));
+    EXPECT_THAT(changes(port("line-primary-in", deleted, "")),
+                ElementsAre("1/ports/line-primary-in/config/target-attenuation: 1.2 -> -"));
+}
+
+TEST_F(EditExistence, OfAModule) {
+    EXPECT_EQ(refused(modules_text(module_text("0/1-PSM-OM", "", created))),
+              "data-exists|" + module_path(1) + "|aps-module is to be created, but is there already|" + merge_instead +
+                  "|");
+    // A module that is not fitted cannot be created either.
+    const auto missing = [](const std::string &name) {
+        return "data-missing|/aps/aps-modules/aps-module[name='" + name + "']|there is no module '" + name +
+               "'|name one that is fitted, exactly as a read shows it|";
+    };
+    for (const char *name : {"0/2", "0/02-PSM-OM", "0/2-PSM-OMX", "0/9-PSM-OM", "0/2-PSM-OM", "0/1", "0/01-PSM-OM",
+                             "0/1-PSM-OMX", " 0/1-PSM-OM", "Ots0/1/0/1"}) {
+        const std::string setting = "<config><revertive>true</revertive></config>";
+        EXPECT_EQ(refused(modules_text(module_text(name, setting))), missing(name));
+        EXPECT_EQ(refused(modules_text(module_text(name, setting, created))), missing(name));
+        EXPECT_EQ(refused(modules_text(module_text(name, setting, " nc:operation='replace'"))), missing(name));
+        EXPECT_EQ(refused(modules_text(module_text(name, "", deleted))), missing(name));
+        expect_nothing_done(modules_text(module_text(name, "", removed)));
+    }
+    EXPECT_THAT(changes(modules_text(module_text("0/1-PSM-OM", "", removed))),
+                ElementsAre("1/config/wait-to-restore-time: 5000 -> -",
+                            "1/ports/line-primary-in/config/target-attenuation: 1.2 -> -"));
+    // It stays as long as it is fitted.
+    EXPECT_THAT(changes(modules_text(module_text("0/1-PSM-OM", "", deleted))), IsEmpty());
+    EXPECT_THAT(get_path(module_path(1), Kind::get_config),
+                ElementsAre("1/name = 0/1-PSM-OM", "1/config/name = 0/1-PSM-OM"));
+}
+
+TEST_F(EditExistence, NamesOfAnyLengthAndContent) {
+    const std::string longest(5000, 'x');
+    EXPECT_EQ(edit(modules_text(module_text(longest, "<config/>"))).error->tag, "data-missing");
+    const EditResult quoted = edit(modules_text(module_text("a'b\"c]/d", "<config/>")));
+    EXPECT_EQ(quoted.error->tag, "data-missing");
+    EXPECT_EQ(quoted.error->message, "there is no module 'a'b\"c]/d'");
+}
+
+TEST_F(EditExistence, OfAllModules) {
+    const auto all = [](const std::string &operation) {
+        return "<aps xmlns=\"http://openconfig.net/yang/optical-transport-line-protection\" "
+               "xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\"" +
+               operation + "/>";
+    };
+    EXPECT_EQ(refused(all(created)),
+              "data-exists|/aps|aps is to be created, but is there already|" + merge_instead + "|");
+    EXPECT_THAT(changes(all(deleted)), ElementsAre("1/config/wait-to-restore-time: 5000 -> -",
+                                                   "1/ports/line-primary-in/config/target-attenuation: 1.2 -> -"));
+    use(LineSystem{});
+    EXPECT_EQ(refused(all(deleted)),
+              "data-missing|/aps|aps is to be deleted, but is not there|" + remove_instead + "|");
+    const EditResult nothing = edit(all(removed));
+    EXPECT_EQ(refusal_of(nothing), "none");
+}
+
+// A module that is taken out of an edit, because it is not there, must not turn the edit into one of all modules.
+TEST_F(EditExistence, AContainerThatIsRemovedWithAModuleBelowItIsRefused) {
+    EXPECT_EQ(refused("<aps xmlns=\"http://openconfig.net/yang/optical-transport-line-protection\" "
+                      "xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\"><aps-modules nc:operation='remove'>" +
+                      module_text("0/2-PSM-OM", "", removed) + "</aps-modules></aps>"),
+              "operation-failed|/aps/aps-modules|aps-modules is to be deleted, but something stands below it|"
+              "delete it without content, or delete only what stands below it|");
+}
+
+TEST_F(EditExistence, TheLeafThatTheKeyRefersToStays) {
+    EXPECT_EQ(refused(config_text("<name" + deleted + "/>")),
+              "data-missing|" + module_path(1, "/config/name") +
+                  "|the key of the entry refers to this leaf (instance-required)|delete the whole entry, or leave the "
+                  "name|");
+    EXPECT_EQ(refused(config_text("<name" + removed + "/>")),
+              "data-missing|" + module_path(1, "/config/name") +
+                  "|the key of the entry refers to this leaf (instance-required)|delete the whole entry, or leave the "
+                  "name|");
+    EXPECT_EQ(refused(config_text("<name>0/3-PSM-OM</name>")),
+              "data-missing|" + module_path(1, "/name") +
+                  "|the key and the leaf that it refers to differ (instance-required)|give both the same value, or "
+                  "leave config/name out|");
+    expect_nothing_done(config_text("<name>0/1-PSM-OM</name>"));
+}
+
+TEST_F(EditExistence, BelowWhatIsReplacedNothingHasToBeThere) {
+    EXPECT_THAT(changes(modules_text(module_text("0/1-PSM-OM", "<config nc:operation='replace'><wait-to-restore-time" +
+                                                                   created + ">7</wait-to-restore-time></config>"))),
+                ElementsAre("1/config/wait-to-restore-time: 5000 -> 7"));
+}
+
+TEST_F(EditExistence, TheFirstOfSeveralIsReported) {
+    EXPECT_EQ(refused(modules_text(module_text("0/1-PSM-OM", "<config><revertive>true</revertive></config>") +
+                                   module_text("0/3-PSM-OM", "<config><revertive" + deleted + "/></config>") +
+                                   module_text("0/2-PSM-OM", "<config><revertive>true</revertive></config>"))),
+              "data-missing|" + module_path(3, "/config/revertive") + "|revertive is to be deleted, but is not there|" +
+                  remove_instead + "|");
+}
+
+TEST_F(EditExistence, AnEntryWithoutNameIsThePluginsMatter) {
+    EXPECT_EQ(refused(modules_text("<aps-module><name/><config><revertive>true</revertive></config></aps-module>")),
+              "missing-element|/aps/aps-modules/aps-module/name|an entry needs its key once, with a value|name the "
+              "entry once|name");
+}
+
+} // namespace
