@@ -222,7 +222,7 @@ struct Set {
     }
     void operator()(Threshold) const {
         auto &all = slot(system, place.slot).lines.at(place.port - 1).rx_thresholds;
-        if (text || all.count(place.threshold) != 0) {
+        if (text || all.contains(place.threshold)) {
             assign(all[place.threshold], text);
         }
     }

@@ -12,7 +12,6 @@ namespace {
 using bench::line_system::attenuation;
 using bench::line_system::dark;
 using bench::line_system::example;
-using bench::line_system::LineSystem;
 using bench::line_system::Lockout;
 using bench::line_system::Path;
 using bench::line_system::Power;

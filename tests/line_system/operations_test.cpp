@@ -12,7 +12,6 @@ namespace {
 
 using namespace bench::line_system; // NOLINT(google-build-using-namespace): all that is tested
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr char no_module_in_2[] = "refused|data-missing||slot 2 holds no module|fit one first";
 constexpr char no_slot_4[] = "input|invalid-value||there is no slot 4|the slots are 1 to 3";
