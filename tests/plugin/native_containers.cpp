@@ -162,7 +162,7 @@ TEST_F(NativeContainer, RefusesAChildWithoutATag) {
 
 TEST_F(NativeContainer, RefusesChildrenThatAreNotThere) {
     for (const Walker *walker : walkers_of(Kind::container)) {
-        for (const std::int32_t count : {1, 2, 2147483647}) {
+        for (const std::int32_t count : {1, 2, 2147483647, -1, -2147483647 - 1}) {
             platform.forget();
             EXPECT_EQ(walk(walker->suffix(), build(node_of(*walker).without_array(count))), bad_tree);
             EXPECT_EQ(story(), (Lines{"+" + walker->suffix(), "ERR " + walker->suffix() + ": Failed to get subtrees!",

@@ -188,7 +188,7 @@ TEST_F(NativeEntry, WithChildrenButNoKeyIsNoError) {
 
 TEST_F(NativeEntry, RefusesChildrenThatAreNotThere) {
     for (const Walker *walker : walkers_of(Kind::list)) {
-        for (const std::int32_t count : {1, 2147483647}) {
+        for (const std::int32_t count : {1, 2147483647, -1}) {
             platform.forget();
             EXPECT_EQ(walk(walker->suffix(), build(node_of(*walker).without_array(count))), bad_tree);
             EXPECT_EQ(story(), (Lines{"+" + walker->suffix(), "ERR " + walker->suffix() + ": Failed to get subtrees!",

@@ -127,8 +127,8 @@ kerrno walk(const NativeVisit &visit) {
     if (visit.self().kind == NativeKind::leaf) {
         return walk_leaf(visit);
     }
-    if (is_malformed(visit.function(), visit.ctx, visit.node)) {
-        return YMAP_ERR_BAD_TREE;
+    if (lacks_children(visit.node) && visit.node.child_count != 0) {
+        return refuse_malformed(visit.function(), visit.ctx);
     }
     switch (visit.self().kind) {
     case NativeKind::container:

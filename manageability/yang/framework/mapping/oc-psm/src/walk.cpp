@@ -11,12 +11,13 @@ std::span<Node> children_of(const Node &node) {
     return {node.children, static_cast<std::size_t>(std::max(node.child_count, 0))};
 }
 
-bool is_malformed(const Function &function, yfw_map_ctx ctx, const Node &node) {
-    if ((node.flags & YFW_NODE_CHILDREN_VALID) == 0 || node.child_count <= 0 || node.children != nullptr) {
-        return false;
-    }
+bool lacks_children(const Node &node) {
+    return (node.flags & YFW_NODE_CHILDREN_VALID) != 0 && node.children == nullptr;
+}
+
+kerrno refuse_malformed(const Function &function, yfw_map_ctx ctx) {
     YMAP_ERROR(function, ctx, "Failed to get subtrees!");
-    return true;
+    return YMAP_ERR_BAD_TREE;
 }
 
 void consume(Node &key) {

@@ -17,8 +17,12 @@ using ContainerCallback = kerrno(yfw_map_ctx, const Node *, unsigned int, Node *
 // The children that a node says it has.
 std::span<Node> children_of(const Node &node);
 
-// Reports a node that says it has children but has none.
-bool is_malformed(const Function &function, yfw_map_ctx ctx, const Node &node);
+// The node says that its children count, but there is no array of them. Whether that is malformed depends on the count:
+// a request may hold a negative one, an answer may not.
+bool lacks_children(const Node &node);
+
+// Reports such a node, gives YMAP_ERR_BAD_TREE.
+kerrno refuse_malformed(const Function &function, yfw_map_ctx ctx);
 
 // Marks a list key as used.
 void consume(Node &key);

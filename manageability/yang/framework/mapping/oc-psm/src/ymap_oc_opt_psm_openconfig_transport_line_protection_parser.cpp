@@ -56,8 +56,8 @@ kerrno walk_container(const Walker &self, yfw_map_ctx ctx, const Node *source, N
         return refuse_arguments(self.function, ctx);
     }
     Visit visit(self, ctx, *source, destination);
-    if (is_malformed(self.function, ctx, visit.node)) {
-        return end(self.function, ctx, YMAP_ERR_BAD_TREE);
+    if (lacks_children(visit.node) && visit.node.child_count > 0) {
+        return end(self.function, ctx, refuse_malformed(self.function, ctx));
     }
     if (has_content_in_delete(visit)) {
         YMAP_TRACE(self.function, ctx, "Delete request with subtree present");
@@ -277,8 +277,8 @@ kerrno walk_list(const Walker &self, yfw_map_ctx ctx, const Node *source, Node *
         return refuse_arguments(self.function, ctx);
     }
     Visit visit(self, ctx, *source, destination);
-    if (is_malformed(self.function, ctx, visit.node)) {
-        return end(self.function, ctx, YMAP_ERR_BAD_TREE);
+    if (lacks_children(visit.node) && visit.node.child_count > 0) {
+        return end(self.function, ctx, refuse_malformed(self.function, ctx));
     }
     if (!visit.has_children()) {
         YMAP_ERROR(self.function, ctx, "No keys specified with a list node.");
