@@ -1,0 +1,214 @@
+// What is set is what is read, to the step of the native model.
+#include <cmath>
+#include <random>
+
+#include "bench/line_system/operations.hpp"
+#include "session_fixture.hpp"
+
+namespace {
+
+using bench::framework::Answer;
+using bench::framework::EditResult;
+using bench::line_system::LineSystem;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+struct Setting {
+    const char *leaf;  // below the module
+    const char *value; // as it is set
+    const char *read;  // as it is read then
+};
+
+// Tenths are what the native models hold: what is finer is cut off, towards zero.
+constexpr Setting settings[] = {
+    {"/config/revertive", "true", "true"},
+    {"/config/revertive", "false", "false"},
+    {"/config/wait-to-restore-time", "0", "0"},
+    {"/config/wait-to-restore-time", "4294967295", "4294967295"},
+    {"/config/primary-switch-threshold", "-20.5", "-20.5"},
+    {"/config/primary-switch-threshold", "-12.39", "-12.3"},
+    {"/config/primary-switch-threshold", "0", "0.0"},
+    {"/config/primary-switch-hysteresis", "1.59", "1.5"},
+    {"/config/secondary-switch-threshold", "12.5", "12.5"},
+    {"/config/secondary-switch-threshold", "-0.05", "0.0"},
+    {"/config/relative-switch-threshold", "3", "3.0"},
+    {"/config/relative-switch-threshold", "-3.99", "-3.9"},
+    {"/config/relative-switch-threshold-offset", "-0.5", "-0.5"},
+    {"/config/relative-switch-threshold-offset", "-0.05", "0.0"},
+    {"/config/force-to-port", "NONE", "NONE"},
+    {"/config/force-to-port", "PRIMARY", "PRIMARY"},
+    {"/config/force-to-port", "SECONDARY", "SECONDARY"},
+    {"/ports/line-primary-in/config/target-attenuation", "3.5", "3.5"},
+    {"/ports/line-primary-in/config/target-attenuation", "-0.05", "0.0"},
+    {"/ports/line-primary-out/config/target-attenuation", "0.19", "0.1"},
+    {"/ports/line-secondary-in/config/target-attenuation", "30", "30.0"},
+    {"/ports/line-secondary-out/config/target-attenuation", "-0.05", "0.0"},
+    {"/ports/line-secondary-out/config/target-attenuation", "7.70", "7.7"},
+};
+
+class RoundTrip : public SessionFixture {
+protected:
+    void use_bare() {
+        const std::vector<int> slots{1, 2};
+        use(bench::line_system::with_modules(slots));
+    }
+
+    void set(const std::string &leaf, const std::string &value) {
+        successful(bench::framework::set_leaf(plugin(), module_path(2, leaf), value, device()));
+    }
+
+    void remove(const std::string &leaf) {
+        successful(bench::framework::delete_node(plugin(), module_path(2, leaf), device()));
+    }
+
+    // The leaf's value in an answer, by a read of its own; none when it is not there.
+    std::optional<std::string> value_of(const std::string &leaf, Kind kind = Kind::get_config) {
+        const std::string begin = "2" + leaf + " = ";
+        for (const std::string &line : get_path(module_path(2, leaf), kind)) {
+            if (line.starts_with(begin)) {
+                return line.substr(begin.size());
+            }
+        }
+        return std::nullopt;
+    }
+};
+
+const Lines bare_module{"2/name = 0/2-PSM-OM", "2/config/name = 0/2-PSM-OM"};
+
+TEST_F(RoundTrip, EveryLeafIsSetReadDeletedAndSetAgain) {
+    use_bare();
+    for (const Setting &setting : settings) {
+        SCOPED_TRACE(std::string(setting.leaf) + " " + setting.value);
+        set(setting.leaf, setting.value);
+        EXPECT_EQ(value_of(setting.leaf), setting.read);
+        EXPECT_EQ(value_of(setting.leaf, Kind::get), setting.read);
+        remove(setting.leaf);
+        EXPECT_EQ(value_of(setting.leaf), std::nullopt);
+        EXPECT_EQ(get_path(module_path(2), Kind::get_config), bare_module);
+        set(setting.leaf, setting.value);
+        EXPECT_EQ(value_of(setting.leaf), setting.read);
+        remove(setting.leaf);
+    }
+    EXPECT_EQ(get_path(module_path(1), Kind::get_config), (Lines{"1/name = 0/1-PSM-OM", "1/config/name = 0/1-PSM-OM"}));
+}
+
+// ---- random values ----
+
+struct Decimal {
+    const char *leaf;
+    int minimum; // tenths
+    int maximum;
+};
+
+constexpr Decimal decimals[] = {
+    {"/config/primary-switch-threshold", -400, 300},
+    {"/config/primary-switch-hysteresis", 0, 300},
+    {"/config/secondary-switch-threshold", -400, 300},
+    {"/config/relative-switch-threshold", -400, 400},
+    {"/config/relative-switch-threshold-offset", -400, 400},
+    {"/ports/line-primary-in/config/target-attenuation", 0, 300},
+    {"/ports/line-primary-out/config/target-attenuation", 0, 300},
+    {"/ports/line-secondary-in/config/target-attenuation", 0, 300},
+    {"/ports/line-secondary-out/config/target-attenuation", 0, 300},
+};
+
+// A number of tenths as the model writes it: "-0.5", "12.0".
+std::string tenths(int number) {
+    return std::string(number < 0 ? "-" : "") + std::to_string(std::abs(number) / 10) + "." +
+           std::to_string(std::abs(number) % 10);
+}
+
+TEST_F(RoundTrip, RandomTenthsComeBackAsTheyAre) {
+    use_bare();
+    std::mt19937 random(20240115);
+    for (int round = 0; round < 8; ++round) {
+        for (const Decimal &decimal : decimals) {
+            const int number = std::uniform_int_distribution(decimal.minimum, decimal.maximum)(random);
+            SCOPED_TRACE(std::string(decimal.leaf) + " " + tenths(number));
+            set(decimal.leaf, tenths(number));
+            EXPECT_EQ(value_of(decimal.leaf), tenths(number));
+        }
+    }
+}
+
+// With a second digit, which is cut off.
+TEST_F(RoundTrip, RandomHundredthsAreCutTowardsZero) {
+    use_bare();
+    std::mt19937 random(4711);
+    for (int round = 0; round < 4; ++round) {
+        for (const Decimal &decimal : decimals) {
+            const int number = std::uniform_int_distribution(decimal.minimum, decimal.maximum)(random);
+            const int digit = std::uniform_int_distribution(1, 8)(random);
+            const std::string written = tenths(number) + std::to_string(digit);
+            SCOPED_TRACE(std::string(decimal.leaf) + " " + written);
+            const EditResult result =
+                bench::framework::set_leaf(plugin(), module_path(2, decimal.leaf), written, device());
+            EXPECT_EQ(refusal_of(result), "none");
+            EXPECT_EQ(value_of(decimal.leaf), tenths(number));
+        }
+    }
+}
+
+// ---- whole modules ----
+
+class WholeModule : public SessionFixture {
+protected:
+    void SetUp() override { use(bench::line_system::example()); }
+
+    // The request with `operation` on the element that `begin` begins.
+    static std::string with_operation(std::string text, const std::string &begin, const std::string &operation) {
+        const auto at = text.find(begin + ">");
+        EXPECT_NE(at, std::string::npos) << text;
+        return text.insert(at + begin.size(),
+                           " xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\" nc:operation=\"" + operation + "\"");
+    }
+
+    Answer configuration(int slot) {
+        return bench::framework::read_paths(plugin(), std::vector{module_path(slot)}, Kind::get_config, device());
+    }
+};
+
+TEST_F(WholeModule, ReplacedWithWhatWasReadStaysAsItIs) {
+    for (const int slot : {1, 3}) {
+        const Answer before = configuration(slot);
+        const LineSystem system_before = system();
+        EXPECT_THAT(changes(with_operation(before.to_xml(), "<aps-module", "replace")), IsEmpty());
+        EXPECT_THAT(changes(with_operation(before.to_xml(), "<config", "replace")), IsEmpty());
+        EXPECT_THAT(changes(before.to_json()), IsEmpty());
+        EXPECT_EQ(configuration(slot).tree, before.tree);
+        EXPECT_EQ(system(), system_before);
+    }
+}
+
+TEST_F(WholeModule, ReplacedWithTwoLeavesLosesAllOthers) {
+    const Answer other = configuration(3);
+    successful(edit(modules_text(module_text(
+        "0/1-PSM-OM",
+        "<config><revertive>false</revertive><secondary-switch-threshold>-1.5</secondary-switch-threshold></config>",
+        " nc:operation='replace'"))));
+    EXPECT_THAT(get_path(module_path(1), Kind::get_config),
+                ElementsAre("1/name = 0/1-PSM-OM", "1/config/name = 0/1-PSM-OM", "1/config/revertive = false",
+                            "1/config/secondary-switch-threshold = -1.5"));
+    EXPECT_EQ(configuration(3).tree, other.tree);
+}
+
+TEST_F(WholeModule, ReplacedConfigurationLosesItsOtherLeavesAndKeepsThePorts) {
+    successful(edit(modules_text(
+        module_text("0/3-PSM-OM", "<config nc:operation='replace'><wait-to-restore-time>7</wait-to-restore-time>"
+                                  "<force-to-port>NONE</force-to-port></config>"))));
+    EXPECT_THAT(get_path(module_path(3), Kind::get_config),
+                ElementsAre("3/name = 0/3-PSM-OM", "3/config/name = 0/3-PSM-OM", "3/config/wait-to-restore-time = 7",
+                            "3/config/force-to-port = NONE", "3/ports/line-primary-in/config/target-attenuation = 0.0",
+                            "3/ports/line-primary-out/config/target-attenuation = 0.0",
+                            "3/ports/line-secondary-in/config/target-attenuation = 0.8",
+                            "3/ports/line-secondary-out/config/target-attenuation = 0.0"));
+}
+
+TEST_F(WholeModule, ReplacedWithItsKeyAloneLosesEverything) {
+    successful(edit(modules_text(module_text("0/1-PSM-OM", "", " nc:operation='replace'"))));
+    EXPECT_THAT(get_path(module_path(1), Kind::get_config),
+                ElementsAre("1/name = 0/1-PSM-OM", "1/config/name = 0/1-PSM-OM"));
+    EXPECT_EQ(get_path(module_path(3), Kind::get_config).size(), 14U);
+}
+
+} // namespace
