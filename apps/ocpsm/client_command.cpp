@@ -1,9 +1,11 @@
 #include "client_command.hpp"
 
+#include <algorithm>
 #include <functional>
 #include <iostream>
 #include <string_view>
 
+#include "bench/error.hpp"
 #include "bench/framework/session.hpp"
 #include "bench/line_system/device.hpp"
 #include "messages.hpp"
@@ -99,6 +101,10 @@ int run_edit(const ClientOptions &options, const Edit &edit, std::ostream &outpu
 } // namespace
 
 int get_command(const ClientOptions &options, std::ostream &output, std::ostream &errors) {
+    if (std::find(options.paths.begin(), options.paths.end(), "") != options.paths.end()) {
+        throw bench::Error(bench::Error::Source::input, {}, {}, "a path is empty",
+                           "name a path, or none to read everything");
+    }
     const std::string filter = options.filter.empty() ? std::string() : read_request(options.filter, std::cin);
     const auto kind = options.configuration_only ? framework::Kind::get_config : framework::Kind::get;
     const OpenLineSystem opened(options.state);

@@ -9,8 +9,9 @@ namespace ocpsm {
 namespace {
 
 constexpr char units[] =
-    "Thresholds and powers are in dBm; hysteresis, relative threshold, offset and attenuations in dB; both with two\n"
-    "decimal places, of which a device keeps the first when it is set. Times are in milliseconds.\n"
+    "Thresholds and powers are in dBm; hysteresis, relative threshold, offset and attenuations in dB; times in\n"
+    "milliseconds. What is set in dBm and dB is kept in steps of 0.1, cut towards zero; powers are read in steps of "
+    "0.01.\n"
     "A path is /aps/aps-modules/aps-module[name=0/1-PSM-OM]/config/revertive or any step on the way.";
 
 struct ClientLine {
@@ -45,10 +46,9 @@ CLI::App &add_client_command(CLI::App &app, Program &program, const std::string 
 }
 
 void add_dry_run(CLI::App &command, ClientLine &line) {
-    CLI::Option *dry_run = command.add_flag("--dry-run", line.options.dry_run,
-                                            "Print the native operations and what they change, and change nothing");
-    add_format_option(command, line.format, "Print the native request of a dry run in json or xml");
-    command.get_option("--format")->needs(dry_run);
+    command.add_flag("--dry-run", line.options.dry_run,
+                     "Print the native operations and what they change, and change nothing");
+    add_format_option(command, line.format, "Print the native request of a dry run whole, in json or xml");
 }
 
 } // namespace

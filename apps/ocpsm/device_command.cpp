@@ -105,7 +105,7 @@ int device_init_command(const DeviceOptions &options, std::ostream &output) {
     output << "made a line system in " << options.state.string() << " with ";
     const LineTable table = view(made);
     for (const ModuleRow &module : table.modules) {
-        output << (&module == &table.modules.front() ? "" : " and ") << module.name;
+        output << (&module == &table.modules.front() ? "" : ", ") << module.name;
     }
     output << (table.modules.empty() ? "no module\n" : "\n");
     return exit_done;
