@@ -64,6 +64,12 @@ TEST(Powers, AreNeverBelowDark) {
     EXPECT_EQ(powers(slot), (Powers{{{100, dark}, {-1200, dark}, {dark, -250}}}));
 }
 
+TEST(Powers, AreDarkWithoutLightWhateverTheOffset) {
+    Slot slot = fitted();
+    slot.cabling = {.client_light = dark, .fibres = {{{.cut = true}, {-1400}}}, .transmit_offsets = {10, 20, 30}};
+    EXPECT_EQ(powers(slot), (Powers{{{dark, dark}, {dark, dark}, {-1400, dark}}}));
+}
+
 TEST(Powers, StayWithinTheirNumbers) {
     Slot slot = fitted();
     slot.cabling.client_light = std::numeric_limits<int>::max();

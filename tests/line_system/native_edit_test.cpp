@@ -406,6 +406,15 @@ TEST(NativeEdit, MakesThresholdsAsTheyAreNamed) {
                           return request;
                       }()),
               "data-missing at " + high + "/rx-threshold: it is not there");
+    // Nothing is made to take something away from it.
+    EXPECT_TRUE(apply(after,
+                      [] {
+                          Request request = at_interface("Ots0/2/0/2");
+                          request.put(threshold_path + "/rx-threshold-type", optics, "high", remove, false, 0);
+                          request.put(threshold_path + "/rx-threshold", optics, none, remove, false, 0);
+                          return request;
+                      }()
+                          .net()) == after);
     const LineSystem with_high = apply(blank(), on_threshold(merge, "high").net());
     EXPECT_EQ(refusal(with_high, on_threshold(create, "high")), "data-exists at " + high + ": it is there already");
 }
