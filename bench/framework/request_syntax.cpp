@@ -79,6 +79,9 @@ void scan_xml(std::string_view text) {
         }
         at = text.find('<', end);
     }
+    if (depth != 0) {
+        refuse_malformed("the request ends in the middle of an element");
+    }
 }
 
 // The position behind the string whose opening quote is at `from`.
