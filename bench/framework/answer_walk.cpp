@@ -106,7 +106,8 @@ private:
         const kerrno result = plugin_.callback(callback)(&context_, &node, &context_.destination());
         const kerrno failure = result != KERR_SUCCESS ? result : answer_.failure();
         if (failure != KERR_SUCCESS) {
-            fail(request_, failure, context_.own_refusal().value_or(context_.error_path().value_or(where)));
+            const std::string told = context_.own_refusal().value_or(context_.error_path().value_or(""));
+            fail(request_, failure, told.empty() ? where : told);
         }
     }
 

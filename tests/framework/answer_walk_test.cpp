@@ -1,0 +1,261 @@
+// How the plug-in is called with a native answer, and what becomes of its failures.
+#include "bench/line_system/operations.hpp"
+#include "fake_plugin_answers.hpp"
+#include "session_fixture.hpp"
+
+namespace {
+
+using bench::framework::Answer;
+using bench::framework::Kind;
+using bench::framework::Plugin;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+const std::string active_slot = "/active-nodes/active-node[node-name=0/RP0/CPU0]/slot";
+const std::string interface_entry = "/interface-configurations/interface-configuration[active=act][interface-name=";
+
+// ---- a plug-in that tells how it is called ----
+
+class AnswerWalk : public testing::Test {
+protected:
+    AnswerWalk()
+        : plugin(FAKE_PLUGIN_ANSWERS), fake(*static_cast<FakeAnswers *>(plugin.find(FakeAnswers::symbol))),
+          device(std::in_place,
+                 std::vector<HeldDevice::Leaf>{
+                     {"/performance-management-history/global/periodic/optics-history/optics-port-histories/"
+                      "optics-port-history[name=Ots0/1/0/1]",
+                      ""},
+                     {"/optics-oper/optics-ports/optics-port[name=Ots0/1/0/1]", ""},
+                     {"/preconfigured-nodes/preconfigured-node[node-name=0/RP0/CPU0]/slot[slot-id=3]", ""},
+                     {"/ots-oper/ots-ports/ots-port[name=Ots0/1/0/1]", ""},
+                     {active_slot + "[slot-id=1]", ""},
+                     {active_slot + "[slot-id=2]", ""},
+                     {interface_entry + "Ots0/1/0/1]/optics/optics-ots-rx-voa-attenuation", "1"}}) {
+        fake = {};
+        device->answers_everything = true;
+    }
+
+    Answer read(const std::string &content, Kind kind = Kind::get,
+                const bench::framework::SessionOptions &options = {}) {
+        return bench::framework::read(plugin, modules_text(content), kind, *device, options);
+    }
+
+    // From now on the device has only these leaves, and answers them all.
+    void hold(const std::vector<HeldDevice::Leaf> &leaves) {
+        device.emplace(leaves);
+        device->answers_everything = true;
+    }
+
+    Plugin plugin;
+    FakeAnswers &fake;
+    std::optional<HeldDevice> device;
+};
+
+TEST_F(AnswerWalk, ModelsComeFirstThenWhatAugmentsTheirEntries) {
+    const Answer answer = read("<aps-module/>");
+    EXPECT_EQ(refusal_of(answer), "none");
+    EXPECT_THAT(
+        fake.calls,
+        ElementsAre(
+            "request aps of - below '' depth 0 kind 10 mode 0/0",
+            "interfaces interface-configurations of interface-configurations below '' depth 0 kind 10 mode 0/0",
+            "nodes active-nodes of active-nodes below '' depth 0 kind 10 mode 0/0",
+            "ports ots-oper of ots-oper below '' depth 0 kind 10 mode 0/0",
+            "optics ports optics-oper of optics-oper below '' depth 0 kind 10 mode 0/0",
+            "histories performance-management-history of performance-management-history below '' depth 0 kind 10 mode "
+            "0/0",
+            "map aps of - below '' depth 0 kind 10 mode 0/0",
+            "slot slot of active-nodes below '/active-nodes/active-node' depth 1 kind 10 mode 0/0",
+            "slot slot of active-nodes below '/active-nodes/active-node' depth 1 kind 10 mode 0/0",
+            "preconfigured slot slot of preconfigured-nodes below '/preconfigured-nodes/preconfigured-node' depth 1 "
+            "kind 10 mode 0/0",
+            "optics optics of interface-configurations below '/interface-configurations/interface-configuration' depth "
+            "1 kind 10 mode 0/0"));
+    EXPECT_THAT(leaves_of(answer.tree), ElementsAre("1/name = 0/1-PSM-OM"));
+}
+
+TEST_F(AnswerWalk, TheContextShowsKindAndSelectionAndTheMapIsMadeInSilence) {
+    hold({{interface_entry + "Ots0/1/0/1]", ""}});
+    read("<aps-module><state><active-path/><revertive/></state></aps-module>", Kind::get,
+         {.check_values = true, .log = true, .trace = true});
+    EXPECT_THAT(fake.calls,
+                ElementsAre("request aps of - below '' depth 0 kind 10 mode 0/0 traced logged",
+                            "interfaces interface-configurations of interface-configurations below '' depth 0 kind 10 "
+                            "mode 2/3 traced logged",
+                            "map aps of - below '' depth 0 kind 10 mode 0/0"));
+    fake.calls.clear();
+    read("<aps-module><config><revertive/></config></aps-module>", Kind::get_config);
+    EXPECT_EQ(fake.calls.at(1), "interfaces interface-configurations of interface-configurations below '' depth 0 kind "
+                                "0 mode 0/0");
+}
+
+// The map gives slot 1 to the module; slot 2 is nobody's.
+TEST_F(AnswerWalk, TheMapSaysWhichModuleIsCurrent) {
+    fake.revertive = "true";
+    EXPECT_THAT(leaves_of(read("<aps-module/>").tree), ElementsAre("1/name = 0/1-PSM-OM", "1/config/revertive = true"));
+    hold({{interface_entry + "Ots0/1/0/1]", ""}, {active_slot + "[slot-id=2]", ""}});
+    EXPECT_THAT(leaves_of(read("<aps-module/>").tree), ElementsAre("1/name = 0/1-PSM-OM"));
+}
+
+TEST_F(AnswerWalk, AnEmptyAnswerCallsNobody) {
+    hold({});
+    EXPECT_THAT(read("<aps-module/>").tree, IsEmpty());
+    EXPECT_THAT(fake.calls, ElementsAre("request aps of - below '' depth 0 kind 10 mode 0/0"));
+}
+
+// ---- failures ----
+
+std::string failure(const std::string &location, const std::string &what) {
+    return "operation-failed|" + location + "|the device's answer cannot be mapped: " + what + "||";
+}
+
+TEST_F(AnswerWalk, AWalkerThatFailsIsAnErrorOfTheRead) {
+    fake.failing = "ports";
+    fake.code = YMAP_ERR_SKIP;
+    const Answer answer = read("<aps-module/>");
+    EXPECT_EQ(refusal_of(answer), failure("/aps", "YMAP_ERR_SKIP (the node is passed over) in /ots-oper"));
+    EXPECT_THAT(answer.tree, IsEmpty());
+    EXPECT_EQ(fake.calls.size(), 4U); // nobody is called after it
+
+    fake.failing = "optics";
+    fake.code = 0x12345678;
+    EXPECT_EQ(refusal_of(read(module_text("0/1-PSM-OM", "<config/>"))),
+              failure(module_path(1), "0x12345678 (unknown error) in /interface-configurations/"
+                                      "interface-configuration[active='act'][interface-name='Ots0/1/0/1']/optics"));
+}
+
+TEST_F(AnswerWalk, WhereTheWalkerSaysWhereItIsThatIsTold) {
+    fake.failing = "slot";
+    fake.code = YMAP_ERR_INVALID_ARGS;
+    EXPECT_EQ(refusal_of(read("<aps-module/>")),
+              failure("/aps", "YMAP_ERR_INVALID_ARGS (invalid arguments, or a delete with content below it) in "
+                              "/active-nodes/active-node[node-name='0/RP0/CPU0']/slot[slot-id='1']"));
+}
+
+TEST_F(AnswerWalk, AStitchThatFailsIsAnErrorThoughTheWalkerSucceeds) {
+    fake.stitch_leaf = "/config/colour";
+    EXPECT_EQ(refusal_of(read("<aps-module/>")),
+              failure("/aps", "YFW_ERR_UNKNOWN_NODE (the OpenConfig model has no node with this path and namespace) in "
+                              "/interface-configurations"));
+}
+
+TEST_F(AnswerWalk, AReadForTheMapThatFailsIsAnErrorOfTheRead) {
+    fake.failing = "map";
+    fake.code = YMAP_ERR_BAD_TREE;
+    EXPECT_EQ(
+        refusal_of(read("<aps-module/>")),
+        failure("/aps", "YMAP_ERR_BAD_TREE (the request tree is not well formed) in a read of " + module_path(1)));
+}
+
+TEST_F(AnswerWalk, AValueThatTheModelRefusesIsAnErrorWithItsPath) {
+    fake.revertive = "perhaps";
+    // Whether it was selected or not.
+    for (const char *content : {"<aps-module/>", "<aps-module><state/></aps-module>"}) {
+        EXPECT_EQ(refusal_of(read(content)), "operation-failed|" + module_path(1, "/config/revertive") +
+                                                 "|the device's value 'perhaps' is none that the model allows||");
+    }
+}
+
+TEST_F(AnswerWalk, AWalkThatDoesNotEndAsItBeganIsTold) {
+    fake.stays = true;
+    EXPECT_EQ(refusal_of(read("<aps-module/>")),
+              "operation-failed|/aps|the plug-in has not ended its walk of /interface-configurations as it began it||");
+}
+
+TEST_F(AnswerWalk, ARequestThatIsRefusedIsNotAskedOfTheDevice) {
+    fake.failing = "request";
+    fake.code = YMAP_ERR_LIST_KEY;
+    EXPECT_EQ(read("<aps-module/>").error->tag, "missing-element");
+    EXPECT_EQ(fake.calls.size(), 1U);
+}
+
+// A failing read of what stands there ends an edit.
+TEST_F(AnswerWalk, AnEditThatCannotSeeWhatStandsThereIsRefused) {
+    fake.failing = "interfaces";
+    fake.code = YMAP_ERR_BAD_TREE;
+    EXPECT_EQ(refusal_of(bench::framework::edit(plugin, modules_text(module_text("0/1-PSM-OM", "<config/>")), *device)),
+              failure(module_path(1),
+                      "YMAP_ERR_BAD_TREE (the request tree is not well formed) in /interface-configurations"));
+    EXPECT_THAT(device->edits, IsEmpty());
+}
+
+// ---- answers of devices that the line system is not ----
+
+class HeldAnswers : public SessionFixture {
+protected:
+    void SetUp() override { use(bench::line_system::example()); } // its inventory has modules in slots 1 and 3
+
+    Lines read(const std::vector<HeldDevice::Leaf> &leaves, const std::string &path, Kind kind) {
+        HeldDevice held(leaves);
+        const Answer answer = bench::framework::read_paths(plugin(), std::vector{path}, kind, held);
+        EXPECT_EQ(refusal_of(answer), "none");
+        return leaves_of(answer.tree);
+    }
+};
+
+TEST_F(HeldAnswers, AModuleIsFoundByItsSecondaryInterfaceAlone) {
+    const std::vector<HeldDevice::Leaf> leaves{
+        {interface_entry + "Ots0/3/0/2]/optics/rx-thresholds/rx-threshold[rx-threshold-type=low]/rx-threshold", "-281"},
+        {interface_entry + "Ots0/3/0/2]/optics/optics-ots-rx-low-threshold-delta", "9"},
+        {active_slot + "[slot-id=3]/psm/lockout-from", "working"}};
+    for (const std::string &path : {module_path(3), std::string("/")}) {
+        EXPECT_THAT(read(leaves, path, Kind::get_config),
+                    ElementsAre("3/name = 0/3-PSM-OM", "3/config/name = 0/3-PSM-OM",
+                                "3/config/secondary-switch-threshold = -28.1", "3/config/force-to-port = SECONDARY"));
+        // A read of both kinds of data finds it by the primary port, which is not there.
+        EXPECT_THAT(read(leaves, path, Kind::get), IsEmpty());
+    }
+}
+
+TEST_F(HeldAnswers, SettingsOfAModuleThatIsNotInTheInventoryNeverAppear) {
+    const std::vector<HeldDevice::Leaf> leaves{
+        {interface_entry + "Ots0/1/0/1]/optics/optics-ots-rx-voa-attenuation", "11"},
+        {interface_entry + "Ots0/2/0/1]/optics/optics-ots-rx-voa-attenuation", "22"},
+        {interface_entry + "Ots0/2/0/2]/optics/optics-ots-rx-voa-attenuation", "23"},
+        {active_slot + "[slot-id=1]/psm/revertive/wtr", "1"},
+        {active_slot + "[slot-id=2]/psm/revertive/wtr", "2"},
+        {"/preconfigured-nodes/preconfigured-node[node-name=0/RP0/CPU0]/slot[slot-id=1]/psm/revertive/wtr", "3"},
+        {"/ots-oper/ots-ports/ots-port[name=Ots0/2/0/1]/ots-info/port-status", "active"}};
+    for (const bool everything : {false, true}) {
+        HeldDevice held(leaves);
+        held.answers_everything = everything;
+        for (const Kind kind : {Kind::get, Kind::get_config}) {
+            const Answer all = bench::framework::read_paths(plugin(), {}, kind, held);
+            Lines configuration;
+            for (const std::string &line : leaves_of(all.tree)) {
+                if (line.find("/state/") == std::string::npos) {
+                    configuration.push_back(line);
+                }
+                EXPECT_TRUE(line.starts_with("1/")) << line;
+            }
+            EXPECT_THAT(configuration, ElementsAre("1/name = 0/1-PSM-OM", "1/config/name = 0/1-PSM-OM",
+                                                   "1/config/wait-to-restore-time = 1",
+                                                   "1/ports/line-primary-in/config/target-attenuation = 1.1"));
+            const Answer one = bench::framework::read_paths(plugin(), std::vector{module_path(2)}, kind, held);
+            EXPECT_EQ(refusal_of(one), "none");
+            EXPECT_THAT(leaves_of(one.tree), IsEmpty());
+        }
+    }
+}
+
+// A device that answers more than it was asked does not change what the client gets.
+TEST_F(HeldAnswers, ANamedReadIsAnsweredWithItsModuleWhateverTheDeviceAnswers) {
+    HeldDevice held({{interface_entry + "Ots0/1/0/1]", ""},
+                     {interface_entry + "Ots0/3/0/1]", ""},
+                     {active_slot + "[slot-id=1]/psm/revertive/wtr", "1"},
+                     {active_slot + "[slot-id=3]/psm/revertive/wtr", "3"}});
+    held.answers_everything = true;
+    const Answer answer = bench::framework::read_paths(plugin(), std::vector{module_path(3)}, Kind::get_config, held);
+    EXPECT_THAT(leaves_of(answer.tree),
+                ElementsAre("3/name = 0/3-PSM-OM", "3/config/name = 0/3-PSM-OM", "3/config/wait-to-restore-time = 3"));
+}
+
+TEST_F(HeldAnswers, EntriesThatAreNoModulesArePassedOver) {
+    EXPECT_THAT(read({{interface_entry + "Ots0/1/0/0]", ""},
+                      {interface_entry + "GigabitEthernet0/0]", ""},
+                      {interface_entry + "Ots0/3/0/1]", ""}},
+                     "/", Kind::get_config),
+                ElementsAre("3/name = 0/3-PSM-OM", "3/config/name = 0/3-PSM-OM"));
+}
+
+} // namespace
