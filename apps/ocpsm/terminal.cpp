@@ -9,6 +9,7 @@
 #include <curses.h>
 
 #include "bench/error.hpp"
+#include "terminal_type.hpp"
 
 namespace ocpsm {
 namespace {
@@ -24,7 +25,8 @@ SCREEN *open_screen() {
                     "run it in a terminal, or print the table once with ocpsm device show");
     }
     const char *type = std::getenv("TERM"); // NOLINT(concurrency-mt-unsafe)
-    SCREEN *screen = newterm(nullptr, stdout, stdin);
+    // Asked first, because opening the screen of an unknown type loses memory.
+    SCREEN *screen = terminal_type_is_known() ? newterm(nullptr, stdout, stdin) : nullptr;
     if (screen == nullptr) {
         throw Error(Error::Source::input, {}, {},
                     type == nullptr || *type == '\0' ? std::string("the type of the terminal is not known")

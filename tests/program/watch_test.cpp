@@ -1,0 +1,226 @@
+// Watching a line system in a terminal. Takes the program's file from the environment variable OCPSM.
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "pseudo_terminal.hpp"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class Watch : public testing::Test {
+protected:
+    Watch() {
+        std::string name = (std::filesystem::temp_directory_path() / "watch-XXXXXX").string();
+        directory = mkdtemp(name.data());
+        run("device init");
+    }
+    ~Watch() override { std::filesystem::remove_all(directory); }
+
+    std::string state() const { return directory + "/system"; }
+    static std::string program() { return std::getenv("OCPSM"); }
+
+    // What a command prints on both streams, and its exit code in a last line when it is not 0.
+    std::string run(const std::string &arguments) const {
+        const std::string command = program() + " " + arguments + " --state " + state() + " 2>&1";
+        std::FILE *pipe = popen(command.c_str(), "r");
+        std::string printed;
+        for (int character = std::fgetc(pipe); character != EOF; character = std::fgetc(pipe)) {
+            printed.push_back(static_cast<char>(character));
+        }
+        const int status = pclose(pipe);
+        return status == 0 ? printed : printed + "[" + std::to_string(WEXITSTATUS(status)) + "]";
+    }
+
+    std::vector<std::string> command() const { return {program(), "watch", "--state", state()}; }
+
+    static bool shows(const Screen &screen, const std::string &text) {
+        for (const std::string &row : screen.rows()) {
+            if (row.find(text) != std::string::npos) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    // The terminal is as it was before: neither the screen nor a setting is left changed.
+    static void expect_untouched(const TerminalChild &child, const termios &before) {
+        const termios after = child.settings();
+        EXPECT_EQ(after.c_iflag, before.c_iflag);
+        EXPECT_EQ(after.c_oflag, before.c_oflag);
+        EXPECT_EQ(after.c_cflag, before.c_cflag);
+        EXPECT_EQ(after.c_lflag, before.c_lflag);
+        EXPECT_THAT(after.c_cc, testing::ElementsAreArray(before.c_cc));
+        EXPECT_FALSE(child.screen().alternate());
+        EXPECT_TRUE(child.screen().cursor_shown());
+        EXPECT_EQ(child.screen().unknown(), "");
+    }
+
+    std::string directory;
+};
+
+// All of the screen but the time, which runs.
+TEST_F(Watch, ShowsTheTableAndTheKeys) {
+    TerminalChild child(command());
+    ASSERT_TRUE(child.wait_until([](const Screen &screen) { return shows(screen, "q quit"); }));
+    EXPECT_TRUE(child.screen().alternate());
+    EXPECT_FALSE(child.screen().cursor_shown());
+    std::vector<std::string> rows = child.screen().rows();
+    EXPECT_THAT(rows.front(), testing::MatchesRegex("time [0-9]+\\.[0-9] s"));
+    rows.erase(rows.begin());
+    EXPECT_THAT(rows, ElementsAre("", "              receive     switch      receive  transmit     transmit",
+                                  "                power  threshold  attenuation     power  attenuation",
+                                  "                  dBm        dBm           dB       dBm           dB  fibre", "",
+                                  "0/1-PSM-OM  active path PRIMARY; reverts after 10.0 s",
+                                  "* primary      -12.34     -25.00         2.50     -2.15         1.00  whole",
+                                  "  secondary    -15.87     -28.00         1.50     -2.23         1.00  whole", "",
+                                  "0/3-PSM-OM  active path SECONDARY; relative threshold 3.00 dB, offset 0.50 dB",
+                                  "  primary      -40.00     -26.50         0.00     -2.51         0.00  cut",
+                                  "* secondary    -16.59     -30.00         0.75     -2.48         0.00  whole", "", "",
+                                  "up/down choose a line   c cut its fibre   s splice it   q quit", "", "", "", "", "",
+                                  "", "", ""));
+    EXPECT_THAT(child.screen().highlighted(),
+                ElementsAre("* primary      -12.34     -25.00         2.50     -2.15         1.00  whole"));
+}
+
+TEST_F(Watch, LetsTimePassAndTheSwitchAct) {
+    TerminalChild child(command());
+    ASSERT_TRUE(child.wait_until([](const Screen &screen) { return shows(screen, "time 0.3 s"); }));
+    child.type("c");
+    ASSERT_TRUE(child.wait_until([](const Screen &screen) {
+        return shows(screen, "0/1-PSM-OM  active path SECONDARY; reverts after 10.0 s") &&
+               shows(screen, "  primary      -40.00     -25.00         2.50     -2.15         1.00  cut") &&
+               shows(screen, "* secondary    -15.87");
+    }));
+    child.type("s");
+    ASSERT_TRUE(child.wait_until([](const Screen &screen) { return shows(screen, "reverts in "); }));
+    EXPECT_TRUE(
+        child.wait_until([](const Screen &screen) { return shows(screen, "0/1-PSM-OM  active path PRIMARY"); }));
+    child.type("q");
+    EXPECT_EQ(child.wait_for_end(), 0);
+    EXPECT_THAT(run("get '/aps/aps-modules/aps-module[name=0/1-PSM-OM]/state/active-path'"), HasSubstr(":PRIMARY"));
+}
+
+TEST_F(Watch, CutsAndSplicesTheChosenLine) {
+    TerminalChild child(command());
+    ASSERT_TRUE(child.wait_until([](const Screen &screen) { return shows(screen, "q quit"); }));
+    child.type("\x1bOB\x1bOBs"); // down, down
+    ASSERT_TRUE(child.wait_until([](const Screen &screen) {
+        return screen.highlighted() ==
+               std::vector<std::string>{"  primary      -16.12     -26.50         0.00     -2.51         0.00  whole"};
+    }));
+    child.type("\x1bOA"); // up
+    child.type("c");
+    ASSERT_TRUE(child.wait_until([](const Screen &screen) {
+        return screen.highlighted() ==
+               std::vector<std::string>{"  secondary    -40.00     -28.00         1.50     -2.23         1.00  cut"};
+    }));
+    // What another process does is seen too, and a key for a module that has gone meanwhile does no harm.
+    EXPECT_EQ(run("device pull 1"), "slot 1 is empty\n");
+    child.type("c");
+    EXPECT_TRUE(child.wait_until([](const Screen &screen) { return !shows(screen, "0/1-PSM-OM"); }));
+    child.type("x");
+    child.type("q");
+    EXPECT_EQ(child.wait_for_end(), 0);
+}
+
+TEST_F(Watch, LeavesTheTerminalAsItWasWhenTheUserQuits) {
+    TerminalChild child(command());
+    const termios before = child.settings();
+    ASSERT_TRUE(child.wait_until([](const Screen &screen) { return shows(screen, "q quit"); }));
+    EXPECT_NE(child.settings().c_lflag, before.c_lflag);
+    child.type("q");
+    EXPECT_EQ(child.wait_for_end(), 0);
+    expect_untouched(child, before);
+}
+
+class WatchSignal : public Watch, public testing::WithParamInterface<int> {};
+
+TEST_P(WatchSignal, LeavesTheTerminalAsItWasAndEndsByTheSignal) {
+    TerminalChild child(command());
+    const termios before = child.settings();
+    ASSERT_TRUE(child.wait_until([](const Screen &screen) { return shows(screen, "q quit"); }));
+    child.send(GetParam());
+    const int status = child.wait_for_end();
+    ASSERT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), GetParam());
+    expect_untouched(child, before);
+    EXPECT_THAT(run("device tick 0"), HasSubstr("0/1-PSM-OM on PRIMARY")); // the clock is free again
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, WatchSignal, testing::Values(SIGTERM, SIGINT, SIGHUP),
+                         [](const auto &tested) { return std::string(sigabbrev_np(tested.param)); });
+
+TEST_F(Watch, EndsWithCtrlC) {
+    TerminalChild child(command());
+    const termios before = child.settings();
+    ASSERT_TRUE(child.wait_until([](const Screen &screen) { return shows(screen, "q quit"); }));
+    child.type("\x03");
+    const int status = child.wait_for_end();
+    ASSERT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), SIGINT);
+    expect_untouched(child, before);
+}
+
+TEST_F(Watch, FollowsTheSizeOfTheTerminal) {
+    TerminalChild child(command());
+    ASSERT_TRUE(child.wait_until([](const Screen &screen) { return shows(screen, "q quit"); }));
+    child.resize(10, 40);
+    EXPECT_TRUE(child.wait_until([](const Screen &screen) {
+        return screen.rows().front() == "too small: this needs 75 columns and 16 " ||
+               screen.rows().front() == "too small: this needs 75 columns and 16";
+    }));
+    EXPECT_FALSE(shows(child.screen(), "PSM-OM"));
+    child.resize(30, 100);
+    EXPECT_TRUE(child.wait_until([](const Screen &screen) {
+        return shows(screen, "* secondary    -16.59") && shows(screen, "q quit") && !shows(screen, "too small");
+    }));
+    child.type("q");
+    EXPECT_EQ(child.wait_for_end(), 0);
+}
+
+TEST_F(Watch, LetsOneProcessMoveTheTime) {
+    TerminalChild child(command());
+    ASSERT_TRUE(child.wait_until([](const Screen &screen) { return shows(screen, "time 0.1 s"); }));
+    const std::string refused =
+        "ocpsm: error: in-use: the time of the line system in " + state() + " is being moved already by process ";
+    const std::string advice = "; end that ocpsm watch or ocpsm device tick first\n[1]";
+    const std::string tick = run("device tick 100");
+    EXPECT_EQ(tick.substr(0, refused.size()), refused);
+    EXPECT_EQ(tick.substr(tick.size() - advice.size()), advice);
+
+    TerminalChild second(command());
+    const int status = second.wait_for_end();
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+    EXPECT_EQ(second.output().substr(0, refused.size()), refused);
+    EXPECT_FALSE(second.screen().alternate());
+
+    // Edits and cuts go on all the while.
+    EXPECT_EQ(run("device cut 1 secondary"), "slot 1: the secondary fibre is cut\n");
+    EXPECT_TRUE(
+        child.wait_until([](const Screen &screen) { return shows(screen, "  secondary    -40.00     -28.00"); }));
+}
+
+TEST_F(Watch, RefusesATerminalOfUnknownType) {
+    TerminalChild child(command(), "no-such-terminal");
+    const termios before = child.settings();
+    const int status = child.wait_for_end();
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 2);
+    EXPECT_EQ(child.output(), "ocpsm: error: the terminal type no-such-terminal cannot be used; set TERM to its type, "
+                              "e.g. xterm, or print the table once with ocpsm device show\r\n");
+    expect_untouched(child, before);
+}
+
+} // namespace
