@@ -78,6 +78,7 @@ TEST(RequestSyntax, WhatIsCutOffIsRefused) {
     EXPECT_EQ(refusal("<a b='"), malformed + "the request ends in the middle of a tag" + parser_advice);
     EXPECT_EQ(refusal("<!-- a"), malformed + "the request ends in the middle of markup" + parser_advice);
     EXPECT_EQ(refusal("<a><![CDATA["), malformed + "the request ends in the middle of markup" + parser_advice);
+    EXPECT_EQ(refusal("<a><b></b>"), malformed + "the request ends in the middle of an element" + parser_advice);
     EXPECT_EQ(refusal("<?xml"), malformed + "the request ends in the middle of markup" + parser_advice);
     EXPECT_EQ(refusal("{\"a\":{}"), malformed + "the request ends in the middle of a JSON object" + parser_advice);
     EXPECT_EQ(refusal("{\"a"), malformed + "the request ends in the middle of a string" + parser_advice);
