@@ -11,7 +11,8 @@ PortHistory history(const Statistics &received, const Statistics &transmitted) {
     return {.received = {.last = received}, .transmitted = {.last = transmitted}};
 }
 
-LineSettings line_settings(int low, int delta, int rx_attenuation, int tx_attenuation) {
+// A margin counts on the primary line only.
+LineSettings line_settings(int low, std::optional<int> delta, int rx_attenuation, int tx_attenuation) {
     return {.rx_thresholds = {{low_threshold, low}},
             .rx_low_threshold_delta = delta,
             .rx_attenuation = rx_attenuation,
@@ -31,7 +32,7 @@ Slot first_slot() {
                          .relative_threshold = 0,
                          .relative_offset = 0,
                          .lockout_from = ""},
-            .lines = {line_settings(-250, 10, 25, 10), line_settings(-280, 5, 15, 10)},
+            .lines = {line_settings(-250, 10, 25, 10), line_settings(-280, std::nullopt, 15, 10)},
             .cabling = {.client_light = 105,
                         .fibres = {Fibre{.light = -1234}, Fibre{.light = -1587}},
                         .transmit_offsets = {2, -220, -228}}};
@@ -52,7 +53,7 @@ Slot third_slot() {
                          .relative_threshold = 30,
                          .relative_offset = 5,
                          .lockout_from = ""},
-            .lines = {line_settings(-265, 15, 0, 0), line_settings(-300, 0, 8, 0)},
+            .lines = {line_settings(-265, 15, 0, 0), line_settings(-300, std::nullopt, 8, 0)},
             .cabling = {.client_light = 88,
                         .fibres = {Fibre{.light = -1612, .cut = true}, Fibre{.light = -1659}},
                         .transmit_offsets = {-27, -339, -336}}};

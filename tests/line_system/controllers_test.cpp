@@ -113,7 +113,6 @@ TEST(Readings, OfTheExampleAreWhatItsFibresDeliver) {
                                             .rx_attenuation = 75,
                                             .tx_attenuation = 0,
                                             .rx_low_threshold = -300,
-                                            .rx_low_threshold_delta = 0,
                                             .configured_rx_attenuation = 8,
                                             .configured_tx_attenuation = 0,
                                             .configured_rx_threshold = -300,

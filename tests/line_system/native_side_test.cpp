@@ -46,7 +46,8 @@ std::string optics(const std::string &low, const std::string &rx, const std::str
     return below(
         "optics",
         {below("rx-thresholds", {below("rx-threshold", {leaf("rx-threshold-type", "low"), leaf("rx-threshold", low)})}),
-         leaf("optics-ots-rx-voa-attenuation", rx), leaf("optics-ots-rx-low-threshold-delta", delta),
+         leaf("optics-ots-rx-voa-attenuation", rx),
+         delta.empty() ? "" : leaf("optics-ots-rx-low-threshold-delta", delta),
          leaf("optics-ots-tx-voa-attenuation", tx)});
 }
 
@@ -71,7 +72,7 @@ const std::string third_slot = below(
                    below("revertive", {leaf("enable", "false"), leaf("wtr", "300000")}), leaf("lockout-from", "")})});
 
 const std::string first_interfaces = interface("act", "Ots0/1/0/1", optics("-250", "25", "10", "10")) +
-                                     interface("act", "Ots0/1/0/2", optics("-280", "15", "5", "10"));
+                                     interface("act", "Ots0/1/0/2", optics("-280", "15", "", "10"));
 
 std::string lane(const std::string &transmit, const std::string &receive) {
     return below("lane-data", {leaf("transmit-power", transmit), leaf("receive-power", receive),
@@ -121,16 +122,15 @@ const std::vector<std::string> third_ports = {
     port("Ots0/3/0/1",
          {lane("-251", "-4000"), leaf("tx-voa-attenuation", "0"), leaf("rx-voa-attenuation", "0"),
           leaf("port-status", "standby"), leaf("rx-low-threshold", "-265"), leaf("rx-thr-fail-low-delta-val", "15")}),
-    port("Ots0/3/0/2",
-         {lane("-248", "-1659"), leaf("tx-voa-attenuation", "0"), leaf("rx-voa-attenuation", "75"),
-          leaf("port-status", "active"), leaf("rx-low-threshold", "-300"), leaf("rx-thr-fail-low-delta-val", "0")})};
+    port("Ots0/3/0/2", {lane("-248", "-1659"), leaf("tx-voa-attenuation", "0"), leaf("rx-voa-attenuation", "75"),
+                        leaf("port-status", "active"), leaf("rx-low-threshold", "-300")})};
 
 const std::vector<std::string> third_histories = {
     history("Ots0/3/0/1", {"    -2.56 ", "    -2.50 ", "    -2.44 "}, {"   -40.00 ", "   -40.00 ", "   -40.00 "}),
     history("Ots0/3/0/2", {"    -2.55 ", "    -2.47 ", "    -2.40 "}, {"   -16.83 ", "   -16.61 ", "   -16.40 "})};
 
 const std::string third_interfaces = interface("act", "Ots0/3/0/1", optics("-265", "0", "15", "0")) +
-                                     interface("act", "Ots0/3/0/2", optics("-300", "8", "0", "0"));
+                                     interface("act", "Ots0/3/0/2", optics("-300", "8", "", "0"));
 
 TEST(NativeData, OfTheExample) {
     EXPECT_EQ(
@@ -140,9 +140,9 @@ TEST(NativeData, OfTheExample) {
             ports({port("Ots0/1/0/1", {lane("-215", "-1234"), leaf("tx-voa-attenuation", "100"),
                                        leaf("rx-voa-attenuation", "250"), leaf("port-status", "active"),
                                        leaf("rx-low-threshold", "-250"), leaf("rx-thr-fail-low-delta-val", "10")}),
-                   port("Ots0/1/0/2", {lane("-223", "-1587"), leaf("tx-voa-attenuation", "100"),
-                                       leaf("rx-voa-attenuation", "150"), leaf("port-status", "standby"),
-                                       leaf("rx-low-threshold", "-280"), leaf("rx-thr-fail-low-delta-val", "5")}),
+                   port("Ots0/1/0/2",
+                        {lane("-223", "-1587"), leaf("tx-voa-attenuation", "100"), leaf("rx-voa-attenuation", "150"),
+                         leaf("port-status", "standby"), leaf("rx-low-threshold", "-280")}),
                    third_ports[0], third_ports[1]}) +
             optics_ports({optics_port("Ots0/1/0/1"), optics_port("Ots0/1/0/2"), optics_port("Ots0/3/0/1"),
                           optics_port("Ots0/3/0/2")}) +
@@ -158,7 +158,7 @@ TEST(NativeData, OfAPulledModuleIsConfiguredInAdvance) {
     EXPECT_EQ(shown(native_data(pull(example(), 1))),
               below("interface-configurations",
                     {third_interfaces, interface("pre", "Ots0/1/0/1", optics("-250", "25", "10", "10")),
-                     interface("pre", "Ots0/1/0/2", optics("-280", "15", "5", "10"))}) +
+                     interface("pre", "Ots0/1/0/2", optics("-280", "15", "", "10"))}) +
                   node("active-node", {third_slot}) + node("preconfigured-node", {first_slot}) + ports(third_ports) +
                   optics_ports({optics_port("Ots0/3/0/1"), optics_port("Ots0/3/0/2")}) + histories(third_histories));
 }
