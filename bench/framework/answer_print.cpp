@@ -16,7 +16,9 @@ struct FreeTree {
 };
 
 struct FreeText {
-    void operator()(char *text) const noexcept { std::free(text); } // NOLINT(cppcoreguidelines-no-malloc)
+    void operator()(char *text) const noexcept {
+        std::free(text);
+    } // NOLINT(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory)
 };
 
 void require(LY_ERR result) {

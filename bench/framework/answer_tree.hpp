@@ -46,7 +46,7 @@ public:
                          std::string_view namespace_uri);
 
     // Writes a leaf of the entry that the instance path names, which becomes the current one.
-    kerrno stitch(const yfw_map_stitch_entry &entry);
+    kerrno stitch(const yfw_map_stitch_entry &stitched);
 
     // Keeps the first failure of a stitch: the plug-in does not look at it.
     void note_failure(kerrno result);

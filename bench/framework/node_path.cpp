@@ -3,6 +3,7 @@
 #include <libyang/libyang.h>
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "bench/error.hpp"
@@ -158,18 +159,21 @@ RequestNode leaf(const lysc_node &schema, std::string_view value) {
     return node;
 }
 
+void name_entry(RequestNode &node, const Step &step) {
+    for (const Predicate &predicate : step.predicates) {
+        const lysc_node *key = models::Schema::openconfig().child(step.schema, predicate.key);
+        node.children.push_back(leaf(*key, predicate.value));
+    }
+}
+
 // The nodes of a path, one below the other; `last` is what its last step becomes.
 RequestNode nested(const std::vector<Step> &steps, RequestNode last) {
-    const models::Schema &schema = models::Schema::openconfig();
-    for (std::size_t index = steps.size(); index-- > 0;) {
-        RequestNode node = index + 1 == steps.size() ? std::move(last) : element(*steps[index].schema);
-        for (const Predicate &predicate : steps[index].predicates) {
-            node.children.push_back(leaf(*schema.child(steps[index].schema, predicate.key), predicate.value));
-        }
-        if (index + 1 < steps.size()) {
-            node.children.push_back(std::move(last));
-        }
-        last = std::move(node);
+    name_entry(last, steps.back());
+    for (auto step = std::next(steps.rbegin()); step != steps.rend(); ++step) {
+        RequestNode around = element(*step->schema);
+        name_entry(around, *step);
+        around.children.push_back(std::move(last));
+        last = std::move(around);
     }
     return last;
 }

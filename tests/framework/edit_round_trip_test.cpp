@@ -204,6 +204,26 @@ TEST_F(WholeModule, ReplacedConfigurationLosesItsOtherLeavesAndKeepsThePorts) {
                             "3/ports/line-secondary-out/config/target-attenuation = 0.0"));
 }
 
+TEST_F(WholeModule, AllModulesReplacedWithWhatWasReadStayAsTheyAre) {
+    const Answer all = bench::framework::read_paths(plugin(), {}, Kind::get_config, device());
+    for (const char *begin :
+         {"<aps-modules", "<aps xmlns=\"http://openconfig.net/yang/optical-transport-line-protection\""}) {
+        const LineSystem before = system();
+        EXPECT_THAT(changes(with_operation(all.to_xml(), begin, "replace")), IsEmpty());
+        EXPECT_EQ(system(), before);
+    }
+}
+
+TEST_F(WholeModule, AllModulesReplacedWithOneLeafLoseAllOthers) {
+    successful(edit("<aps xmlns=\"http://openconfig.net/yang/optical-transport-line-protection\" "
+                    "xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\"><aps-modules nc:operation='replace'>" +
+                    module_text("0/3-PSM-OM", "<config><revertive>true</revertive></config>") +
+                    "</aps-modules></aps>"));
+    EXPECT_THAT(get_path("/", Kind::get_config),
+                ElementsAre("1/name = 0/1-PSM-OM", "1/config/name = 0/1-PSM-OM", "3/name = 0/3-PSM-OM",
+                            "3/config/name = 0/3-PSM-OM", "3/config/revertive = true"));
+}
+
 TEST_F(WholeModule, ReplacedWithItsKeyAloneLosesEverything) {
     successful(edit(modules_text(module_text("0/1-PSM-OM", "", " nc:operation='replace'"))));
     EXPECT_THAT(get_path(module_path(1), Kind::get_config),
