@@ -1,0 +1,241 @@
+// Edits that are killed: whenever that happens, the line system is as it was or as it was to become. Takes the
+// program's file from the environment variable OCPSM, and the directory with the examples from EXAMPLES.
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/ptrace.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include "bench/line_system/storage.hpp"
+#include "bench/sysdb/client_library.hpp"
+
+namespace {
+
+namespace sysdb = bench::sysdb;
+using Words = std::vector<std::string>;
+using Records = std::map<std::string, std::string>; // every record of every table, by table and key
+
+// A child that stops at each of its system calls, before and after.
+class TracedChild {
+public:
+    explicit TracedChild(const Words &command) {
+        Words words = command;
+        std::vector<char *> arguments;
+        for (std::string &word : words) {
+            arguments.push_back(word.data());
+        }
+        arguments.push_back(nullptr);
+        child_ = fork();
+        if (child_ == 0) {
+            // A leak check cannot be made under a tracer.
+            setenv("ASAN_OPTIONS", "detect_leaks=0:exitcode=99", 1);
+            const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+            dup2(nowhere, STDOUT_FILENO);
+            if (ptrace(PTRACE_TRACEME, 0, 0, 0) == 0) {
+                execv(arguments.front(), arguments.data());
+            }
+            _exit(127);
+        }
+        wait();
+        if (!running_) {
+            throw std::runtime_error("cannot trace " + command.front());
+        }
+        ptrace(PTRACE_SETOPTIONS, child_, 0, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
+    }
+    TracedChild(const TracedChild &) = delete;
+    TracedChild &operator=(const TracedChild &) = delete;
+    ~TracedChild() { kill_now(); }
+
+    // Goes on to the beginning of the next system call. False when the child has ended instead.
+    bool next_call() {
+        while (running_) {
+            ptrace(PTRACE_SYSCALL, child_, 0, 0);
+            wait();
+            if (running_ && WIFSTOPPED(status_) && WSTOPSIG(status_) == (SIGTRAP | 0x80)) {
+                inside_ = !inside_;
+                if (inside_) {
+                    return true;
+                }
+            }
+        }
+        return false;
+    }
+
+    // Whether the call at whose beginning the child stands names this file.
+    bool names(const std::string &file) const {
+        __ptrace_syscall_info call{};
+        ptrace(PTRACE_GET_SYSCALL_INFO, child_, sizeof call, &call);
+        return (call.entry.nr == SYS_openat || call.entry.nr == SYS_newfstatat) && text_at(call.entry.args[1]) == file;
+    }
+
+    void kill_now() {
+        if (running_) {
+            kill(child_, SIGKILL);
+            while (running_) {
+                wait();
+            }
+        }
+    }
+
+    int exit_code() const { return WIFEXITED(status_) ? WEXITSTATUS(status_) : -1; }
+
+private:
+    void wait() { running_ = waitpid(child_, &status_, 0) == child_ && WIFSTOPPED(status_); }
+
+    std::string text_at(std::uint64_t address) const {
+        std::string text;
+        for (; text.size() < 4096; address += sizeof(long)) {
+            errno = 0;
+            const long word = ptrace(PTRACE_PEEKDATA, child_, address, 0);
+            std::array<char, sizeof word> bytes{};
+            std::memcpy(bytes.data(), &word, sizeof word);
+            const std::size_t length = strnlen(bytes.data(), bytes.size());
+            text.append(bytes.data(), errno == 0 ? length : 0);
+            if (errno != 0 || length < bytes.size()) {
+                break;
+            }
+        }
+        return text;
+    }
+
+    pid_t child_ = -1;
+    int status_ = 0;
+    bool running_ = true;
+    bool inside_ = false;
+};
+
+class Crash : public testing::Test {
+protected:
+    Crash() {
+        std::string name = (std::filesystem::temp_directory_path() / "crash-XXXXXX").string();
+        directory = mkdtemp(name.data());
+        bench::line_system::create(client.store(), directory / "template", bench::line_system::example());
+        client.store().close();
+        restore();
+    }
+    ~Crash() override { std::filesystem::remove_all(directory); }
+
+    std::filesystem::path state() const { return directory / "system"; }
+
+    void restore() const {
+        std::filesystem::remove_all(state());
+        std::filesystem::copy(directory / "template", state());
+    }
+
+    Words command(const Words &arguments) const {
+        Words words = {std::getenv("OCPSM")};
+        words.insert(words.end(), arguments.begin(), arguments.end());
+        words.insert(words.end(), {"--state", state().string()});
+        return words;
+    }
+
+    // Everything that is stored. A writer can begin, too: the one that was killed does not hold it up.
+    Records records() const {
+        Records all;
+        sysdb::Store &store = client.store();
+        store.open(state(), sysdb::Store::Mode::existing);
+        {
+            const auto transaction = store.write();
+            for (std::size_t table = 0; table < sysdb::table_count; ++table) {
+                transaction->for_each(static_cast<sysdb::Table>(table), "",
+                                      [&](std::string_view key, std::string_view value) {
+                                          all[std::to_string(table) + " " + std::string(key)] = value;
+                                          return true;
+                                      });
+            }
+            bench::line_system::load(*transaction);
+        }
+        store.close();
+        return all;
+    }
+
+    // Kills the command at the beginning of each of its system calls in turn, from the first that concerns the state
+    // on. Crashes pile up on the same directory for as long as it stays as it was. Returns their number.
+    int crash_everywhere(const Words &arguments) {
+        const Records before = records();
+        {
+            TracedChild whole(command(arguments));
+            while (whole.next_call()) {
+            }
+            EXPECT_EQ(whole.exit_code(), 0);
+        }
+        const Records after = records();
+        EXPECT_NE(before, after);
+        restore();
+
+        int calls = 0;
+        int unchanged = 0;
+        bool changed_once = false;
+        for (bool ended = false; !ended && !HasFailure(); calls += ended ? 0 : 1) {
+            TracedChild child(command(arguments));
+            ended = !stop_at_call(child, calls);
+            child.kill_now();
+            const Records now = records();
+            const bool changed = now == after;
+            EXPECT_TRUE(changed || now == before) << "killed at call " << calls;
+            EXPECT_TRUE(changed || !changed_once) << "killed at call " << calls;
+            changed_once = changed;
+            unchanged += changed ? 0 : 1;
+            if (changed) {
+                restore();
+            }
+            if (ended) {
+                EXPECT_EQ(child.exit_code(), 0);
+                EXPECT_TRUE(changed);
+            }
+        }
+        // Crashes on both sides of the moment in which it becomes valid.
+        EXPECT_GT(unchanged, 20);
+        EXPECT_GT(calls - unchanged, 5);
+        RecordProperty("crashes", calls);
+        return calls;
+    }
+
+    // Goes on to the call with this number, from 0, counted from the first that concerns the state on.
+    bool stop_at_call(TracedChild &child, int number) const {
+        const std::string file = (state() / "data.mdb").string();
+        do {
+            if (!child.next_call()) {
+                return false;
+            }
+        } while (!child.names(file));
+        for (; number > 0; --number) {
+            if (!child.next_call()) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    const sysdb::Client client;
+    std::filesystem::path directory;
+};
+
+TEST_F(Crash, LeavesOneSettingAsItWasOrAsItIsToBe) {
+    EXPECT_GE(crash_everywhere(
+                  {"set", "/aps/aps-modules/aps-module[name=0/1-PSM-OM]/config/primary-switch-threshold", "-18.5"}),
+              100);
+}
+
+TEST_F(Crash, LeavesAWholeContainerAsItWasOrAsItIsToBe) {
+    EXPECT_GE(crash_everywhere({"edit", std::string(std::getenv("EXAMPLES")) + "/replace-config.xml"}), 100);
+}
+
+TEST_F(Crash, LeavesTheLineSystemAsItWasOrAMomentLater) {
+    EXPECT_GE(crash_everywhere({"device", "tick", "30000"}), 50);
+}
+
+} // namespace
