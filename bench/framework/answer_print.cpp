@@ -17,8 +17,8 @@ struct FreeTree {
 
 struct FreeText {
     void operator()(char *text) const noexcept {
-        std::free(text);
-    } // NOLINT(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory)
+        std::free(text); // NOLINT(cppcoreguidelines-no-malloc, cppcoreguidelines-owning-memory)
+    }
 };
 
 void require(LY_ERR result) {
