@@ -32,7 +32,7 @@ protected:
 
     // What a command prints on both streams, and its exit code in a last line when it is not 0.
     std::string run(const std::string &arguments) const {
-        const std::string command = program() + " " + arguments + " --state " + state() + " 2>&1";
+        const std::string command = "'" + program() + "' " + arguments + " --state '" + state() + "' 2>&1";
         std::FILE *pipe = popen(command.c_str(), "r");
         std::string printed;
         for (int character = std::fgetc(pipe); character != EOF; character = std::fgetc(pipe)) {
