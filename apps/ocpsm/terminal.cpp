@@ -65,7 +65,7 @@ ScreenSize Terminal::size() const {
     return {getmaxy(stdscr), getmaxx(stdscr)};
 }
 
-void Terminal::show(const std::vector<ScreenLine> &lines) {
+void Terminal::show(const std::vector<ScreenLine> &lines) const {
     const ScreenSize available = size();
     werase(stdscr);
     for (int row = 0; row < available.rows && row < static_cast<int>(lines.size()); ++row) {

@@ -33,7 +33,7 @@ public:
     ScreenSize size() const;
 
     // Replaces what is on the screen.
-    void show(const std::vector<ScreenLine> &lines);
+    void show(const std::vector<ScreenLine> &lines) const;
 
     // The next key that has been pressed; does not wait.
     Key key();

@@ -238,6 +238,7 @@ TerminalChild::TerminalChild(const std::vector<std::string> &command, const std:
     fcntl(terminal_, F_SETFD, FD_CLOEXEC);
     std::vector<char *> arguments;
     std::vector<std::string> words = command;
+    arguments.reserve(words.size() + 1);
     for (std::string &word : words) {
         arguments.push_back(word.data());
     }

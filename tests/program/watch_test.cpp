@@ -1,4 +1,4 @@
-// Watching a line system in a terminal. Takes the program's file from the environment variable OCPSM.
+// Watching a line system in a terminal. The build names the program's file, OCPSM_PROGRAM.
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -19,16 +19,18 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 
 class Watch : public testing::Test {
+public:
+    ~Watch() override { std::filesystem::remove_all(directory); }
+
 protected:
     Watch() {
         std::string name = (std::filesystem::temp_directory_path() / "watch-XXXXXX").string();
         directory = mkdtemp(name.data());
         run("device init");
     }
-    ~Watch() override { std::filesystem::remove_all(directory); }
 
     std::string state() const { return directory + "/system"; }
-    static std::string program() { return std::getenv("OCPSM"); }
+    static std::string program() { return OCPSM_PROGRAM; }
 
     // What a command prints on both streams, and its exit code in a last line when it is not 0.
     std::string run(const std::string &arguments) const {
