@@ -5,18 +5,18 @@
 #include <iostream>
 #include <string_view>
 
-#include "bench/error.hpp"
-#include "bench/framework/session.hpp"
-#include "bench/line_system/device.hpp"
+#include "framework/error.hpp"
+#include "framework/session.hpp"
 #include "messages.hpp"
 #include "open_line_system.hpp"
+#include "simulator/line_system/line_system_device.hpp"
 
 namespace ocpsm {
 namespace {
 
-namespace framework = bench::framework;
-using bench::line_system::LineSystemDevice;
+namespace framework = ocpsm::framework;
 using framework::Plugin;
+using ocpsm::line_system::LineSystemDevice;
 
 framework::SessionOptions session_options(const ClientOptions &options) {
     framework::SessionOptions session;
@@ -50,14 +50,14 @@ std::string shown(const std::optional<std::string> &value) {
     return value->empty() ? "\"\"" : on_one_line(*value);
 }
 
-void print_native(const bench::native::NetRequest &native, std::optional<Format> format, std::ostream &output) {
+void print_native(const ocpsm::native::NetRequest &native, std::optional<Format> format, std::ostream &output) {
     if (format) {
         output << (*format == Format::json ? native.to_json() : native.to_xml());
         return;
     }
     output << "native operations:\n";
-    for (const bench::native::NativeOperation &operation : native.operations()) {
-        output << "  " << bench::native::operation_name(operation.operation) << " " << on_one_line(operation.path);
+    for (const ocpsm::native::NativeOperation &operation : native.operations()) {
+        output << "  " << ocpsm::native::operation_name(operation.operation) << " " << on_one_line(operation.path);
         if (operation.value) {
             output << " = " << shown(operation.value);
         }
@@ -75,7 +75,7 @@ void print_changes(const std::vector<framework::Change> &changes, std::string_vi
     }
 }
 
-using Edit = std::function<framework::EditResult(const Plugin &plugin, bench::native::Device &device)>;
+using Edit = std::function<framework::EditResult(const Plugin &plugin, ocpsm::native::Device &device)>;
 
 int run_edit(const ClientOptions &options, const Edit &edit, std::ostream &output, std::ostream &errors) {
     const OpenLineSystem opened(options.state);
@@ -102,7 +102,7 @@ int run_edit(const ClientOptions &options, const Edit &edit, std::ostream &outpu
 
 int get_command(const ClientOptions &options, std::ostream &output, std::ostream &errors) {
     if (std::find(options.paths.begin(), options.paths.end(), "") != options.paths.end()) {
-        throw bench::Error(bench::Error::Source::input, {}, {}, "a path is empty",
+        throw ocpsm::Error(ocpsm::Error::Source::input, {}, {}, "a path is empty",
                            "name a path, or none to read everything");
     }
     const std::string filter = options.filter.empty() ? std::string() : read_request(options.filter, std::cin);
@@ -130,7 +130,7 @@ int edit_command(const ClientOptions &options, std::ostream &output, std::ostrea
     const std::string text = read_request(options.file, std::cin);
     return run_edit(
         options,
-        [&](const Plugin &plugin, bench::native::Device &device) {
+        [&](const Plugin &plugin, ocpsm::native::Device &device) {
             return framework::edit(plugin, text, device, session_options(options));
         },
         output, errors);
@@ -139,7 +139,7 @@ int edit_command(const ClientOptions &options, std::ostream &output, std::ostrea
 int set_command(const ClientOptions &options, std::ostream &output, std::ostream &errors) {
     return run_edit(
         options,
-        [&](const Plugin &plugin, bench::native::Device &device) {
+        [&](const Plugin &plugin, ocpsm::native::Device &device) {
             return framework::set_leaf(plugin, options.path, options.value, device, session_options(options));
         },
         output, errors);
@@ -148,7 +148,7 @@ int set_command(const ClientOptions &options, std::ostream &output, std::ostream
 int delete_command(const ClientOptions &options, std::ostream &output, std::ostream &errors) {
     return run_edit(
         options,
-        [&](const Plugin &plugin, bench::native::Device &device) {
+        [&](const Plugin &plugin, ocpsm::native::Device &device) {
             return framework::delete_node(plugin, options.path, device, session_options(options));
         },
         output, errors);

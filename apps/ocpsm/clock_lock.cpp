@@ -7,7 +7,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "bench/error.hpp"
+#include "framework/error.hpp"
 
 namespace ocpsm {
 namespace {
@@ -30,7 +30,7 @@ std::string holder(int file) {
 
 // A lock of the fcntl kind: it tells who has it.
 ClockLock::ClockLock(const std::filesystem::path &state) {
-    using bench::Error;
+    using ocpsm::Error;
     const std::filesystem::path name = state / "clock.lock";
     file_ = open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666); // NOLINT(cppcoreguidelines-pro-type-vararg)
     if (file_ < 0) {

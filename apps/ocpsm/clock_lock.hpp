@@ -10,7 +10,7 @@ namespace ocpsm {
 // process takes it once.
 class ClockLock {
 public:
-    // Takes the lock of a state directory. Throws bench::Error: refused (in-use) naming the process that has it, input
+    // Takes the lock of a state directory. Throws ocpsm::Error: refused (in-use) naming the process that has it, input
     // when the lock's file cannot be made.
     explicit ClockLock(const std::filesystem::path &state);
     ClockLock(const ClockLock &) = delete;

@@ -1,5 +1,5 @@
 // What the program does, a function per subcommand. Each prints its result to `output` and returns the exit code; what
-// goes wrong leaves it as bench::Error.
+// goes wrong leaves it as ocpsm::Error.
 #ifndef OCPSM_COMMANDS_HPP
 #define OCPSM_COMMANDS_HPP
 
@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "bench/framework/translation.hpp"
+#include "framework/translation.hpp"
 #include "request_input.hpp"
 
 namespace ocpsm {
@@ -19,7 +19,7 @@ inline constexpr int exit_bad_input = 2; // bad usage or unreadable input
 
 struct RequestOptions {
     std::string file;                           // "-": standard input
-    std::optional<bench::framework::Kind> kind; // absent: what the text says
+    std::optional<ocpsm::framework::Kind> kind; // absent: what the text says
     std::optional<Format> format;               // of the output; absent: the input's
     bool log = false;                           // the plug-in's debug log to `errors`
     bool trace = false;                         // its trace buffer to `errors`

@@ -2,9 +2,9 @@
 
 #include <ostream>
 
-#include "bench/framework/plugin.hpp"
 #include "coverage.hpp"
 #include "device.hpp"
+#include "framework/host/plugin.hpp"
 #include "messages.hpp"
 #include "openconfig_model.hpp"
 
@@ -12,8 +12,8 @@ namespace ocpsm {
 
 int coverage_command(const std::filesystem::path &plugin_file, std::ostream &output, std::ostream &errors) {
     // The plug-in's wants are bound when it is loaded, those for the database too.
-    const bench::sysdb::Client database = load_database_client();
-    const bench::framework::Plugin plugin(plugin_file);
+    const ocpsm::sysdb::Client database = load_database_client();
+    const ocpsm::framework::Plugin plugin(plugin_file);
     const std::vector<SchemaNode> model = read_openconfig_model();
     const CoverageResult result =
         check_coverage({model, node_rows(), conversion_rows(), unsupported_rows(), native_rows(), answer_rows(),

@@ -1,12 +1,12 @@
 #include "device.hpp"
 
-#include "bench/line_system/storage.hpp"
 #include "messages.hpp"
+#include "simulator/line_system/storage.hpp"
 
 namespace ocpsm {
 
-namespace line_system = bench::line_system;
-namespace sysdb = bench::sysdb;
+namespace line_system = ocpsm::line_system;
+namespace sysdb = ocpsm::sysdb;
 
 std::filesystem::path library_directory() {
     return std::filesystem::read_symlink("/proc/self/exe").parent_path().parent_path() / "lib";

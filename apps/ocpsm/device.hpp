@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "bench/line_system/temporary_state.hpp"
-#include "bench/sysdb/client_library.hpp"
+#include "simulator/database/client_library.hpp"
+#include "simulator/line_system/temporary_state.hpp"
 
 namespace ocpsm {
 
@@ -17,14 +17,14 @@ namespace ocpsm {
 std::filesystem::path library_directory();
 
 // The system database client, or its stand-in where it is not installed.
-bench::sysdb::Client load_database_client();
+ocpsm::sysdb::Client load_database_client();
 
 // The system database client with a line system behind it. Must be there before the plug-in is loaded, whose database
 // operations it provides.
 class Device {
 public:
     // `state` is the directory of a line system; empty: the built-in example, for the life of this object. Throws
-    // bench::Error for a directory without one. Warns when the database client is not installed: then there is no
+    // ocpsm::Error for a directory without one. Warns when the database client is not installed: then there is no
     // database to read.
     Device(const std::filesystem::path &state, std::ostream &errors);
     Device(const Device &) = delete;
@@ -35,8 +35,8 @@ public:
     const std::vector<std::string> &fitted_modules() const { return fitted_modules_; }
 
 private:
-    bench::sysdb::Client client_;
-    std::optional<bench::line_system::TemporaryState> example_;
+    ocpsm::sysdb::Client client_;
+    std::optional<ocpsm::line_system::TemporaryState> example_;
     std::vector<std::string> fitted_modules_;
 };
 

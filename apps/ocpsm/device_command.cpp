@@ -4,16 +4,16 @@
 #include <array>
 #include <ostream>
 
-#include "bench/line_system/device.hpp"
-#include "bench/line_system/operations.hpp"
 #include "clock_lock.hpp"
 #include "line_system_view.hpp"
 #include "open_line_system.hpp"
+#include "simulator/line_system/line_system_device.hpp"
+#include "simulator/line_system/operations.hpp"
 
 namespace ocpsm {
 namespace {
 
-namespace line_system = bench::line_system;
+namespace line_system = ocpsm::line_system;
 using line_system::LineSystem;
 
 std::string slot_of(const DeviceOptions &options) {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <ostream>
 
-#include "bench/framework/codes.hpp"
-#include "bench/models/models.hpp"
+#include "framework/host/codes.hpp"
+#include "framework/models/models.hpp"
 #include "mapping_table.hpp"
 #include "messages.hpp"
 #include "request_run.hpp"
@@ -12,8 +12,8 @@
 namespace ocpsm {
 namespace {
 
-using bench::framework::AddRecord;
-using bench::framework::Kind;
+using ocpsm::framework::AddRecord;
+using ocpsm::framework::Kind;
 
 constexpr std::string_view walker_prefix = "ymap_o2n_oc_opt_psm_openconfigtransportlineprotection_";
 
@@ -45,7 +45,7 @@ std::string printed_scaling(const AddRecord &add) {
     if (leaf == node_rows().end()) {
         return {};
     }
-    const auto info = bench::models::Schema::openconfig().describe(schema_path(node_rows(), *leaf));
+    const auto info = ocpsm::models::Schema::openconfig().describe(schema_path(node_rows(), *leaf));
     return " [" + describe_value(*row, info ? info->units : std::string_view()) + "]";
 }
 
@@ -53,8 +53,8 @@ std::string printed_operation(const AddRecord &add, Kind kind) {
     std::string text = "read";
     if (kind == Kind::edit) {
         // Without a source the new node carries none, which is merge.
-        const auto operation = static_cast<bench::native::Operation>(add.source_operation.value_or(0));
-        text = bench::native::operation_name(operation);
+        const auto operation = static_cast<ocpsm::native::Operation>(add.source_operation.value_or(0));
+        text = ocpsm::native::operation_name(operation);
     }
     text.append(add.source_operation ? ", source" : ", no source");
     return text + ", flags " + std::to_string(add.first_flag) + " " + std::to_string(add.second_flag);
@@ -70,7 +70,7 @@ void print_add(std::ostream &output, const AddRecord &add, Kind kind) {
     }
     output << " = " << printed_value(add) << printed_scaling(add) << " (" << printed_operation(add, kind) << ")";
     if (add.result != KERR_SUCCESS) {
-        output << " failed: " << bench::framework::name_of(add.result);
+        output << " failed: " << ocpsm::framework::name_of(add.result);
     }
     output << '\n';
 }

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 
-#include "bench/line_system/controllers.hpp"
+#include "simulator/line_system/controllers.hpp"
 
 namespace ocpsm {
 namespace {
 
-namespace line_system = bench::line_system;
+namespace line_system = ocpsm::line_system;
 
 std::string describe_protection(const line_system::Slot &slot, std::uint64_t now) {
     const line_system::SwitchSettings settings = line_system::switch_settings(slot);

@@ -2,12 +2,12 @@
 #ifndef OCPSM_LINE_SYSTEM_VIEW_HPP
 #define OCPSM_LINE_SYSTEM_VIEW_HPP
 
-#include "bench/line_system/line_system.hpp"
 #include "line_table.hpp"
+#include "simulator/line_system/line_system.hpp"
 
 namespace ocpsm {
 
-LineTable view(const bench::line_system::LineSystem &system);
+LineTable view(const ocpsm::line_system::LineSystem &system);
 
 } // namespace ocpsm
 

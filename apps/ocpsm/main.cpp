@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "bench/error.hpp"
 #include "command_line.hpp"
 #include "commands.hpp"
+#include "framework/error.hpp"
 #include "messages.hpp"
 
 namespace ocpsm {
@@ -90,9 +90,9 @@ int run_program(int argc, char **argv) {
         return line.app.exit(help);
     } catch (const CLI::ParseError &error) {
         print_error(std::cerr, usage_error(line.app, error));
-    } catch (const bench::Error &error) {
+    } catch (const ocpsm::Error &error) {
         print_error(std::cerr, {error.tag, error.what(), error.path, {}, error.advice});
-        return error.source == bench::Error::Source::refused ? exit_refused : exit_bad_input;
+        return error.source == ocpsm::Error::Source::refused ? exit_refused : exit_bad_input;
     } catch (const std::exception &error) {
         print_error(std::cerr, {"operation-failed", error.what(), {}, {}, {}});
     }

@@ -7,7 +7,7 @@
 namespace ocpsm {
 namespace {
 
-using bench::framework::Kind;
+using ocpsm::framework::Kind;
 
 constexpr char request_footer[] =
     "The request is the content of a NETCONF <filter> or <config>, with or without that element, or JSON (RFC 7951).\n"

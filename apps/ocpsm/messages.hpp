@@ -26,7 +26,7 @@ void print_warning(std::ostream &errors, std::string_view text);
 // A text that stays on its line: control characters are written as \n, \t or \x1b.
 std::string on_one_line(std::string_view text);
 
-// The lines that a channel of the plug-in has kept, see bench/framework/log_service.hpp.
+// The lines that a channel of the plug-in has kept, see framework/host/log_service.hpp.
 template <class Lines>
 void print_lines(const Lines &lines, std::ostream &errors) {
     for (const auto &line : lines) {

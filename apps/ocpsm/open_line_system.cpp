@@ -1,21 +1,21 @@
 #include "open_line_system.hpp"
 
-#include "bench/error.hpp"
-#include "bench/line_system/storage.hpp"
 #include "device.hpp"
+#include "framework/error.hpp"
+#include "simulator/line_system/storage.hpp"
 
 namespace ocpsm {
 namespace {
 
-namespace line_system = bench::line_system;
-using bench::Error;
+namespace line_system = ocpsm::line_system;
+using ocpsm::Error;
 
 // The database client with the store that everything is kept in.
-bench::sysdb::Client load_installed_client() {
-    bench::sysdb::Client client = load_database_client();
+ocpsm::sysdb::Client load_installed_client() {
+    ocpsm::sysdb::Client client = load_database_client();
     if (!client.installed()) {
         throw Error(Error::Source::input, {}, {},
-                    "the system database's client library " + bench::sysdb::client_library().string() +
+                    "the system database's client library " + ocpsm::sysdb::client_library().string() +
                         " is not there, so no line system can be opened",
                     "install it or build it again");
     }

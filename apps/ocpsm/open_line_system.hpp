@@ -4,8 +4,8 @@
 
 #include <filesystem>
 
-#include "bench/line_system/line_system.hpp"
-#include "bench/sysdb/client_library.hpp"
+#include "simulator/database/client_library.hpp"
+#include "simulator/line_system/line_system.hpp"
 
 namespace ocpsm {
 
@@ -13,24 +13,24 @@ namespace ocpsm {
 // before it ends.
 class OpenLineSystem {
 public:
-    // Opens what is in a directory. Throws bench::Error for a directory without a line system, and where the database
+    // Opens what is in a directory. Throws ocpsm::Error for a directory without a line system, and where the database
     // client is not installed.
     explicit OpenLineSystem(const std::filesystem::path &state);
 
     // Makes a line system in a directory that holds none; the directories on the way are made too.
-    OpenLineSystem(const std::filesystem::path &state, const bench::line_system::LineSystem &made);
+    OpenLineSystem(const std::filesystem::path &state, const ocpsm::line_system::LineSystem &made);
 
     OpenLineSystem(const OpenLineSystem &) = delete;
     OpenLineSystem &operator=(const OpenLineSystem &) = delete;
     ~OpenLineSystem();
 
-    bench::sysdb::Store &store() const { return client_.store(); }
+    ocpsm::sysdb::Store &store() const { return client_.store(); }
 
     // As it stands now.
-    bench::line_system::LineSystem load() const;
+    ocpsm::line_system::LineSystem load() const;
 
 private:
-    bench::sysdb::Client client_;
+    ocpsm::sysdb::Client client_;
 };
 
 } // namespace ocpsm

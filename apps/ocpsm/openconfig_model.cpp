@@ -4,12 +4,12 @@
 
 #include <libyang/libyang.h>
 
-#include "bench/models/models.hpp"
+#include "framework/models/models.hpp"
 
 namespace ocpsm {
 namespace {
 
-namespace models = bench::models;
+namespace models = ocpsm::models;
 
 NodeKind kind_of(models::NodeKind kind) {
     switch (kind) {

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "bench/error.hpp"
+#include "framework/error.hpp"
 
 namespace ocpsm {
 namespace {
@@ -15,7 +15,7 @@ constexpr std::string_view blanks = " \t\r\n";
 constexpr std::string_view byte_order_mark = "\xef\xbb\xbf";
 
 [[noreturn]] void unreadable(const std::string &name, const std::string &reason) {
-    throw bench::Error(bench::Error::Source::input, {}, {}, "cannot read " + name + ": " + reason,
+    throw ocpsm::Error(ocpsm::Error::Source::input, {}, {}, "cannot read " + name + ": " + reason,
                        "name a file with an XML or JSON request, or - for standard input");
 }
 
@@ -82,13 +82,13 @@ Format format_of(std::string_view text) {
     return !text.empty() && text.front() == '{' ? Format::json : Format::xml;
 }
 
-std::optional<bench::framework::Kind> kind_of(std::string_view text) {
+std::optional<ocpsm::framework::Kind> kind_of(std::string_view text) {
     const std::string_view element = first_element(text);
     if (element == "filter") {
-        return bench::framework::Kind::get;
+        return ocpsm::framework::Kind::get;
     }
     if (element == "config") {
-        return bench::framework::Kind::edit;
+        return ocpsm::framework::Kind::edit;
     }
     return std::nullopt;
 }

@@ -7,13 +7,13 @@
 #include <string>
 #include <string_view>
 
-#include "bench/framework/translation.hpp"
+#include "framework/translation.hpp"
 
 namespace ocpsm {
 
 enum class Format { xml, json };
 
-// The text of a file, or of `standard_input` when `name` is "-". Throws bench::Error (input) for one that cannot be
+// The text of a file, or of `standard_input` when `name` is "-". Throws ocpsm::Error (input) for one that cannot be
 // read or holds nothing but blanks.
 std::string read_request(const std::string &name, std::istream &standard_input);
 
@@ -24,7 +24,7 @@ bool looks_like_request(std::string_view text);
 Format format_of(std::string_view text);
 
 // What the text itself says about its kind: an XML <filter> is a get, a <config> an edit; nothing else says it.
-std::optional<bench::framework::Kind> kind_of(std::string_view text);
+std::optional<ocpsm::framework::Kind> kind_of(std::string_view text);
 
 } // namespace ocpsm
 

@@ -2,15 +2,15 @@
 
 #include <iostream>
 
-#include "bench/error.hpp"
 #include "device.hpp"
+#include "framework/error.hpp"
 #include "messages.hpp"
 
 namespace ocpsm {
 namespace {
 
-using bench::framework::Kind;
-using bench::framework::Translation;
+using ocpsm::framework::Kind;
+using ocpsm::framework::Translation;
 
 Kind kind_of_request(const RequestOptions &options, std::string_view text) {
     const std::optional<Kind> kind = options.kind ? options.kind : kind_of(text);
@@ -18,7 +18,7 @@ Kind kind_of_request(const RequestOptions &options, std::string_view text) {
         return Kind::get; // the parser says what is wrong with it
     }
     if (!kind) {
-        throw bench::Error(bench::Error::Source::input, {}, {},
+        throw ocpsm::Error(ocpsm::Error::Source::input, {}, {},
                            "the request does not say whether it is a read or an edit",
                            "add --get, --get-config or --edit");
     }
@@ -31,14 +31,14 @@ RequestRun run_request(const RequestOptions &options, bool keep_trace, std::ostr
     const std::string text = read_request(options.file, std::cin);
     const Kind kind = kind_of_request(options, text);
     const Device device(options.state, errors);
-    const bench::framework::Plugin plugin(options.plugin);
+    const ocpsm::framework::Plugin plugin(options.plugin);
 
-    bench::framework::TranslationOptions translation_options;
+    ocpsm::framework::TranslationOptions translation_options;
     translation_options.check_values = options.check_values;
     translation_options.log = options.log;
     translation_options.trace = options.trace || keep_trace;
     translation_options.fitted_modules = device.fitted_modules();
-    Translation translation = bench::framework::translate(plugin.callback(bench::framework::openconfig_root_walker),
+    Translation translation = ocpsm::framework::translate(plugin.callback(ocpsm::framework::openconfig_root_walker),
                                                           text, kind, translation_options);
 
     if (options.log) {

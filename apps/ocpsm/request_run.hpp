@@ -4,15 +4,15 @@
 
 #include <iosfwd>
 
-#include "bench/framework/translation.hpp"
 #include "commands.hpp"
+#include "framework/translation.hpp"
 
 namespace ocpsm {
 
 struct RequestRun {
-    bench::framework::Kind kind;
+    ocpsm::framework::Kind kind;
     Format format; // of the output
-    bench::framework::Translation translation;
+    ocpsm::framework::Translation translation;
 };
 
 // Reads the request, loads the plug-in and translates. Prints to `errors`, in this order, the log and the trace where
@@ -22,7 +22,7 @@ RequestRun run_request(const RequestOptions &options, bool keep_trace, std::ostr
 
 // The last lines of both subcommands: the result to `output`, and to `errors` why it was refused. Returns the exit
 // code.
-int print_result(const bench::framework::Translation &translation, std::ostream &output, std::ostream &errors);
+int print_result(const ocpsm::framework::Translation &translation, std::ostream &output, std::ostream &errors);
 
 } // namespace ocpsm
 

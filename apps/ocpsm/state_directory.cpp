@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "bench/error.hpp"
+#include "framework/error.hpp"
 
 namespace ocpsm {
 
@@ -12,7 +12,7 @@ std::optional<std::string> process_environment(const std::string &name) {
 }
 
 std::filesystem::path state_directory(const std::optional<std::string> &named, const Environment &environment) {
-    using bench::Error;
+    using ocpsm::Error;
     if (named) {
         if (named->empty()) {
             throw Error(Error::Source::input, {}, {}, "the state directory has no name", "name one with --state DIR");

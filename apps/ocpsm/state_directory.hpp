@@ -17,7 +17,7 @@ std::optional<std::string> process_environment(const std::string &name);
 
 // The directory that was named on the command line; else OCPSM_STATE; else ocpsm below XDG_STATE_HOME, which counts
 // when it is an absolute path; else .local/state/ocpsm below HOME. An empty variable counts as one that is not set.
-// Throws bench::Error (input) for an empty name and where nothing says which directory it is.
+// Throws ocpsm::Error (input) for an empty name and where nothing says which directory it is.
 std::filesystem::path state_directory(const std::optional<std::string> &named, const Environment &environment);
 
 } // namespace ocpsm

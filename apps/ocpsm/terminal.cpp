@@ -8,13 +8,13 @@
 #define NCURSES_NOMACROS 1
 #include <curses.h>
 
-#include "bench/error.hpp"
+#include "framework/error.hpp"
 #include "terminal_type.hpp"
 
 namespace ocpsm {
 namespace {
 
-using bench::Error;
+using ocpsm::Error;
 
 // Of a key that may begin an escape sequence: long enough for a slow line, short enough not to be noticed.
 constexpr int escape_delay = 50; // milliseconds

@@ -23,7 +23,7 @@ struct ScreenSize {
 // Has the screen from its beginning to its end, which leaves the terminal as it was found. One object at a time.
 class Terminal {
 public:
-    // Throws bench::Error (input) when standard input and output are no terminal, or none that can be used.
+    // Throws ocpsm::Error (input) when standard input and output are no terminal, or none that can be used.
     Terminal();
     Terminal(const Terminal &) = delete;
     Terminal &operator=(const Terminal &) = delete;

@@ -11,7 +11,7 @@ int translate_command(const RequestOptions &options, std::ostream &output, std::
     // A refused request changes nothing, so what had been added to it by then says nothing either.
     if (!run.translation.error) {
         for (const auto &handed_over : run.translation.handed_over) {
-            const bench::native::NetRequest net = handed_over.native.net();
+            const ocpsm::native::NetRequest net = handed_over.native.net();
             output << (run.format == Format::json ? net.to_json() : net.to_xml());
         }
     }

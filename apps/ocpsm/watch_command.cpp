@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <chrono>
 
-#include "bench/error.hpp"
-#include "bench/line_system/device.hpp"
-#include "bench/line_system/operations.hpp"
 #include "clock_lock.hpp"
 #include "commands.hpp"
+#include "framework/error.hpp"
 #include "line_system_view.hpp"
 #include "open_line_system.hpp"
+#include "simulator/line_system/line_system_device.hpp"
+#include "simulator/line_system/operations.hpp"
 #include "stop_signals.hpp"
 #include "terminal.hpp"
 #include "watch_screen.hpp"
@@ -17,7 +17,7 @@
 namespace ocpsm {
 namespace {
 
-namespace line_system = bench::line_system;
+namespace line_system = ocpsm::line_system;
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds step{line_system::tick_step};
@@ -82,8 +82,8 @@ private:
                 return change(before, chosen->slot, line);
             })));
             screen_.note({});
-        } catch (const bench::Error &error) {
-            if (error.source != bench::Error::Source::refused) {
+        } catch (const ocpsm::Error &error) {
+            if (error.source != ocpsm::Error::Source::refused) {
                 throw;
             }
             screen_.note(error.what());

@@ -8,8 +8,8 @@
 
 #include <gtest/gtest.h>
 
-#include "bench/bag/format.hpp"
-#include "bench/kerr_table.hpp"
+#include "framework/host/service_codes.hpp"
+#include "simulator/bag/format.hpp"
 
 namespace {
 
@@ -151,16 +151,16 @@ Decoded decode(std::string_view bytes) {
         bag_generic_free_token_allocations(&token);
     }
     if (ended) {
-        expect_final(state, bench::bag::error_past_the_end);
+        expect_final(state, ocpsm::bag::error_past_the_end);
     }
-    EXPECT_LE(decoded.tokens.size(), bytes.size() / bench::bag::token_header_size);
+    EXPECT_LE(decoded.tokens.size(), bytes.size() / ocpsm::bag::token_header_size);
     EXPECT_LE(largest_in_decoder, std::max<std::size_t>(bytes.size(), 512));
     bag_generic_destroy(state);
     return decoded;
 }
 
 kerrno header_of(std::string_view bytes, bag_header_td &header) {
-    const std::size_t size = std::max(bytes.size(), bench::bag::max_header_size);
+    const std::size_t size = std::max(bytes.size(), ocpsm::bag::max_header_size);
     const auto padded = std::make_unique<char[]>(size);
     bytes.copy(padded.get(), bytes.size());
     return bag_header_info(padded.get(), &header);

@@ -5,15 +5,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "bench/bag/encoder.hpp"
-#include "bench/bag/format.hpp"
-#include "bench/kerr_table.hpp"
 #include "decoded_bag.hpp"
+#include "framework/host/service_codes.hpp"
+#include "simulator/bag/encoder.hpp"
+#include "simulator/bag/format.hpp"
 
 namespace {
 
-using bench::bag::Encoder;
-using bench::bag::unnamed;
+using ocpsm::bag::Encoder;
+using ocpsm::bag::unnamed;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using namespace std::string_literals;

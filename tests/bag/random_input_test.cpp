@@ -4,13 +4,13 @@
 
 #include <gtest/gtest.h>
 
-#include "bench/bag/encoder.hpp"
-#include "bench/kerr_table.hpp"
 #include "decoded_bag.hpp"
+#include "framework/host/service_codes.hpp"
+#include "simulator/bag/encoder.hpp"
 
 namespace {
 
-using bench::bag::Encoder;
+using ocpsm::bag::Encoder;
 
 class Random {
 public:
@@ -125,7 +125,7 @@ TEST(RandomBytes, AreNoBag) {
     Random random;
     for (int i = 0; i < 20000; ++i) {
         const kerrno result = decode(random.bytes(random.below(400), 0)).init;
-        ASSERT_TRUE(result == bench::bag::error_not_a_bag || result == bench::bag::error_truncated);
+        ASSERT_TRUE(result == ocpsm::bag::error_not_a_bag || result == ocpsm::bag::error_truncated);
     }
 }
 

@@ -5,14 +5,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "bench/bag/encoder.hpp"
-#include "bench/bag/format.hpp"
 #include "decoded_bag.hpp"
+#include "simulator/bag/encoder.hpp"
+#include "simulator/bag/format.hpp"
 
 namespace {
 
-using bench::bag::Encoder;
-using bench::bag::unnamed;
+using ocpsm::bag::Encoder;
+using ocpsm::bag::unnamed;
 using testing::ElementsAre;
 
 const Token end_of_bag{18, {}, 0, {}};

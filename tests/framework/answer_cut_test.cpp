@@ -1,28 +1,28 @@
 // What of an answer is selected, value checks, and the printed text.
-#include "bench/framework/answer_cut.hpp"
+#include "framework/answer/cut.hpp"
 
 #include <libyang/libyang.h>
 
 #include <memory>
 
-#include "bench/framework/answer_check.hpp"
-#include "bench/framework/answer_print.hpp"
-#include "bench/framework/request_parser.hpp"
-#include "bench/framework/request_typing.hpp"
-#include "bench/models/models.hpp"
 #include "dump.hpp"
+#include "framework/answer/check.hpp"
+#include "framework/answer/print.hpp"
+#include "framework/models/models.hpp"
+#include "framework/request/parse.hpp"
+#include "framework/request/type.hpp"
 #include "session_fixture.hpp"
 
 namespace {
 
-using bench::framework::AnswerFormat;
-using bench::framework::AnswerNode;
-using bench::framework::Kind;
+using ocpsm::framework::AnswerFormat;
+using ocpsm::framework::AnswerNode;
+using ocpsm::framework::Kind;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 const lysc_node *schema(const std::string &path) {
-    return bench::models::Schema::openconfig().find(path);
+    return ocpsm::models::Schema::openconfig().find(path);
 }
 
 const std::string list = "/aps/aps-modules/aps-module";
@@ -46,13 +46,13 @@ std::vector<AnswerNode> two_modules() {
     return tops({module("0/1-PSM-OM", "true", "5"), module("0/2-PSM-OM", "false", "5")});
 }
 
-std::vector<bench::framework::DataNode> selections(const std::string &content) {
-    return bench::framework::type_request(bench::framework::parse_request(modules_text(content), Kind::get), Kind::get,
+std::vector<ocpsm::framework::DataNode> selections(const std::string &content) {
+    return ocpsm::framework::type_request(ocpsm::framework::parse_request(modules_text(content), Kind::get), Kind::get,
                                           true);
 }
 
 Lines cut(const std::string &content) {
-    return leaves_of(bench::framework::cut(two_modules(), selections(content)));
+    return leaves_of(ocpsm::framework::cut(two_modules(), selections(content)));
 }
 
 const Lines whole{"1/name = 0/1-PSM-OM",
@@ -69,7 +69,7 @@ const Lines whole{"1/name = 0/1-PSM-OM",
 TEST(Cut, AnEmptyNodeSelectsAllThatIsBelowIt) {
     EXPECT_EQ(cut(""), whole);
     EXPECT_EQ(cut("<aps-module/>"), whole);
-    EXPECT_EQ(leaves_of(bench::framework::cut(
+    EXPECT_EQ(leaves_of(ocpsm::framework::cut(
                   two_modules(), {{"aps", "http://openconfig.net/yang/optical-transport-line-protection"}})),
               whole);
     EXPECT_THAT(cut("<aps-module><state/></aps-module>"),
@@ -112,13 +112,13 @@ TEST(Cut, WhatDoesNotMatchIsMissingAlone) {
 }
 
 TEST(Cut, ANodeOfAnotherNamespaceSelectsNothing) {
-    EXPECT_THAT(leaves_of(bench::framework::cut(two_modules(), {{"aps", "urn:other"}})), IsEmpty());
+    EXPECT_THAT(leaves_of(ocpsm::framework::cut(two_modules(), {{"aps", "urn:other"}})), IsEmpty());
 }
 
 // ---- what is named ----
 
 std::size_t state_leaves(const std::string &content) {
-    return bench::framework::state_leaves_only(selections(content));
+    return ocpsm::framework::state_leaves_only(selections(content));
 }
 
 TEST(StateLeaves, AreCountedWhereNothingElseIsNamed) {
@@ -141,32 +141,32 @@ TEST(AnswerCheck, MakesValuesCanonical) {
     std::vector<AnswerNode> answer = two_modules();
     AnswerNode &power = answer[0].children[0].children[0].children[2].children[0];
     EXPECT_EQ(power.value, "PRIMARY");
-    bench::framework::check_answer(answer);
+    ocpsm::framework::check_answer(answer);
     EXPECT_EQ(power.value, "openconfig-transport-line-protection:PRIMARY");
     std::vector<AnswerNode> threshold{{schema(list + "/config/primary-switch-threshold"), "3.50"}};
-    bench::framework::check_answer(threshold);
+    ocpsm::framework::check_answer(threshold);
     EXPECT_EQ(threshold[0].value, "3.5");
 }
 
 TEST(AnswerCheck, RefusesWhatTheModelDoesNotAllow) {
     auto answer = tops({module("0/1-PSM-OM", "true", "5"), module("0/2-PSM-OM", "perhaps", "5")});
-    EXPECT_EQ(error_of([&] { bench::framework::check_answer(answer); }),
+    EXPECT_EQ(error_of([&] { ocpsm::framework::check_answer(answer); }),
               "refused|operation-failed|/aps/aps-modules/aps-module[name='0/2-PSM-OM']/config/revertive|the device's "
               "value 'perhaps' is none that the model allows|");
     auto empty = tops({module("0/1-PSM-OM", "true", "")});
-    EXPECT_EQ(error_of([&] { bench::framework::check_answer(empty); }),
+    EXPECT_EQ(error_of([&] { ocpsm::framework::check_answer(empty); }),
               "refused|operation-failed|/aps/aps-modules/aps-module[name='0/1-PSM-OM']/config/wait-to-restore-time|the "
               "device's value '' is none that the model allows|");
     std::vector<AnswerNode> missing{{schema(list + "/config/revertive")}};
-    EXPECT_NE(error_of([&] { bench::framework::check_answer(missing); }), "nothing");
+    EXPECT_NE(error_of([&] { ocpsm::framework::check_answer(missing); }), "nothing");
 }
 
 // ---- text ----
 
 TEST(AnswerPrint, AsXmlAndAsJson) {
     auto answer = tops({module("0/1-PSM-OM", "true", "5")});
-    bench::framework::check_answer(answer);
-    EXPECT_EQ(bench::framework::print_answer(answer, AnswerFormat::xml),
+    ocpsm::framework::check_answer(answer);
+    EXPECT_EQ(ocpsm::framework::print_answer(answer, AnswerFormat::xml),
               "<aps xmlns=\"http://openconfig.net/yang/optical-transport-line-protection\">\n"
               "  <aps-modules>\n"
               "    <aps-module>\n"
@@ -183,7 +183,7 @@ TEST(AnswerPrint, AsXmlAndAsJson) {
               "    </aps-module>\n"
               "  </aps-modules>\n"
               "</aps>\n");
-    EXPECT_EQ(bench::framework::print_answer(answer, AnswerFormat::json),
+    EXPECT_EQ(ocpsm::framework::print_answer(answer, AnswerFormat::json),
               "{\n"
               "  \"openconfig-transport-line-protection:aps\": {\n"
               "    \"aps-modules\": {\n"
@@ -212,7 +212,7 @@ struct FreeTree {
 // Whether a text is what the model allows, without anything unknown; and how many leaves it has.
 std::optional<int> strictly_parsed(const std::string &text, LYD_FORMAT format) {
     lyd_node *parsed = nullptr;
-    const LY_ERR result = lyd_parse_data_mem(bench::models::Schema::openconfig().context(), text.c_str(), format,
+    const LY_ERR result = lyd_parse_data_mem(ocpsm::models::Schema::openconfig().context(), text.c_str(), format,
                                              LYD_PARSE_ONLY | LYD_PARSE_STRICT, 0, &parsed);
     const std::unique_ptr<lyd_node, FreeTree> tree(parsed);
     if (result != LY_SUCCESS) {
@@ -230,13 +230,13 @@ std::optional<int> strictly_parsed(const std::string &text, LYD_FORMAT format) {
 class PrintedAnswers : public SessionFixture {};
 
 TEST_F(PrintedAnswers, ParseStrictlyAndHoldWhatWasReadAndNoDefault) {
-    const bench::line_system::LineSystem bare = bench::line_system::with_modules(std::vector<int>{1, 2});
+    const ocpsm::line_system::LineSystem bare = ocpsm::line_system::with_modules(std::vector<int>{1, 2});
     for (const bool example : {true, false}) {
-        use(example ? bench::line_system::example() : bare);
+        use(example ? ocpsm::line_system::example() : bare);
         for (const Kind kind : {Kind::get, Kind::get_config}) {
             for (const std::string &path :
                  {std::string("/"), module_path(1), module_path(1, "/config"), module_path(1, "/ports")}) {
-                const auto answer = bench::framework::read_paths(plugin(), std::vector{path}, kind, device());
+                const auto answer = ocpsm::framework::read_paths(plugin(), std::vector{path}, kind, device());
                 const auto leaves = static_cast<int>(leaves_of(answer.tree).size());
                 EXPECT_EQ(strictly_parsed(answer.to_xml(), LYD_XML), leaves) << answer.to_xml();
                 EXPECT_EQ(strictly_parsed(answer.to_json(), LYD_JSON), leaves) << answer.to_json();

@@ -1,16 +1,16 @@
 // Reads of a line system, whole answers.
-#include "bench/error.hpp"
-#include "bench/line_system/operations.hpp"
 #include "dump.hpp"
+#include "framework/error.hpp"
 #include "session_fixture.hpp"
+#include "simulator/line_system/operations.hpp"
 
 namespace {
 
-using bench::framework::Answer;
-using bench::line_system::LineSettings;
-using bench::line_system::LineSystem;
-using bench::line_system::slot;
-using bench::line_system::with_modules;
+using ocpsm::framework::Answer;
+using ocpsm::line_system::LineSettings;
+using ocpsm::line_system::LineSystem;
+using ocpsm::line_system::slot;
+using ocpsm::line_system::with_modules;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -95,20 +95,20 @@ const Lines example_configuration_3{
 };
 
 TEST_F(AnswerRead, AModuleIsAnsweredWithAllThatTheLineSystemServes) {
-    use(bench::line_system::example());
+    use(ocpsm::line_system::example());
     EXPECT_EQ(get_path(module_path(1)), example_module_1);
 }
 
 // Configuration of the secondary line's attenuators comes with a read of kind 10 from the database, and alone with one
 // of configuration from the controller.
 TEST_F(AnswerRead, NothingOfTheOtherModuleIsAnswered) {
-    use(bench::line_system::example());
+    use(ocpsm::line_system::example());
     EXPECT_EQ(get_path(module_path(3), Kind::get_config), example_configuration_3);
 }
 
 TEST_F(AnswerRead, WithoutAPathBothKindsAnswerAllModules) {
-    use(bench::line_system::example());
-    const Answer all = bench::framework::read_paths(plugin(), {}, Kind::get, device());
+    use(ocpsm::line_system::example());
+    const Answer all = ocpsm::framework::read_paths(plugin(), {}, Kind::get, device());
     Lines expected = get_path(module_path(1));
     const Lines third = get_path(module_path(3));
     expected.insert(expected.end(), third.begin(), third.end());
@@ -141,7 +141,7 @@ TEST_F(AnswerRead, ThreeModulesOfBothKinds) {
 }
 
 TEST_F(AnswerRead, NamedInstancesAreReadOneByOneAndJoined) {
-    use(bench::line_system::example());
+    use(ocpsm::line_system::example());
     EXPECT_THAT(get_config(modules_text(module_text("0/3-PSM-OM", "<config><revertive/></config>") +
                                         module_text("0/1-PSM-OM", "<config><force-to-port/></config>") +
                                         module_text("0/3-PSM-OM", "<config><force-to-port/></config>"))),
@@ -171,7 +171,7 @@ TEST_F(AnswerRead, OnlyTheSecondaryLineIsConfigured) {
 // ---- modules that are not there ----
 
 TEST_F(AnswerRead, APulledModuleDisappearsWithItsSettings) {
-    const LineSystem system = bench::line_system::pull(bench::line_system::example(), 1);
+    const LineSystem system = ocpsm::line_system::pull(ocpsm::line_system::example(), 1);
     use(system);
     EXPECT_EQ(get_path("/", Kind::get_config), example_configuration_3);
     EXPECT_THAT(get_path(module_path(1), Kind::get_config), IsEmpty());
@@ -180,7 +180,7 @@ TEST_F(AnswerRead, APulledModuleDisappearsWithItsSettings) {
 }
 
 TEST_F(AnswerRead, ANameThatIsNoModuleIsAnsweredWithNothing) {
-    use(bench::line_system::example());
+    use(ocpsm::line_system::example());
     for (const char *name : {"0/1", "0/01-PSM-OM", "0/1-PSM-OMX", "0/9-PSM-OM", "x", "0/2-PSM-OM"}) {
         const std::string path = std::string("/aps/aps-modules/aps-module[name='") + name + "']";
         EXPECT_THAT(get_path(path), IsEmpty()) << name;
@@ -191,7 +191,7 @@ TEST_F(AnswerRead, ANameThatIsNoModuleIsAnsweredWithNothing) {
 // ---- selections ----
 
 TEST_F(AnswerRead, StateLeavesAlone) {
-    use(bench::line_system::example());
+    use(ocpsm::line_system::example());
     EXPECT_THAT(get(modules_text(module_text("0/1-PSM-OM", "<state><active-path/><revertive/></state>"))),
                 ElementsAre("1/name = 0/1-PSM-OM", "1/state/revertive = true",
                             "1/state/active-path = openconfig-transport-line-protection:PRIMARY"));
@@ -204,7 +204,7 @@ TEST_F(AnswerRead, StateLeavesAlone) {
 }
 
 TEST_F(AnswerRead, AnEmptyNameInConfigIsASelection) {
-    use(bench::line_system::example());
+    use(ocpsm::line_system::example());
     EXPECT_THAT(get_config(modules_text(module_text("0/3-PSM-OM", "<config><name/></config>"))),
                 ElementsAre("3/name = 0/3-PSM-OM", "3/config/name = 0/3-PSM-OM"));
     EXPECT_THAT(get(modules_text("<aps-module><config><name/></config></aps-module>")),
@@ -213,7 +213,7 @@ TEST_F(AnswerRead, AnEmptyNameInConfigIsASelection) {
 }
 
 TEST_F(AnswerRead, AMatchOfAnotherLeafThanTheKeyPicksItsModule) {
-    use(bench::line_system::example());
+    use(ocpsm::line_system::example());
     const auto of_the_third = ElementsAre("3/name = 0/3-PSM-OM", "3/config/wait-to-restore-time = 300000",
                                           "3/config/relative-switch-threshold = 3.0");
     const std::string text = modules_text("<aps-module><config><relative-switch-threshold>3</relative-switch-threshold>"
@@ -243,7 +243,7 @@ TEST_F(AnswerRead, WhatIsNotConfiguredIsNotAnswered) {
 }
 
 TEST_F(AnswerRead, RefusedLeavesAreAnsweredWithWhatIsAroundThemAndRefusedWhenNamed) {
-    use(bench::line_system::example());
+    use(ocpsm::line_system::example());
     // The attenuation itself is asked for with that of the primary line only.
     EXPECT_THAT(get_path(module_path(1, "/ports/line-secondary-in/state")),
                 ElementsAre("1/name = 0/1-PSM-OM", "1/ports/line-secondary-in/state/target-attenuation = 1.5",
@@ -252,15 +252,15 @@ TEST_F(AnswerRead, RefusedLeavesAreAnsweredWithWhatIsAroundThemAndRefusedWhenNam
                             "1/ports/line-secondary-in/state/optical-power/min = -16.12",
                             "1/ports/line-secondary-in/state/optical-power/max = -15.77"));
     const std::string path = module_path(1, "/ports/line-secondary-in/state/attenuation");
-    const Answer refused = bench::framework::read_paths(plugin(), std::vector{path}, Kind::get, device());
+    const Answer refused = ocpsm::framework::read_paths(plugin(), std::vector{path}, Kind::get, device());
     EXPECT_EQ(refusal_of(refused),
               "operation-not-supported|" + path + "|attenuation is not served by this device|leave it out|attenuation");
     EXPECT_THAT(refused.tree, IsEmpty());
 }
 
 TEST_F(AnswerRead, OnlyUnsupportedNodesAreAnsweredWithNothingAndOneWarning) {
-    use(bench::line_system::example());
-    const Answer answer = bench::framework::read_paths(
+    use(ocpsm::line_system::example());
+    const Answer answer = ocpsm::framework::read_paths(
         plugin(), std::vector{module_path(1, "/config/hold-off-time"), module_path(3, "/ports/common-in")}, Kind::get,
         device());
     EXPECT_EQ(refusal_of(answer), "none");
@@ -273,9 +273,9 @@ TEST_F(AnswerRead, OnlyUnsupportedNodesAreAnsweredWithNothingAndOneWarning) {
 }
 
 TEST_F(AnswerRead, StateIsNotAnsweredToAReadOfConfiguration) {
-    use(bench::line_system::example());
+    use(ocpsm::line_system::example());
     const Answer answer =
-        bench::framework::read_paths(plugin(), std::vector{module_path(1, "/state")}, Kind::get_config, device());
+        ocpsm::framework::read_paths(plugin(), std::vector{module_path(1, "/state")}, Kind::get_config, device());
     EXPECT_EQ(refusal_of(answer), "none");
     EXPECT_THAT(answer.tree, IsEmpty());
     EXPECT_THAT(answer.warnings, ElementsAre("nothing that was selected is supported, the answer is empty: " +
@@ -285,9 +285,9 @@ TEST_F(AnswerRead, StateIsNotAnsweredToAReadOfConfiguration) {
 // ---- channels ----
 
 TEST_F(AnswerRead, BothChannelsTellOfBothDirections) {
-    use(bench::line_system::example());
-    const auto functions = [this](const bench::framework::SessionOptions &options) {
-        const Answer answer = bench::framework::read_paths(plugin(), std::vector{module_path(1, "/config/revertive")},
+    use(ocpsm::line_system::example());
+    const auto functions = [this](const ocpsm::framework::SessionOptions &options) {
+        const Answer answer = ocpsm::framework::read_paths(plugin(), std::vector{module_path(1, "/config/revertive")},
                                                            Kind::get_config, device(), options);
         std::vector<std::string> ended;
         for (const auto &line : answer.trace) {
@@ -307,13 +307,13 @@ TEST_F(AnswerRead, BothChannelsTellOfBothDirections) {
 
 // The map of the instances is made with both channels off.
 TEST_F(AnswerRead, TheMapOfTheInstancesIsMadeInSilence) {
-    use(bench::line_system::example());
-    const bench::framework::SessionOptions options{.check_values = true, .log = true, .trace = true};
+    use(ocpsm::line_system::example());
+    const ocpsm::framework::SessionOptions options{.check_values = true, .log = true, .trace = true};
     const Answer answer =
-        bench::framework::read_paths(plugin(), std::vector{module_path(1)}, Kind::get, device(), options);
+        ocpsm::framework::read_paths(plugin(), std::vector{module_path(1)}, Kind::get, device(), options);
     int walks = 0;
     for (const auto &line : answer.trace) {
-        walks += line.message == "Start" && line.function == bench::framework::openconfig_root_walker ? 1 : 0;
+        walks += line.message == "Start" && line.function == ocpsm::framework::openconfig_root_walker ? 1 : 0;
     }
     EXPECT_EQ(walks, 1);
 }

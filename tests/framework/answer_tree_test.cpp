@@ -1,17 +1,17 @@
 // What the plug-in writes to an answer, operation by operation.
-#include "bench/framework/answer_tree.hpp"
+#include "framework/answer/tree.hpp"
 
 #include <functional>
 
-#include "bench/framework/mapping_context.hpp"
+#include "framework/host/mapping_context.hpp"
 #include "session_fixture.hpp"
 
 namespace {
 
-using bench::framework::AnswerTree;
-using bench::framework::DataNode;
-using bench::framework::DataTree;
-using bench::framework::MappingContext;
+using ocpsm::framework::AnswerTree;
+using ocpsm::framework::DataNode;
+using ocpsm::framework::DataTree;
+using ocpsm::framework::MappingContext;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -55,7 +55,7 @@ protected:
 
     Lines written() { return leaves_of(tree.answer()); }
 
-    bench::framework::Channels channels;
+    ocpsm::framework::Channels channels;
     AnswerTree tree;
     MappingContext context{YFW_KIND_GET, {"aps", space}, channels, tree};
 };
@@ -293,8 +293,8 @@ TEST_F(Answering, AReadOfStateLeavesAloneShowsInTheRequest) {
 // ---- not an answer ----
 
 TEST(Translating, AnAnswerIsNotServedWhileARequestIsTranslated) {
-    bench::framework::Channels channels;
-    bench::native::NativeRequest native(bench::native::RequestKind::read);
+    ocpsm::framework::Channels channels;
+    ocpsm::native::NativeRequest native(ocpsm::native::RequestKind::read);
     MappingContext context(YFW_KIND_GET, {"aps", space}, channels, native);
     yfw_map_stitch_entry entry{};
     EXPECT_EQ(yfw_map_stitch_list_to_list(&context, &entry), 0xaaf30600U);

@@ -1,13 +1,13 @@
 // How the plug-in is called with a native answer, and what becomes of its failures.
-#include "bench/line_system/operations.hpp"
 #include "fake_plugin_answers.hpp"
 #include "session_fixture.hpp"
+#include "simulator/line_system/operations.hpp"
 
 namespace {
 
-using bench::framework::Answer;
-using bench::framework::Kind;
-using bench::framework::Plugin;
+using ocpsm::framework::Answer;
+using ocpsm::framework::Kind;
+using ocpsm::framework::Plugin;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -36,8 +36,8 @@ protected:
     }
 
     Answer read(const std::string &content, Kind kind = Kind::get,
-                const bench::framework::SessionOptions &options = {}) {
-        return bench::framework::read(plugin, modules_text(content), kind, *device, options);
+                const ocpsm::framework::SessionOptions &options = {}) {
+        return ocpsm::framework::read(plugin, modules_text(content), kind, *device, options);
     }
 
     // From now on the device has only these leaves, and answers them all.
@@ -173,7 +173,7 @@ TEST_F(AnswerWalk, ARequestThatIsRefusedIsNotAskedOfTheDevice) {
 TEST_F(AnswerWalk, AnEditThatCannotSeeWhatStandsThereIsRefused) {
     fake.failing = "interfaces";
     fake.code = YMAP_ERR_BAD_TREE;
-    EXPECT_EQ(refusal_of(bench::framework::edit(plugin, modules_text(module_text("0/1-PSM-OM", "<config/>")), *device)),
+    EXPECT_EQ(refusal_of(ocpsm::framework::edit(plugin, modules_text(module_text("0/1-PSM-OM", "<config/>")), *device)),
               failure(module_path(1),
                       "YMAP_ERR_BAD_TREE (the request tree is not well formed) in /interface-configurations"));
     EXPECT_THAT(device->edits, IsEmpty());
@@ -183,11 +183,11 @@ TEST_F(AnswerWalk, AnEditThatCannotSeeWhatStandsThereIsRefused) {
 
 class HeldAnswers : public SessionFixture {
 protected:
-    void SetUp() override { use(bench::line_system::example()); } // its inventory has modules in slots 1 and 3
+    void SetUp() override { use(ocpsm::line_system::example()); } // its inventory has modules in slots 1 and 3
 
     Lines read(const std::vector<HeldDevice::Leaf> &leaves, const std::string &path, Kind kind) {
         HeldDevice held(leaves);
-        const Answer answer = bench::framework::read_paths(plugin(), std::vector{path}, kind, held);
+        const Answer answer = ocpsm::framework::read_paths(plugin(), std::vector{path}, kind, held);
         EXPECT_EQ(refusal_of(answer), "none");
         return leaves_of(answer.tree);
     }
@@ -220,7 +220,7 @@ TEST_F(HeldAnswers, SettingsOfAModuleThatIsNotInTheInventoryNeverAppear) {
         HeldDevice held(leaves);
         held.answers_everything = everything;
         for (const Kind kind : {Kind::get, Kind::get_config}) {
-            const Answer all = bench::framework::read_paths(plugin(), {}, kind, held);
+            const Answer all = ocpsm::framework::read_paths(plugin(), {}, kind, held);
             Lines configuration;
             for (const std::string &line : leaves_of(all.tree)) {
                 if (line.find("/state/") == std::string::npos) {
@@ -231,7 +231,7 @@ TEST_F(HeldAnswers, SettingsOfAModuleThatIsNotInTheInventoryNeverAppear) {
             EXPECT_THAT(configuration, ElementsAre("1/name = 0/1-PSM-OM", "1/config/name = 0/1-PSM-OM",
                                                    "1/config/wait-to-restore-time = 1",
                                                    "1/ports/line-primary-in/config/target-attenuation = 1.1"));
-            const Answer one = bench::framework::read_paths(plugin(), std::vector{module_path(2)}, kind, held);
+            const Answer one = ocpsm::framework::read_paths(plugin(), std::vector{module_path(2)}, kind, held);
             EXPECT_EQ(refusal_of(one), "none");
             EXPECT_THAT(leaves_of(one.tree), IsEmpty());
         }
@@ -245,7 +245,7 @@ TEST_F(HeldAnswers, ANamedReadIsAnsweredWithItsModuleWhateverTheDeviceAnswers) {
                      {active_slot + "[slot-id=1]/psm/revertive/wtr", "1"},
                      {active_slot + "[slot-id=3]/psm/revertive/wtr", "3"}});
     held.answers_everything = true;
-    const Answer answer = bench::framework::read_paths(plugin(), std::vector{module_path(3)}, Kind::get_config, held);
+    const Answer answer = ocpsm::framework::read_paths(plugin(), std::vector{module_path(3)}, Kind::get_config, held);
     EXPECT_THAT(leaves_of(answer.tree),
                 ElementsAre("3/name = 0/3-PSM-OM", "3/config/name = 0/3-PSM-OM", "3/config/wait-to-restore-time = 3"));
 }

@@ -1,13 +1,13 @@
-#include "bench/framework/data_tree.hpp"
+#include "framework/host/data_tree.hpp"
 
 #include <gmock/gmock.h>
 
 namespace {
 
-using bench::framework::children_of;
-using bench::framework::DataNode;
-using bench::framework::DataTree;
-using bench::framework::print;
+using ocpsm::framework::children_of;
+using ocpsm::framework::DataNode;
+using ocpsm::framework::DataTree;
+using ocpsm::framework::print;
 using testing::ElementsAre;
 
 DataNode sample() {
@@ -97,19 +97,19 @@ TEST(DataTree, PrintingSaysWhatIsNotInUse) {
 TEST(DataTree, AValueNeedsItsFlagAndItsText) {
     DataTree tree(sample());
     kidl_yfw_datatree &one = tree.root().children[0];
-    EXPECT_EQ(bench::framework::value_of(one), "1");
+    EXPECT_EQ(ocpsm::framework::value_of(one), "1");
     one.flags = 1;
-    EXPECT_EQ(bench::framework::value_of(one), std::nullopt);
+    EXPECT_EQ(ocpsm::framework::value_of(one), std::nullopt);
     one.flags = 3;
     one.value = nullptr;
-    EXPECT_EQ(bench::framework::value_of(one), std::nullopt);
+    EXPECT_EQ(ocpsm::framework::value_of(one), std::nullopt);
 }
 
 TEST(DataTree, ANegativeCountIsNoChildren) {
     DataTree tree(sample());
     tree.root().child_count = -1;
     EXPECT_TRUE(children_of(tree.root()).empty());
-    EXPECT_EQ(bench::framework::find_child(tree.root(), "one"), nullptr);
+    EXPECT_EQ(ocpsm::framework::find_child(tree.root(), "one"), nullptr);
 }
 
 } // namespace

@@ -4,7 +4,7 @@
 
 namespace {
 
-using bench::framework::DataNode;
+using ocpsm::framework::DataNode;
 
 void dump_below(const std::vector<DataNode> &nodes, std::size_t depth, std::string &text) {
     constexpr std::array names{"", " replace", " create", " delete", " remove"};

@@ -5,20 +5,20 @@
 #include <string>
 #include <vector>
 
-#include "bench/error.hpp"
-#include "bench/framework/data_tree.hpp"
+#include "framework/error.hpp"
+#include "framework/host/data_tree.hpp"
 
 // One node per line, two blanks per level: tag, " {namespace}" unless it is the OpenConfig model's, " = value", and the
 // name of an operation other than merge.
-std::string dump(const std::vector<bench::framework::DataNode> &nodes);
+std::string dump(const std::vector<ocpsm::framework::DataNode> &nodes);
 
 // The protocol error that `call` throws, as "source|tag|path|message|advice"; "nothing" when it throws none.
 template <typename Call>
 std::string error_of(Call call) {
     try {
         call();
-    } catch (const bench::Error &error) {
-        const char *source = error.source == bench::Error::Source::input ? "input" : "refused";
+    } catch (const ocpsm::Error &error) {
+        const char *source = error.source == ocpsm::Error::Source::input ? "input" : "refused";
         return std::string(source) + "|" + error.tag + "|" + error.path + "|" + error.what() + "|" + error.advice;
     }
     return "nothing";

@@ -1,12 +1,12 @@
 // What has to be there, or must not be there yet, before a line system is edited.
-#include "bench/line_system/operations.hpp"
 #include "session_fixture.hpp"
+#include "simulator/line_system/operations.hpp"
 
 namespace {
 
-using bench::framework::EditResult;
-using bench::line_system::LineSystem;
-using bench::line_system::slot;
+using ocpsm::framework::EditResult;
+using ocpsm::line_system::LineSystem;
+using ocpsm::line_system::slot;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -22,7 +22,7 @@ class EditExistence : public SessionFixture {
 protected:
     void SetUp() override {
         std::vector<int> slots{1, 3};
-        LineSystem system = bench::line_system::with_modules(slots);
+        LineSystem system = ocpsm::line_system::with_modules(slots);
         slot(system, 1).settings.wait_to_restore = 5000;
         slot(system, 1).lines[0].rx_attenuation = 12;
         use(system);

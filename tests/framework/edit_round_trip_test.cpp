@@ -2,14 +2,14 @@
 #include <cmath>
 #include <random>
 
-#include "bench/line_system/operations.hpp"
 #include "session_fixture.hpp"
+#include "simulator/line_system/operations.hpp"
 
 namespace {
 
-using bench::framework::Answer;
-using bench::framework::EditResult;
-using bench::line_system::LineSystem;
+using ocpsm::framework::Answer;
+using ocpsm::framework::EditResult;
+using ocpsm::line_system::LineSystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -50,15 +50,15 @@ class RoundTrip : public SessionFixture {
 protected:
     void use_bare() {
         const std::vector<int> slots{1, 2};
-        use(bench::line_system::with_modules(slots));
+        use(ocpsm::line_system::with_modules(slots));
     }
 
     void set(const std::string &leaf, const std::string &value) {
-        successful(bench::framework::set_leaf(plugin(), module_path(2, leaf), value, device()));
+        successful(ocpsm::framework::set_leaf(plugin(), module_path(2, leaf), value, device()));
     }
 
     void remove(const std::string &leaf) {
-        successful(bench::framework::delete_node(plugin(), module_path(2, leaf), device()));
+        successful(ocpsm::framework::delete_node(plugin(), module_path(2, leaf), device()));
     }
 
     // The leaf's value in an answer, by a read of its own; none when it is not there.
@@ -142,7 +142,7 @@ TEST_F(RoundTrip, RandomHundredthsAreCutTowardsZero) {
             const std::string written = tenths(number) + std::to_string(digit);
             SCOPED_TRACE(std::string(decimal.leaf) + " " + written);
             const EditResult result =
-                bench::framework::set_leaf(plugin(), module_path(2, decimal.leaf), written, device());
+                ocpsm::framework::set_leaf(plugin(), module_path(2, decimal.leaf), written, device());
             EXPECT_EQ(refusal_of(result), "none");
             EXPECT_EQ(value_of(decimal.leaf), tenths(number));
         }
@@ -153,7 +153,7 @@ TEST_F(RoundTrip, RandomHundredthsAreCutTowardsZero) {
 
 class WholeModule : public SessionFixture {
 protected:
-    void SetUp() override { use(bench::line_system::example()); }
+    void SetUp() override { use(ocpsm::line_system::example()); }
 
     // The request with `operation` on the element that `begin` begins.
     static std::string with_operation(std::string text, const std::string &begin, const std::string &operation) {
@@ -164,7 +164,7 @@ protected:
     }
 
     Answer configuration(int slot) {
-        return bench::framework::read_paths(plugin(), std::vector{module_path(slot)}, Kind::get_config, device());
+        return ocpsm::framework::read_paths(plugin(), std::vector{module_path(slot)}, Kind::get_config, device());
     }
 };
 
@@ -205,7 +205,7 @@ TEST_F(WholeModule, ReplacedConfigurationLosesItsOtherLeavesAndKeepsThePorts) {
 }
 
 TEST_F(WholeModule, AllModulesReplacedWithWhatWasReadStayAsTheyAre) {
-    const Answer all = bench::framework::read_paths(plugin(), {}, Kind::get_config, device());
+    const Answer all = ocpsm::framework::read_paths(plugin(), {}, Kind::get_config, device());
     for (const char *begin :
          {"<aps-modules", "<aps xmlns=\"http://openconfig.net/yang/optical-transport-line-protection\""}) {
         const LineSystem before = system();

@@ -1,13 +1,13 @@
 // Edits of a line system: what they change, and that a refused one changes nothing.
-#include "bench/error.hpp"
-#include "bench/line_system/operations.hpp"
 #include "dump.hpp"
+#include "framework/error.hpp"
 #include "session_fixture.hpp"
+#include "simulator/line_system/operations.hpp"
 
 namespace {
 
-using bench::framework::EditResult;
-using bench::line_system::LineSystem;
+using ocpsm::framework::EditResult;
+using ocpsm::line_system::LineSystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -17,7 +17,7 @@ std::string config_text(const std::string &content) {
 
 class EditOfALineSystem : public SessionFixture {
 protected:
-    void SetUp() override { use(bench::line_system::example()); }
+    void SetUp() override { use(ocpsm::line_system::example()); }
 
     std::string refused(const std::string &text) {
         const LineSystem before = system();
@@ -30,7 +30,7 @@ protected:
     static Lines operations_of(const EditResult &result) {
         Lines lines;
         for (const auto &operation : result.native.operations()) {
-            lines.push_back(std::string(bench::native::operation_name(operation.operation)) + " " + operation.path +
+            lines.push_back(std::string(ocpsm::native::operation_name(operation.operation)) + " " + operation.path +
                             (operation.value ? " = " + *operation.value : ""));
         }
         return lines;
@@ -50,7 +50,7 @@ TEST_F(EditOfALineSystem, TellsTheNativeOperationsAndWhatTheyAmountTo) {
                             "merge " + node, "merge " + node + "/slot[slot-id='1']"));
     ASSERT_EQ(result.changes.size(), 1U);
     EXPECT_EQ(result.changes[0],
-              (bench::framework::Change{module_path(1, "/config/primary-switch-threshold"), "-25.0", "-12.3"}));
+              (ocpsm::framework::Change{module_path(1, "/config/primary-switch-threshold"), "-25.0", "-12.3"}));
     EXPECT_THAT(result.log, IsEmpty());
     EXPECT_THAT(result.trace, IsEmpty());
 }
@@ -77,11 +77,11 @@ TEST_F(EditOfALineSystem, AnEditThatSaysNothingDoesNothing) {
 }
 
 TEST_F(EditOfALineSystem, ChannelsAreKeptWhenTheyAreAskedFor) {
-    const EditResult result = bench::framework::edit(plugin(), config_text("<revertive>false</revertive>"), device(),
+    const EditResult result = ocpsm::framework::edit(plugin(), config_text("<revertive>false</revertive>"), device(),
                                                      {.check_values = true, .log = true, .trace = true});
     int walks = 0;
     for (const auto &line : result.trace) {
-        walks += line.message == "Start" && line.function == bench::framework::openconfig_root_walker ? 1 : 0;
+        walks += line.message == "Start" && line.function == ocpsm::framework::openconfig_root_walker ? 1 : 0;
     }
     EXPECT_EQ(walks, 1); // the reads before and after it are the framework's own
     EXPECT_FALSE(result.log.empty());
@@ -124,13 +124,13 @@ TEST_F(EditOfALineSystem, AValueThatTheModelDoesNotAllowNeverReachesThePlugin) {
     EXPECT_EQ(error_of([this] { edit(config_text("<revertive>perhaps</revertive>")); }),
               "refused|invalid-value|" + module_path(1, "/config/revertive") +
                   "|\"perhaps\" is not allowed|a value of type boolean is expected");
-    EXPECT_EQ(system(), bench::line_system::example());
+    EXPECT_EQ(system(), ocpsm::line_system::example());
 }
 
 // A value that is beyond the native type is found when the native edit is checked.
 TEST_F(EditOfALineSystem, ANativeCheckThatFailsIsReportedAtTheOpenConfigPath) {
     const LineSystem before = system();
-    const EditResult result = bench::framework::edit(plugin(), config_text("<revertive>perhaps</revertive>"), device(),
+    const EditResult result = ocpsm::framework::edit(plugin(), config_text("<revertive>perhaps</revertive>"), device(),
                                                      {.check_values = false, .log = false, .trace = false});
     EXPECT_EQ(result.error->tag, "invalid-value");
     EXPECT_EQ(result.error->location, module_path(1, "/config/revertive"));
@@ -145,13 +145,13 @@ const std::string held_module =
 
 class EditOfAHeldDevice : public SessionFixture {
 protected:
-    void SetUp() override { use(bench::line_system::example()); }
+    void SetUp() override { use(ocpsm::line_system::example()); }
 
     // Where an edit is refused whose native node at `native_path` the device refuses.
     std::string refused_at(const std::string &native_path, const std::string &text) {
         HeldDevice held({{held_module, ""}});
-        held.refusal = bench::native::NativeRefusal{"resource-denied", native_path, "not now"};
-        return refusal_of(bench::framework::edit(plugin(), text, held));
+        held.refusal = ocpsm::native::NativeRefusal{"resource-denied", native_path, "not now"};
+        return refusal_of(ocpsm::framework::edit(plugin(), text, held));
     }
 };
 
@@ -190,7 +190,7 @@ TEST_F(EditOfAHeldDevice, AlsoWithinAWholeSubtree) {
 
 TEST_F(EditOfAHeldDevice, AnAcceptedEditReachesTheDeviceOnce) {
     HeldDevice held({{held_module, ""}});
-    const EditResult result = bench::framework::edit(plugin(), config_text("<revertive>true</revertive>"), held);
+    const EditResult result = ocpsm::framework::edit(plugin(), config_text("<revertive>true</revertive>"), held);
     EXPECT_EQ(refusal_of(result), "none");
     EXPECT_THAT(held.edits, ElementsAre(primary, node, node + "/slot[slot-id='1']",
                                         node + "/slot[slot-id='1']/psm/revertive/enable"));

@@ -3,17 +3,17 @@
 
 #include <optional>
 
-#include "bench/error.hpp"
-#include "bench/framework/translation.hpp"
-#include "bench/line_system/temporary_state.hpp"
-#include "bench/sysdb/client_library.hpp"
+#include "framework/error.hpp"
+#include "framework/translation.hpp"
+#include "simulator/database/client_library.hpp"
+#include "simulator/line_system/temporary_state.hpp"
 
 namespace {
 
-using bench::framework::Kind;
-using bench::framework::Plugin;
-using bench::framework::Translation;
-using bench::framework::TranslationOptions;
+using ocpsm::framework::Kind;
+using ocpsm::framework::Plugin;
+using ocpsm::framework::Translation;
+using ocpsm::framework::TranslationOptions;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -52,7 +52,7 @@ std::string port(const std::string &name, const std::string &content) {
 std::vector<std::string> net(const Translation &translation, std::size_t index = 0) {
     std::vector<std::string> lines;
     for (const auto &operation : translation.handed_over.at(index).native.net().operations()) {
-        lines.push_back(std::string(bench::native::operation_name(operation.operation)) + " " + operation.path +
+        lines.push_back(std::string(ocpsm::native::operation_name(operation.operation)) + " " + operation.path +
                         (operation.value ? " = " + *operation.value : ""));
     }
     return lines;
@@ -71,7 +71,7 @@ protected:
     }
 
     static Translation translate(const std::string &text, Kind kind, const TranslationOptions &options = {}) {
-        return bench::framework::translate(plugin().callback(bench::framework::openconfig_root_walker), text, kind,
+        return ocpsm::framework::translate(plugin().callback(ocpsm::framework::openconfig_root_walker), text, kind,
                                            options);
     }
 
@@ -96,8 +96,8 @@ protected:
                translation.error->offending_node;
     }
 
-    std::optional<bench::sysdb::Client> client_;
-    std::optional<bench::line_system::TemporaryState> state_;
+    std::optional<ocpsm::sysdb::Client> client_;
+    std::optional<ocpsm::line_system::TemporaryState> state_;
 };
 
 // ---- reads ----

@@ -4,13 +4,13 @@
 
 #include <gmock/gmock.h>
 
-#include "bench/framework/mapping_context.hpp"
+#include "framework/host/mapping_context.hpp"
 
 inline const std::string openconfig = "http://openconfig.net/yang/optical-transport-line-protection";
 
 class FrameworkFixture : public testing::Test {
 protected:
-    using DataNode = bench::framework::DataNode;
+    using DataNode = ocpsm::framework::DataNode;
 
     static DataNode container(std::string tag, std::vector<DataNode> children) {
         return {std::move(tag), openconfig, std::nullopt, 0, std::move(children)};
@@ -31,9 +31,9 @@ protected:
         yfw_map_add_to_node_hierarchy(&context, &entry(index), 2);
     }
 
-    bench::framework::Channels channels;
-    bench::native::NativeRequest native{bench::native::RequestKind::edit};
-    bench::framework::MappingContext context{
+    ocpsm::framework::Channels channels;
+    ocpsm::native::NativeRequest native{ocpsm::native::RequestKind::edit};
+    ocpsm::framework::MappingContext context{
         YFW_KIND_EDIT_CONFIG, container("aps", {container("aps-modules", {module("one"), module("it's")})}), channels,
         native};
 };

@@ -1,15 +1,15 @@
-#include "bench/framework/hand_over.hpp"
+#include "framework/request/hand_over.hpp"
 
 #include <gtest/gtest.h>
 
-#include "bench/framework/request_parser.hpp"
-#include "bench/framework/request_typing.hpp"
 #include "dump.hpp"
+#include "framework/request/parse.hpp"
+#include "framework/request/type.hpp"
 
 namespace {
 
-using bench::framework::DataNode;
-using bench::framework::Kind;
+using ocpsm::framework::DataNode;
+using ocpsm::framework::Kind;
 
 const std::vector<std::string> fitted{"0/1-PSM-OM", "0/3-PSM-OM"};
 
@@ -25,7 +25,7 @@ std::string modules(const std::string &content) {
 }
 
 std::vector<DataNode> typed(const std::string &text, Kind kind) {
-    return type_request(bench::framework::parse_request(text, kind), kind, true);
+    return type_request(ocpsm::framework::parse_request(text, kind), kind, true);
 }
 
 // Each tree that is handed over, separated by a line.

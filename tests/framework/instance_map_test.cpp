@@ -1,22 +1,22 @@
 // Which native entries belong to which module.
-#include "bench/framework/instance_map.hpp"
+#include "framework/answer/instance_map.hpp"
 
-#include "bench/framework/data_tree.hpp"
-#include "bench/native/native_request.hpp"
+#include "framework/host/data_tree.hpp"
+#include "framework/native/native_request.hpp"
 #include "gmock/gmock.h"
 
 namespace {
 
-using bench::framework::DataNode;
-using bench::framework::DataTree;
-using bench::framework::InstanceMap;
+using ocpsm::framework::DataNode;
+using ocpsm::framework::DataTree;
+using ocpsm::framework::InstanceMap;
 
 const std::string nodes_space = "http://vexlo.example/ns/yang/Vexlo-ORBIT-config-mda-cfg";
 const std::string slots_space = "http://vexlo.example/ns/yang/Vexlo-ORBIT-tlm2200-ots-cfg";
 
 // A read of some slots of the only node.
-bench::native::NetRequest read_of(const std::vector<std::string> &slots) {
-    bench::native::NativeRequest read(bench::native::RequestKind::read);
+ocpsm::native::NetRequest read_of(const std::vector<std::string> &slots) {
+    ocpsm::native::NativeRequest read(ocpsm::native::RequestKind::read);
     read.add("/active-nodes/active-node/node-name", nodes_space, "0/RP0/CPU0", 0, true, 0);
     for (const std::string &slot : slots) {
         read.add("/active-nodes/active-node/slot/slot-id", slots_space, slot, 0, true, 0);
@@ -78,15 +78,15 @@ TEST_F(Map, AnEntryWithoutKeyInTheReadIsEveryEntry) {
 }
 
 TEST_F(Map, WhatTheReadSelectsWholeBelongsToIt) {
-    bench::native::NativeRequest read(bench::native::RequestKind::read);
+    ocpsm::native::NativeRequest read(ocpsm::native::RequestKind::read);
     read.add("/active-nodes/active-node/node-name", nodes_space, "0/RP0/CPU0", 0, true, 0);
     map.add("node", read.net());
     EXPECT_EQ(slot("7", 4), "node");
 }
 
 TEST(NativeNodes, AreNamedByTheKeysThatAreKnown) {
-    using bench::native::NativeRequest;
-    NativeRequest edit(bench::native::RequestKind::edit);
+    using ocpsm::native::NativeRequest;
+    NativeRequest edit(ocpsm::native::RequestKind::edit);
     NativeRequest::NodeId slot = NativeRequest::root;
     NativeRequest::NodeId leaf = NativeRequest::root;
     edit.add("/active-nodes/active-node/slot", slots_space, std::nullopt, 0, true, 0, NativeRequest::root, &slot);

@@ -1,4 +1,4 @@
-#include "bench/framework/log_service.hpp"
+#include "framework/host/log_service.hpp"
 
 #include <gmock/gmock.h>
 
@@ -6,10 +6,10 @@
 
 namespace {
 
-using bench::framework::Channels;
-using bench::framework::OpenFunctions;
-using bench::framework::parse_trace_line;
-using bench::framework::TraceLine;
+using ocpsm::framework::Channels;
+using ocpsm::framework::OpenFunctions;
+using ocpsm::framework::parse_trace_line;
+using ocpsm::framework::TraceLine;
 
 TEST(DebugLog, FormatsALineAndNumbersItsStatement) {
     Channels channels;

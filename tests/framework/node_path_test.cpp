@@ -1,19 +1,19 @@
 // Requests that are given as paths.
-#include "bench/framework/node_path.hpp"
+#include "framework/request/node_path.hpp"
 
-#include "bench/framework/request_typing.hpp"
 #include "dump.hpp"
+#include "framework/request/type.hpp"
 #include "gmock/gmock.h"
 
 namespace {
 
-using bench::framework::deletion_of;
-using bench::framework::Kind;
-using bench::framework::read_of;
-using bench::framework::setting_of;
+using ocpsm::framework::deletion_of;
+using ocpsm::framework::Kind;
+using ocpsm::framework::read_of;
+using ocpsm::framework::setting_of;
 
 std::string selection(const std::string &path) {
-    return dump(bench::framework::type_request(read_of(path), Kind::get, true));
+    return dump(ocpsm::framework::type_request(read_of(path), Kind::get, true));
 }
 
 const std::string of_a_leaf = "aps\n"
@@ -54,7 +54,7 @@ TEST(NodePath, EverythingAndWholeLists) {
 
 TEST(NodePath, ASettingIsAMerge) {
     EXPECT_EQ(
-        dump(bench::framework::type_request(
+        dump(ocpsm::framework::type_request(
             setting_of("/aps/aps-modules/aps-module[name=0/1-PSM-OM]/config/revertive", "true"), Kind::edit, true)),
         "aps\n"
         "  aps-modules\n"
@@ -65,7 +65,7 @@ TEST(NodePath, ASettingIsAMerge) {
 }
 
 TEST(NodePath, ADeletionIsOneOfTheLastNode) {
-    EXPECT_EQ(dump(bench::framework::type_request(deletion_of("/aps/aps-modules/aps-module[name=0/1-PSM-OM]/config"),
+    EXPECT_EQ(dump(ocpsm::framework::type_request(deletion_of("/aps/aps-modules/aps-module[name=0/1-PSM-OM]/config"),
                                                   Kind::edit, true)),
               "aps\n"
               "  aps-modules\n"
@@ -73,7 +73,7 @@ TEST(NodePath, ADeletionIsOneOfTheLastNode) {
               "      name = 0/1-PSM-OM\n"
               "      config delete\n");
     EXPECT_EQ(
-        dump(bench::framework::type_request(deletion_of("/aps/aps-modules/aps-module[name=x]"), Kind::edit, true)),
+        dump(ocpsm::framework::type_request(deletion_of("/aps/aps-modules/aps-module[name=x]"), Kind::edit, true)),
         "aps\n"
         "  aps-modules\n"
         "    aps-module delete\n"

@@ -28,7 +28,7 @@ TEST(RequestDelete, IsTheNodesOwnOperation) {
 class RequestAdd : public FrameworkFixture {
 protected:
     std::vector<bool> adds(uint32_t kind) {
-        bench::framework::MappingContext other(kind, container("aps", {}), channels, native);
+        ocpsm::framework::MappingContext other(kind, container("aps", {}), channels, native);
         std::vector<bool> results;
         kidl_yfw_datatree node{};
         for (node.operation = 0; node.operation < 5; ++node.operation) {

@@ -1,9 +1,9 @@
-#include "bench/framework/codes.hpp"
+#include "framework/host/codes.hpp"
 #include "framework_fixture.hpp"
 
 namespace {
 
-using bench::framework::AddRecord;
+using ocpsm::framework::AddRecord;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -24,7 +24,7 @@ protected:
             lines.push_back(add.path + "|" + add.value.value_or("-") + "|" +
                             (add.source_operation ? std::to_string(*add.source_operation) : "-") + "|" +
                             std::to_string(add.first_flag) + std::to_string(add.second_flag) +
-                            (add.relative ? "|relative|" : "|absolute|") + bench::framework::name_of(add.result));
+                            (add.relative ? "|relative|" : "|absolute|") + ocpsm::framework::name_of(add.result));
         }
         return lines;
     }

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <string>
 
-#include "bench/framework/codes.hpp"
+#include "framework/host/codes.hpp"
 #include "hvs_dt.h"
 #include "hvs_libc.h"
 #include "kerr.h"
@@ -111,7 +111,7 @@ TEST(ErrorTexts, EveryCodeHasOne) {
 }
 
 TEST(ErrorNames, AreThoseThatAUserSees) {
-    using bench::framework::name_of;
+    using ocpsm::framework::name_of;
     EXPECT_EQ(name_of(0), "KERR_SUCCESS");
     EXPECT_EQ(name_of(0xaaf29e00), "YMAP_ERR_BAD_TREE");
     EXPECT_EQ(name_of(0xaaf2a000), "YMAP_ERR_INVALID_ARGS");
@@ -120,8 +120,8 @@ TEST(ErrorNames, AreThoseThatAUserSees) {
     EXPECT_EQ(name_of(0xaaf2f200), "YMAP_ERR_KEY_DELETE");
     EXPECT_EQ(name_of(0xaaf2f600), "YMAP_ERR_SKIP");
     EXPECT_EQ(name_of(0xaaf2f800), "YMAP_ERR_AUGMENT_UNSUPPORTED");
-    EXPECT_EQ(name_of(bench::framework::leafref_mismatch), "YFW_ERR_LEAFREF");
-    EXPECT_EQ(name_of(bench::framework::not_served), "YFW_ERR_NOT_SERVED");
+    EXPECT_EQ(name_of(ocpsm::framework::leafref_mismatch), "YFW_ERR_LEAFREF");
+    EXPECT_EQ(name_of(ocpsm::framework::not_served), "YFW_ERR_NOT_SERVED");
     EXPECT_EQ(name_of(0x0000002a), "0x0000002a");
 }
 

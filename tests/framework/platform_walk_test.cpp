@@ -1,4 +1,4 @@
-#include "bench/framework/codes.hpp"
+#include "framework/host/codes.hpp"
 #include "framework_fixture.hpp"
 
 namespace {
@@ -50,8 +50,8 @@ TEST_F(WalkServices, NullArgumentsDoNothing) {
     yfw_map_util_itree_stack_push(nullptr, nullptr, 0, 0);
     yfw_map_util_itree_stack_pop(nullptr);
     EXPECT_EQ(yfw_map_util_itree_stack_size(nullptr), 0);
-    EXPECT_EQ(yfw_map_update_current_list_node(nullptr, list_path), bench::framework::invalid_arguments);
-    EXPECT_EQ(yfw_map_update_current_list_node(&context, nullptr), bench::framework::invalid_arguments);
+    EXPECT_EQ(yfw_map_update_current_list_node(nullptr, list_path), ocpsm::framework::invalid_arguments);
+    EXPECT_EQ(yfw_map_update_current_list_node(&context, nullptr), ocpsm::framework::invalid_arguments);
     EXPECT_TRUE(context.at_rest());
     EXPECT_FALSE(context.error_path());
 }

@@ -1,20 +1,20 @@
-#include "bench/framework/plugin.hpp"
+#include "framework/host/plugin.hpp"
 
 #include <gmock/gmock.h>
 
-#include "bench/error.hpp"
 #include "dump.hpp"
+#include "framework/error.hpp"
 
 namespace {
 
-using bench::framework::openconfig_root_walker;
-using bench::framework::Plugin;
+using ocpsm::framework::openconfig_root_walker;
+using ocpsm::framework::Plugin;
 using testing::HasSubstr;
 using testing::StartsWith;
 
 TEST(Plugin, IsLoadedAndFindsItsCallbacksByName) {
     const Plugin plugin(FAKE_PLUGIN_PLAIN);
-    const bench::framework::Callback root = plugin.callback(openconfig_root_walker);
+    const ocpsm::framework::Callback root = plugin.callback(openconfig_root_walker);
     EXPECT_EQ(root(nullptr, nullptr, nullptr), YMAP_ERR_INVALID_ARGS);
     EXPECT_EQ(plugin.find("no_such_function"), nullptr);
     EXPECT_EQ(plugin.library(), FAKE_PLUGIN_PLAIN);

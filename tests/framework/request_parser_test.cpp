@@ -1,18 +1,18 @@
-#include "bench/framework/request_parser.hpp"
+#include "framework/request/parse.hpp"
 
 #include <gmock/gmock.h>
 
 #include <random>
 
-#include "bench/framework/hand_over.hpp"
-#include "bench/framework/request_typing.hpp"
 #include "dump.hpp"
+#include "framework/request/hand_over.hpp"
+#include "framework/request/type.hpp"
 
 namespace {
 
-using bench::framework::Kind;
-using bench::framework::parse_request;
-using bench::framework::RequestNode;
+using ocpsm::framework::Kind;
+using ocpsm::framework::parse_request;
+using ocpsm::framework::RequestNode;
 using testing::StartsWith;
 
 // One node per line: depth, {namespace}tag, form, value, then @{namespace}attribute=value.
@@ -191,7 +191,7 @@ TEST(HostileRequest, DamagedTextsAreReadOrRefused) {
         try {
             auto tops = type_request(parse_request(text, Kind::edit), Kind::edit, true);
             (void)hand_over_edit(std::move(tops), {});
-        } catch (const bench::Error &error) {
+        } catch (const ocpsm::Error &error) {
             ++refused;
             EXPECT_FALSE(error.tag.empty());
             EXPECT_STRNE(error.what(), "");

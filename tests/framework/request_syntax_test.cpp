@@ -1,4 +1,4 @@
-#include "bench/framework/request_syntax.hpp"
+#include "framework/request/syntax.hpp"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,8 @@
 
 namespace {
 
-using bench::framework::inspect;
-using bench::framework::Syntax;
+using ocpsm::framework::inspect;
+using ocpsm::framework::Syntax;
 
 const std::string malformed = "input|malformed-message||";
 const std::string parser_advice = "|check the request with a parser";

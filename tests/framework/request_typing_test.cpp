@@ -1,15 +1,15 @@
-#include "bench/framework/request_typing.hpp"
+#include "framework/request/type.hpp"
 
 #include <gtest/gtest.h>
 
-#include "bench/framework/request_parser.hpp"
 #include "dump.hpp"
+#include "framework/request/parse.hpp"
 
 namespace {
 
-using bench::framework::Kind;
-using bench::framework::parse_request;
-using bench::framework::type_request;
+using ocpsm::framework::Kind;
+using ocpsm::framework::parse_request;
+using ocpsm::framework::type_request;
 
 const std::string entry_path = "/aps/aps-modules/aps-module[name='0/2-PSM-OM']";
 

@@ -2,14 +2,14 @@
 
 #include <algorithm>
 
-#include "bench/models/models.hpp"
-#include "bench/native/native_path.hpp"
+#include "framework/models/models.hpp"
+#include "framework/native/native_path.hpp"
 
-using bench::framework::Answer;
-using bench::framework::AnswerNode;
-using bench::framework::EditResult;
-using bench::framework::Outcome;
-using bench::framework::Plugin;
+using ocpsm::framework::Answer;
+using ocpsm::framework::AnswerNode;
+using ocpsm::framework::EditResult;
+using ocpsm::framework::Outcome;
+using ocpsm::framework::Plugin;
 
 namespace {
 
@@ -48,23 +48,23 @@ std::vector<Step> steps_of(const std::string &path) {
     return steps;
 }
 
-std::vector<bench::native::DataNode> key_leaves(const lysc_node &list, const Step &step) {
-    std::vector<bench::native::DataNode> leaves;
-    for (const std::string_view name : bench::models::key_names(list)) {
+std::vector<ocpsm::native::DataNode> key_leaves(const lysc_node &list, const Step &step) {
+    std::vector<ocpsm::native::DataNode> leaves;
+    for (const std::string_view name : ocpsm::models::key_names(list)) {
         const auto key = std::find_if(step.keys.begin(), step.keys.end(),
                                       [name](const auto &candidate) { return candidate.first == name; });
-        leaves.push_back({bench::models::Schema::native().child(&list, name), key->second, {}});
+        leaves.push_back({ocpsm::models::Schema::native().child(&list, name), key->second, {}});
     }
     return leaves;
 }
 
-void hold(std::vector<bench::native::DataNode> &nodes, const lysc_node *parent, const std::vector<Step> &steps,
+void hold(std::vector<ocpsm::native::DataNode> &nodes, const lysc_node *parent, const std::vector<Step> &steps,
           std::size_t index, const std::string &value) {
     const Step &step = steps.at(index);
-    const lysc_node *schema = bench::models::Schema::native().child(parent, step.name);
+    const lysc_node *schema = ocpsm::models::Schema::native().child(parent, step.name);
     ASSERT_NE(schema, nullptr) << step.name;
     const auto keys = key_leaves(*schema, step);
-    const auto is_it = [&](const bench::native::DataNode &node) {
+    const auto is_it = [&](const ocpsm::native::DataNode &node) {
         return node.schema == schema &&
                std::equal(keys.begin(), keys.end(), node.children.begin(),
                           [](const auto &key, const auto &child) { return key.value == child.value; });
@@ -84,7 +84,7 @@ void hold(std::vector<bench::native::DataNode> &nodes, const lysc_node *parent, 
 
 Lines leaves_of(const std::vector<AnswerNode> &tops) {
     Lines lines;
-    bench::framework::for_each_leaf(tops, [&lines](const std::string &path, const AnswerNode &leaf) {
+    ocpsm::framework::for_each_leaf(tops, [&lines](const std::string &path, const AnswerNode &leaf) {
         lines.push_back(short_path(path) + " = " + leaf.value.value_or("(no value)"));
     });
     return lines;
@@ -133,19 +133,19 @@ Lines SessionFixture::answered(const Answer &answer) {
 }
 
 Lines SessionFixture::get(const std::string &text) {
-    return answered(bench::framework::read(plugin(), text, Kind::get, device()));
+    return answered(ocpsm::framework::read(plugin(), text, Kind::get, device()));
 }
 
 Lines SessionFixture::get_config(const std::string &text) {
-    return answered(bench::framework::read(plugin(), text, Kind::get_config, device()));
+    return answered(ocpsm::framework::read(plugin(), text, Kind::get_config, device()));
 }
 
 Lines SessionFixture::get_path(const std::string &path, Kind kind) {
-    return answered(bench::framework::read_paths(plugin(), std::vector{path}, kind, device()));
+    return answered(ocpsm::framework::read_paths(plugin(), std::vector{path}, kind, device()));
 }
 
 EditResult SessionFixture::edit(const std::string &text) {
-    return bench::framework::edit(plugin(), text, device());
+    return ocpsm::framework::edit(plugin(), text, device());
 }
 
 EditResult SessionFixture::successful(EditResult result) {
@@ -160,13 +160,13 @@ HeldDevice::HeldDevice(const std::vector<Leaf> &leaves) {
     }
 }
 
-bench::native::NativeData HeldDevice::answer(const bench::native::NetRequest &read) {
-    return answers_everything ? held_ : bench::native::answer(held_, read);
+ocpsm::native::NativeData HeldDevice::answer(const ocpsm::native::NetRequest &read) {
+    return answers_everything ? held_ : ocpsm::native::answer(held_, read);
 }
 
-void HeldDevice::apply(const bench::native::NetRequest &edit) {
+void HeldDevice::apply(const ocpsm::native::NetRequest &edit) {
     if (refusal) {
-        throw bench::native::NativeRefusal(*refusal);
+        throw ocpsm::native::NativeRefusal(*refusal);
     }
     for (const auto &operation : edit.operations()) {
         edits.push_back(operation.path);

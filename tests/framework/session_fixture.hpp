@@ -9,12 +9,12 @@
 #include <string>
 #include <vector>
 
-#include "bench/framework/session.hpp"
-#include "bench/line_system/device.hpp"
-#include "bench/line_system/storage.hpp"
-#include "bench/line_system/temporary_state.hpp"
-#include "bench/native/native_data.hpp"
-#include "bench/sysdb/client_library.hpp"
+#include "framework/native/native_data.hpp"
+#include "framework/session.hpp"
+#include "simulator/database/client_library.hpp"
+#include "simulator/line_system/line_system_device.hpp"
+#include "simulator/line_system/storage.hpp"
+#include "simulator/line_system/temporary_state.hpp"
 
 using Lines = std::vector<std::string>;
 
@@ -36,52 +36,52 @@ inline std::string module_path(int slot, const std::string &below = {}) {
 }
 
 // The leaves of an answer below its modules, in document order: "1/config/revertive = true" in the slot of the module.
-Lines leaves_of(const std::vector<bench::framework::AnswerNode> &tops);
+Lines leaves_of(const std::vector<ocpsm::framework::AnswerNode> &tops);
 
 // "tag|location|message|advice|offending node"; "none" without an error.
-std::string refusal_of(const bench::framework::Outcome &outcome);
+std::string refusal_of(const ocpsm::framework::Outcome &outcome);
 
 // The changes of an edit: "1/config/revertive: true -> -".
-Lines changes_of(const bench::framework::EditResult &result);
+Lines changes_of(const ocpsm::framework::EditResult &result);
 
 class SessionFixture : public testing::Test {
 protected:
-    using Kind = bench::framework::Kind;
-    using LineSystem = bench::line_system::LineSystem;
+    using Kind = ocpsm::framework::Kind;
+    using LineSystem = ocpsm::line_system::LineSystem;
 
     // The plug-in stays loaded, so that a leak report can name its functions.
-    static const bench::framework::Plugin &plugin();
+    static const ocpsm::framework::Plugin &plugin();
 
     // The line system that the next requests go to; the store is left as it was made.
     void use(const LineSystem &system);
 
-    bench::native::Device &device() { return *device_; }
-    LineSystem system() const { return bench::line_system::load(*transaction_); }
+    ocpsm::native::Device &device() { return *device_; }
+    LineSystem system() const { return ocpsm::line_system::load(*transaction_); }
 
     // The leaves of an answer without error and warning.
     Lines get(const std::string &text);
     Lines get_config(const std::string &text);
     Lines get_path(const std::string &path, Kind kind = Kind::get);
 
-    bench::framework::EditResult edit(const std::string &text);
+    ocpsm::framework::EditResult edit(const std::string &text);
 
     // The changes of an edit that must succeed.
     Lines changes(const std::string &text) { return changes_of(successful(edit(text))); }
-    static bench::framework::EditResult successful(bench::framework::EditResult result);
+    static ocpsm::framework::EditResult successful(ocpsm::framework::EditResult result);
 
     void TearDown() override;
 
 private:
-    Lines answered(const bench::framework::Answer &answer);
+    Lines answered(const ocpsm::framework::Answer &answer);
 
-    std::optional<bench::sysdb::Client> client_;
-    std::optional<bench::line_system::TemporaryState> state_;
-    std::unique_ptr<bench::sysdb::WriteTransaction> transaction_;
-    std::optional<bench::line_system::LineSystemDevice> device_;
+    std::optional<ocpsm::sysdb::Client> client_;
+    std::optional<ocpsm::line_system::TemporaryState> state_;
+    std::unique_ptr<ocpsm::sysdb::WriteTransaction> transaction_;
+    std::optional<ocpsm::line_system::LineSystemDevice> device_;
 };
 
 // A device that answers from what a test has written down: the paths of leaves with their values.
-class HeldDevice : public bench::native::Device {
+class HeldDevice : public ocpsm::native::Device {
 public:
     struct Leaf {
         std::string path; // instance path, e.g. /active-nodes/active-node[node-name=0/RP0/CPU0]/slot[slot-id=1]/psm/...
@@ -90,17 +90,17 @@ public:
 
     explicit HeldDevice(const std::vector<Leaf> &leaves);
 
-    bench::native::NativeData answer(const bench::native::NetRequest &read) override;
-    void apply(const bench::native::NetRequest &edit) override;
+    ocpsm::native::NativeData answer(const ocpsm::native::NetRequest &read) override;
+    void apply(const ocpsm::native::NetRequest &edit) override;
 
     // How an edit is refused; none: it is accepted, and changes nothing.
-    std::optional<bench::native::NativeRefusal> refusal;
+    std::optional<ocpsm::native::NativeRefusal> refusal;
     // Answers with all that it holds, whatever is asked for.
     bool answers_everything = false;
     std::vector<std::string> edits; // the paths of the operations of all edits
 
 private:
-    bench::native::NativeData held_;
+    ocpsm::native::NativeData held_;
 };
 
 #endif

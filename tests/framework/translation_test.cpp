@@ -1,19 +1,19 @@
-#include "bench/framework/translation.hpp"
+#include "framework/translation.hpp"
 
 #include <gmock/gmock.h>
 
-#include "bench/framework/codes.hpp"
-#include "bench/framework/data_tree.hpp"
 #include "dump.hpp"
+#include "framework/host/codes.hpp"
+#include "framework/host/data_tree.hpp"
 #include "hvs_dt.h"
 
 namespace {
 
-using bench::framework::AddRecord;
-using bench::framework::Kind;
-using bench::framework::translate;
-using bench::framework::Translation;
-using bench::framework::TranslationOptions;
+using ocpsm::framework::AddRecord;
+using ocpsm::framework::Kind;
+using ocpsm::framework::translate;
+using ocpsm::framework::Translation;
+using ocpsm::framework::TranslationOptions;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -72,7 +72,7 @@ std::string refusal(const Translation &translation) {
     if (!translation.error) {
         return translation.result_name + "|no error";
     }
-    const bench::framework::Refusal &error = *translation.error;
+    const ocpsm::framework::Refusal &error = *translation.error;
     return translation.result_name + "|" + error.tag + "|" + error.message + "|" + error.location + "|" +
            error.offending_node + "|" + error.advice;
 }
@@ -101,7 +101,7 @@ TEST(Translation, EveryInstanceOfAReadHasANativeRequestOfItsOwn) {
     const auto native = [&translation](std::size_t index) {
         return translation.handed_over.at(index).native.net().operations().back();
     };
-    EXPECT_EQ(translation.handed_over[0].native.kind(), bench::native::RequestKind::read);
+    EXPECT_EQ(translation.handed_over[0].native.kind(), ocpsm::native::RequestKind::read);
     EXPECT_EQ(native(0).path, "/interface-configurations/interface-configuration[interface-name='a']");
     EXPECT_EQ(native(1).path, "/interface-configurations/interface-configuration[interface-name='b']");
     const std::vector<AddRecord> &adds = translation.handed_over[1].adds;
@@ -123,7 +123,7 @@ TEST(Translation, AnEditIsOneNativeRequest) {
         adds_its_names, modules("<aps-module><name>a</name></aps-module><aps-module><name>b</name></aps-module>"),
         Kind::edit, {});
     ASSERT_EQ(translation.handed_over.size(), 1U);
-    EXPECT_EQ(translation.handed_over[0].native.kind(), bench::native::RequestKind::edit);
+    EXPECT_EQ(translation.handed_over[0].native.kind(), ocpsm::native::RequestKind::edit);
 }
 
 kerrno shows_kind(yfw_map_ctx ctx, const Node *, Node *) {

@@ -1,27 +1,27 @@
-#include "bench/line_system/controllers.hpp"
+#include "simulator/line_system/controllers.hpp"
 
 #include <limits>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
 
-#include "bench/line_system/operations.hpp"
+#include "simulator/line_system/operations.hpp"
 
 namespace {
 
-using bench::line_system::attenuation;
-using bench::line_system::dark;
-using bench::line_system::example;
-using bench::line_system::Lockout;
-using bench::line_system::Path;
-using bench::line_system::Power;
-using bench::line_system::powers;
-using bench::line_system::Readings;
-using bench::line_system::readings;
-using bench::line_system::Slot;
-using bench::line_system::Statistics;
-using bench::line_system::switch_settings;
-using Powers = std::array<Power, bench::line_system::port_count>;
+using ocpsm::line_system::attenuation;
+using ocpsm::line_system::dark;
+using ocpsm::line_system::example;
+using ocpsm::line_system::Lockout;
+using ocpsm::line_system::Path;
+using ocpsm::line_system::Power;
+using ocpsm::line_system::powers;
+using ocpsm::line_system::Readings;
+using ocpsm::line_system::readings;
+using ocpsm::line_system::Slot;
+using ocpsm::line_system::Statistics;
+using ocpsm::line_system::switch_settings;
+using Powers = std::array<Power, ocpsm::line_system::port_count>;
 
 // Client light 1.00 dBm, lines -12.00 and -14.00 dBm; offsets -0.10, -3.00 and -3.50 dB; on its primary line.
 Slot fitted() {

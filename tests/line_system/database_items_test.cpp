@@ -1,4 +1,4 @@
-#include "bench/line_system/database_items.hpp"
+#include "simulator/line_system/database_items.hpp"
 
 #include <limits>
 
@@ -9,12 +9,12 @@
 
 namespace {
 
-using bench::line_system::database_items;
-using bench::line_system::example;
-using bench::line_system::LineSystem;
-using bench::line_system::port_items;
-using bench::line_system::Readings;
-using bench::line_system::Statistics;
+using ocpsm::line_system::database_items;
+using ocpsm::line_system::example;
+using ocpsm::line_system::LineSystem;
+using ocpsm::line_system::port_items;
+using ocpsm::line_system::Readings;
+using ocpsm::line_system::Statistics;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -26,7 +26,7 @@ std::vector<std::string> shown_items(const Readings &readings) {
 TEST(ExampleLineSystem, HasModulesInSlots1And3) {
     EXPECT_THAT(fitted_slots(example()), ElementsAre(1, 3));
     EXPECT_THAT(fitted_slots(LineSystem{}), IsEmpty());
-    EXPECT_EQ(bench::line_system::module_name(2), "0/2-PSM-OM");
+    EXPECT_EQ(ocpsm::line_system::module_name(2), "0/2-PSM-OM");
 }
 
 TEST(ExampleLineSystem, StoresTheItemsOfItsControllers) {

@@ -1,4 +1,4 @@
-#include "bench/line_system/device.hpp"
+#include "simulator/line_system/line_system_device.hpp"
 
 #include <map>
 #include <stdexcept>
@@ -6,30 +6,30 @@
 
 #include <gtest/gtest.h>
 
-#include "bench/line_system/native_side.hpp"
-#include "bench/line_system/operations.hpp"
-#include "bench/line_system/storage.hpp"
 #include "native/native_test.hpp"
 #include "native/shown_data.hpp"
+#include "simulator/line_system/native_side.hpp"
+#include "simulator/line_system/operations.hpp"
+#include "simulator/line_system/storage.hpp"
 #include "sysdb/open_store.hpp"
 
 namespace {
 
-using bench::line_system::change;
-using bench::line_system::example;
-using bench::line_system::LineSystem;
-using bench::line_system::LineSystemDevice;
-using bench::line_system::load;
-using bench::line_system::Path;
-using bench::line_system::pull;
-using bench::line_system::tick;
-using bench::native::NativeRefusal;
-using bench::sysdb::Table;
 using native_test::edit;
 using native_test::mda;
 using native_test::merge;
 using native_test::ots;
 using native_test::Request;
+using ocpsm::line_system::change;
+using ocpsm::line_system::example;
+using ocpsm::line_system::LineSystem;
+using ocpsm::line_system::LineSystemDevice;
+using ocpsm::line_system::load;
+using ocpsm::line_system::Path;
+using ocpsm::line_system::pull;
+using ocpsm::line_system::tick;
+using ocpsm::native::NativeRefusal;
+using ocpsm::sysdb::Table;
 
 class LineSystemDeviceTest : public OpenStore {
 public:

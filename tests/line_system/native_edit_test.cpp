@@ -5,23 +5,15 @@
 
 #include <gmock/gmock.h>
 
-#include "bench/line_system/controllers.hpp"
-#include "bench/line_system/database_items.hpp"
-#include "bench/line_system/native_side.hpp"
-#include "bench/line_system/operations.hpp"
 #include "native/native_test.hpp"
 #include "shown_item.hpp"
+#include "simulator/line_system/controllers.hpp"
+#include "simulator/line_system/database_items.hpp"
+#include "simulator/line_system/native_side.hpp"
+#include "simulator/line_system/operations.hpp"
 
 namespace {
 
-using bench::line_system::apply;
-using bench::line_system::example;
-using bench::line_system::LineSystem;
-using bench::line_system::Path;
-using bench::line_system::pull;
-using bench::line_system::Slot;
-using bench::line_system::SlotSettings;
-using bench::line_system::with_modules;
 using native_test::create;
 using native_test::edit;
 using native_test::erase;
@@ -41,6 +33,14 @@ using native_test::Request;
 using native_test::slot_path;
 using native_test::threshold_path;
 using native_test::Value;
+using ocpsm::line_system::apply;
+using ocpsm::line_system::example;
+using ocpsm::line_system::LineSystem;
+using ocpsm::line_system::Path;
+using ocpsm::line_system::pull;
+using ocpsm::line_system::Slot;
+using ocpsm::line_system::SlotSettings;
+using ocpsm::line_system::with_modules;
 using testing::ElementsAre;
 
 // An edit that stands in the entry of a slot of the node, or in that of an interface.
@@ -63,7 +63,7 @@ Request at_interface(const char *name, const char *active = "act") {
 std::string refusal(const LineSystem &system, const Request &request) {
     try {
         static_cast<void>(apply(system, request.net()));
-    } catch (const bench::native::NativeRefusal &refused) {
+    } catch (const ocpsm::native::NativeRefusal &refused) {
         return refused.tag + " at " + refused.path + ": " + refused.message;
     }
     return "none";
@@ -473,11 +473,11 @@ TEST(NativeEdit, ShowsInPowersAndDatabaseItems) {
     request.put(optics_path + "/optics-ots-rx-voa-attenuation", optics, "35", merge, false, 0);
     request.put(optics_path + "/rx-thresholds", optics, none, erase, false, 0);
     const LineSystem after = apply(example(), request.net());
-    const auto powers = bench::line_system::powers(slot(after, 1));
+    const auto powers = ocpsm::line_system::powers(slot(after, 1));
     EXPECT_EQ(powers[1].received, -1234);
     EXPECT_EQ(powers[1].transmitted, -115);  // 105 - 0 - 220
     EXPECT_EQ(powers[0].transmitted, -1582); // -1234 - 350 + 2
-    const auto items = shown(bench::line_system::port_items(1, 1, readings(slot(after, 1), 1)));
+    const auto items = shown(ocpsm::line_system::port_items(1, 1, readings(slot(after, 1), 1)));
     EXPECT_THAT(
         items, ElementsAre("/oper/ots/if/Ots0_1_0_1/ots_info: ots_info 1.0 ots_edm_info{ LaneData[ { "
                            "ReceivePower=-1234 ReceivePowerDbm=-1234 TransmitPower=-115 TransmitPowerDbm=-115 } ] } "

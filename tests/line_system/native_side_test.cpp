@@ -1,4 +1,4 @@
-#include "bench/line_system/native_side.hpp"
+#include "simulator/line_system/native_side.hpp"
 
 #include <array>
 #include <string>
@@ -6,20 +6,20 @@
 
 #include <gtest/gtest.h>
 
-#include "bench/line_system/operations.hpp"
 #include "native/shown_data.hpp"
+#include "simulator/line_system/operations.hpp"
 
 namespace {
 
-using bench::line_system::example;
-using bench::line_system::fit;
-using bench::line_system::LineSystem;
-using bench::line_system::native_data;
-using bench::line_system::Path;
-using bench::line_system::pull;
-using bench::line_system::tick;
-using bench::line_system::with_modules;
 using native_test::shown;
+using ocpsm::line_system::example;
+using ocpsm::line_system::fit;
+using ocpsm::line_system::LineSystem;
+using ocpsm::line_system::native_data;
+using ocpsm::line_system::Path;
+using ocpsm::line_system::pull;
+using ocpsm::line_system::tick;
+using ocpsm::line_system::with_modules;
 
 // The same lines, deeper.
 std::string below(const std::string &name, const std::vector<std::string> &parts) {

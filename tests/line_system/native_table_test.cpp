@@ -1,4 +1,4 @@
-#include "bench/line_system/native_table.hpp"
+#include "simulator/line_system/native_table.hpp"
 
 #include <functional>
 #include <stdexcept>
@@ -8,16 +8,16 @@
 
 namespace {
 
-using bench::line_system::leaf_rows;
-using bench::line_system::LeafRow;
-using bench::line_system::LineSettings;
-using bench::line_system::LineSystem;
-using bench::line_system::list_rows;
-using bench::line_system::ListKind;
-using bench::line_system::ListRow;
-using bench::line_system::NativeTable;
-using bench::line_system::Readings;
-using bench::models::Schema;
+using ocpsm::line_system::leaf_rows;
+using ocpsm::line_system::LeafRow;
+using ocpsm::line_system::LineSettings;
+using ocpsm::line_system::LineSystem;
+using ocpsm::line_system::list_rows;
+using ocpsm::line_system::ListKind;
+using ocpsm::line_system::ListRow;
+using ocpsm::line_system::NativeTable;
+using ocpsm::line_system::Readings;
+using ocpsm::models::Schema;
 
 // What is wrong with the device's table after a change.
 std::string complaint(const std::function<void(std::vector<LeafRow> &, std::vector<ListRow> &)> &change) {
@@ -71,8 +71,8 @@ TEST(NativeTable, NamesARowWithoutANode) {
 TEST(NativeTable, SetsNoOperationalState) {
     LineSystem system;
     EXPECT_THROW(set_value(&Readings::receive_power, system, {1, 1}, "1"), std::logic_error);
-    EXPECT_THROW(set_value(bench::line_system::PortStatus{}, system, {1, 1}, "active"), std::logic_error);
-    EXPECT_THROW(set_value(bench::line_system::History{&Readings::received, nullptr}, system, {1, 1}, "1"),
+    EXPECT_THROW(set_value(ocpsm::line_system::PortStatus{}, system, {1, 1}, "active"), std::logic_error);
+    EXPECT_THROW(set_value(ocpsm::line_system::History{&Readings::received, nullptr}, system, {1, 1}, "1"),
                  std::logic_error);
     EXPECT_THROW(set_value(&LineSettings::rx_attenuation, system, {1, 1}, "1.5"), std::logic_error);
 }

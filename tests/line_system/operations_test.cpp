@@ -1,16 +1,16 @@
-#include "bench/line_system/operations.hpp"
+#include "simulator/line_system/operations.hpp"
 
 #include <array>
 
 #include <gmock/gmock.h>
 
-#include "bench/error.hpp"
-#include "bench/line_system/controllers.hpp"
+#include "framework/error.hpp"
+#include "simulator/line_system/controllers.hpp"
 #include "sysdb/open_store.hpp"
 
 namespace {
 
-using namespace bench::line_system; // NOLINT(google-build-using-namespace): all that is tested
+using namespace ocpsm::line_system; // NOLINT(google-build-using-namespace): all that is tested
 using testing::ElementsAre;
 
 constexpr char no_module_in_2[] = "refused|data-missing||slot 2 holds no module|fit one first";

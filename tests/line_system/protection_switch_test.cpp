@@ -1,4 +1,4 @@
-#include "bench/line_system/protection_switch.hpp"
+#include "simulator/line_system/protection_switch.hpp"
 
 #include <limits>
 #include <ostream>
@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-namespace bench::line_system {
+namespace ocpsm::line_system {
 
 static void PrintTo(const SwitchState &state, std::ostream *out) { // gtest finds it by this name
     *out << (state.active == Path::primary ? "primary" : "secondary");
@@ -15,16 +15,16 @@ static void PrintTo(const SwitchState &state, std::ostream *out) { // gtest find
     }
 }
 
-} // namespace bench::line_system
+} // namespace ocpsm::line_system
 
 namespace {
 
-using bench::line_system::evaluate;
-using bench::line_system::LineLight;
-using bench::line_system::Lockout;
-using bench::line_system::Path;
-using bench::line_system::SwitchSettings;
-using bench::line_system::SwitchState;
+using ocpsm::line_system::evaluate;
+using ocpsm::line_system::LineLight;
+using ocpsm::line_system::Lockout;
+using ocpsm::line_system::Path;
+using ocpsm::line_system::SwitchSettings;
+using ocpsm::line_system::SwitchState;
 
 constexpr SwitchState on_primary{Path::primary};
 constexpr SwitchState on_secondary{Path::secondary};

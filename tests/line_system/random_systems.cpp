@@ -2,7 +2,7 @@
 
 #include <limits>
 
-namespace line_system = bench::line_system;
+namespace line_system = ocpsm::line_system;
 
 // Small numbers and the ends of the range are as likely as all the others.
 template <class Number>

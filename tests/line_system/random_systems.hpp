@@ -7,14 +7,14 @@
 #include <random>
 #include <string>
 
-#include "bench/line_system/line_system.hpp"
+#include "simulator/line_system/line_system.hpp"
 
 class RandomSystems {
 public:
     explicit RandomSystems(std::uint32_t seed) : engine_(seed) {}
 
     // Every field has any value of its type, or is absent.
-    bench::line_system::LineSystem next();
+    ocpsm::line_system::LineSystem next();
 
 private:
     template <class Number>
@@ -22,12 +22,12 @@ private:
     bool one_in(unsigned count);
     std::string text();
     std::optional<int> maybe_number();
-    bench::line_system::Slot slot();
-    bench::line_system::Module module();
-    bench::line_system::LineSettings line_settings();
-    bench::line_system::SlotSettings slot_settings();
-    bench::line_system::Cabling cabling();
-    bench::line_system::PowerHistory history();
+    ocpsm::line_system::Slot slot();
+    ocpsm::line_system::Module module();
+    ocpsm::line_system::LineSettings line_settings();
+    ocpsm::line_system::SlotSettings slot_settings();
+    ocpsm::line_system::Cabling cabling();
+    ocpsm::line_system::PowerHistory history();
 
     std::mt19937 engine_;
 };

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "bag_generic.h"
-#include "bench/bag/format.hpp"
+#include "simulator/bag/format.hpp"
 
 namespace {
 
@@ -48,7 +48,7 @@ std::string shown_tokens(bag_generic_state_td state) {
 
 std::string shown_bag(std::string_view data) {
     std::string padded(data);
-    padded.resize(padded.size() + bench::bag::max_header_size);
+    padded.resize(padded.size() + ocpsm::bag::max_header_size);
     bag_header_td header{};
     bag_generic_state_td state = nullptr;
     if (bag_header_info(padded.data(), &header) != KERR_SUCCESS ||
@@ -75,10 +75,10 @@ std::string shown_data(sysdb_item_datatype_td type, std::string_view data) {
     return std::to_string(number);
 }
 
-std::vector<std::string> shown(const std::vector<bench::sysdb::Item> &items) {
+std::vector<std::string> shown(const std::vector<ocpsm::sysdb::Item> &items) {
     std::vector<std::string> lines;
     lines.reserve(items.size());
-    for (const bench::sysdb::Item &item : items) {
+    for (const ocpsm::sysdb::Item &item : items) {
         lines.push_back(item.path + ": " + shown_data(item.type, item.data));
     }
     return lines;

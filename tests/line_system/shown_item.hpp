@@ -6,13 +6,13 @@
 #include <string_view>
 #include <vector>
 
-#include "bench/sysdb/item.hpp"
+#include "simulator/database/item.hpp"
 
 // A bag: type name and version, then "name=number", "name='text'", "name{struct}", "name[array]"; an integer: its
 // number.
 std::string shown_data(sysdb_item_datatype_td type, std::string_view data);
 
 // "path: data", in the order of the items.
-std::vector<std::string> shown(const std::vector<bench::sysdb::Item> &items);
+std::vector<std::string> shown(const std::vector<ocpsm::sysdb::Item> &items);
 
 #endif

@@ -1,4 +1,4 @@
-#include "bench/line_system/storage.hpp"
+#include "simulator/line_system/storage.hpp"
 
 #include <cstdlib>
 #include <memory>
@@ -9,19 +9,19 @@
 
 #include <gmock/gmock.h>
 
-#include "bench/line_system/operations.hpp"
 #include "random_systems.hpp"
 #include "shown_item.hpp"
+#include "simulator/line_system/operations.hpp"
 #include "sysdb/open_store.hpp"
 
 namespace {
 
-using bench::line_system::example;
-using bench::line_system::LineSystem;
-using bench::line_system::load;
-using bench::line_system::Statistics;
-using bench::sysdb::Store;
-using bench::sysdb::Table;
+using ocpsm::line_system::example;
+using ocpsm::line_system::LineSystem;
+using ocpsm::line_system::load;
+using ocpsm::line_system::Statistics;
+using ocpsm::sysdb::Store;
+using ocpsm::sysdb::Table;
 using testing::ElementsAre;
 
 constexpr char no_line_system[] = "input|operation-failed||the directory holds no line system|create one there first";
@@ -39,7 +39,7 @@ protected:
 
     LineSystem opened_again() {
         store.close();
-        return bench::line_system::open(store, state);
+        return ocpsm::line_system::open(store, state);
     }
 
     TemporaryDirectory directory;
@@ -207,7 +207,7 @@ TEST_F(LineSystemStorage, NoticesEveryRecordThatIsMissing) {
         std::string seen;
         try {
             seen = load(*transaction) == example() ? "the same" : "another";
-        } catch (const bench::Error &) {
+        } catch (const ocpsm::Error &) {
             seen = "refused";
         }
         EXPECT_NE(seen, "the same") << record;

@@ -1,4 +1,4 @@
-#include "bench/line_system/temporary_state.hpp"
+#include "simulator/line_system/temporary_state.hpp"
 
 #include <cstdlib>
 #include <optional>
@@ -7,16 +7,16 @@
 
 #include <gtest/gtest.h>
 
-#include "bench/line_system/storage.hpp"
+#include "simulator/line_system/storage.hpp"
 #include "sysdb/open_store.hpp"
 
 namespace {
 
-using bench::line_system::example;
-using bench::line_system::LineSystem;
-using bench::line_system::load;
-using bench::line_system::TemporaryState;
-using bench::sysdb::Store;
+using ocpsm::line_system::example;
+using ocpsm::line_system::LineSystem;
+using ocpsm::line_system::load;
+using ocpsm::line_system::TemporaryState;
+using ocpsm::sysdb::Store;
 
 // TMPDIR names a directory of the test's own.
 class TemporaryStateTest : public testing::Test {

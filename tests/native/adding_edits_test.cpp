@@ -223,7 +223,7 @@ TEST(AddingEdits, AfterADeleteNothingBelowIsCurrent) {
     request.put(threshold_path + "/rx-threshold-type", optics, "low", merge, false, 1);
     const Request::NodeId taken = request.put(threshold_path, optics, none, merge, false, 1);
     request.put(optics_path + "/rx-thresholds", optics, none, erase, false, 1);
-    EXPECT_EQ(request.add("rx-threshold", optics, "1", merge, false, 0, taken), bench::native::add_stale_node);
+    EXPECT_EQ(request.add("rx-threshold", optics, "1", merge, false, 0, taken), ocpsm::native::add_stale_node);
     EXPECT_NE(request.put(threshold_path, optics, none, merge, false, 1), taken);
 }
 

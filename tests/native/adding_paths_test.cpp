@@ -18,7 +18,7 @@ TEST(AddingPaths, APathWithoutALeadingSlashIsOneStepBelowTheTree) {
               "merge /interface-configurations/interface-configuration[active='act'][interface-name='Ots0/1/0/1']\n"
               "merge /interface-configurations/interface-configuration\n");
     EXPECT_EQ(request.add("optics/rx-thresholds", optics, none, merge, false, 0, first),
-              bench::native::add_unknown_path);
+              ocpsm::native::add_unknown_path);
 }
 
 TEST(AddingPaths, TheResultSlotReceivesTheNode) {
@@ -248,34 +248,34 @@ TEST(AddingPaths, WhatNoModelHasIsRefusedAndNothingIsAdded) {
                           Request::NodeId tree = Request::root) {
         return request.add(path, namespace_uri, value, operation, true, 0, tree);
     };
-    EXPECT_EQ(code("", mda), bench::native::add_unknown_path);
-    EXPECT_EQ(code("/", mda), bench::native::add_unknown_path);
-    EXPECT_EQ(code("/active-nodes/", mda), bench::native::add_unknown_path);
-    EXPECT_EQ(code("/active-nodes/active-node/slots", ots), bench::native::add_unknown_path);
-    EXPECT_EQ(code("/active-nodes/active-node[node-name='n']", mda), bench::native::add_unknown_path);
-    EXPECT_EQ(code("active-nodes/active-node", mda), bench::native::add_unknown_path);
-    EXPECT_EQ(code("/active-nodes/active-node/slot", mda), bench::native::add_wrong_namespace);
-    EXPECT_EQ(code("/active-nodes", ""), bench::native::add_wrong_namespace);
-    EXPECT_EQ(code("/active-nodes", mda, ""), bench::native::add_unexpected_value);
-    EXPECT_EQ(code("/active-nodes/active-node", mda, "n"), bench::native::add_unexpected_value);
-    EXPECT_EQ(code("/active-nodes", mda, none, 5), bench::native::add_unknown_operation);
-    EXPECT_EQ(code("active-node", mda, none, 0, 1), bench::native::add_stale_node);
+    EXPECT_EQ(code("", mda), ocpsm::native::add_unknown_path);
+    EXPECT_EQ(code("/", mda), ocpsm::native::add_unknown_path);
+    EXPECT_EQ(code("/active-nodes/", mda), ocpsm::native::add_unknown_path);
+    EXPECT_EQ(code("/active-nodes/active-node/slots", ots), ocpsm::native::add_unknown_path);
+    EXPECT_EQ(code("/active-nodes/active-node[node-name='n']", mda), ocpsm::native::add_unknown_path);
+    EXPECT_EQ(code("active-nodes/active-node", mda), ocpsm::native::add_unknown_path);
+    EXPECT_EQ(code("/active-nodes/active-node/slot", mda), ocpsm::native::add_wrong_namespace);
+    EXPECT_EQ(code("/active-nodes", ""), ocpsm::native::add_wrong_namespace);
+    EXPECT_EQ(code("/active-nodes", mda, ""), ocpsm::native::add_unexpected_value);
+    EXPECT_EQ(code("/active-nodes/active-node", mda, "n"), ocpsm::native::add_unexpected_value);
+    EXPECT_EQ(code("/active-nodes", mda, none, 5), ocpsm::native::add_unknown_operation);
+    EXPECT_EQ(code("active-node", mda, none, 0, 1), ocpsm::native::add_stale_node);
     EXPECT_TRUE(request.empty());
     EXPECT_EQ(request.xml(), "<nc:config xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\"/>\n");
 }
 
 TEST(AddingPaths, EveryCodeHasAText) {
-    EXPECT_EQ(bench::native::add_error_text(bench::native::add_unknown_path),
+    EXPECT_EQ(ocpsm::native::add_error_text(ocpsm::native::add_unknown_path),
               "no native model has a node with this path");
-    EXPECT_EQ(bench::native::add_error_text(bench::native::add_wrong_namespace),
+    EXPECT_EQ(ocpsm::native::add_error_text(ocpsm::native::add_wrong_namespace),
               "the native node belongs to another namespace");
-    EXPECT_EQ(bench::native::add_error_text(bench::native::add_unexpected_value),
+    EXPECT_EQ(ocpsm::native::add_error_text(ocpsm::native::add_unexpected_value),
               "a native container or list was given a value");
-    EXPECT_EQ(bench::native::add_error_text(bench::native::add_unknown_operation),
+    EXPECT_EQ(ocpsm::native::add_error_text(ocpsm::native::add_unknown_operation),
               "a native node was given an unknown operation");
-    EXPECT_EQ(bench::native::add_error_text(bench::native::add_stale_node),
+    EXPECT_EQ(ocpsm::native::add_error_text(ocpsm::native::add_stale_node),
               "the native node to add below is not part of the request");
-    EXPECT_EQ(bench::native::add_error_text(KERR_SUCCESS), "");
+    EXPECT_EQ(ocpsm::native::add_error_text(KERR_SUCCESS), "");
 }
 
 } // namespace

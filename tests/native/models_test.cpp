@@ -5,20 +5,20 @@
 
 #include <thread>
 
-#include "bench/models/models.hpp"
+#include "framework/models/models.hpp"
 
 namespace {
 
-using bench::models::describe;
-using bench::models::NodeInfo;
-using bench::models::NodeKind;
-using bench::models::Schema;
+using ocpsm::models::describe;
+using ocpsm::models::NodeInfo;
+using ocpsm::models::NodeKind;
+using ocpsm::models::Schema;
 
 // A line per node: path, access, then "container", "list" with its keys, or a leaf's type, units and default.
 void print_nodes(const Schema &schema, const lysc_node *parent, std::string &out) {
     for (const lysc_node *node : schema.children(parent)) {
         const NodeInfo info = describe(*node);
-        out.append(bench::models::schema_path(*node)).append(info.config ? " rw" : " ro");
+        out.append(ocpsm::models::schema_path(*node)).append(info.config ? " rw" : " ro");
         if (info.kind == NodeKind::container) {
             out += " container";
         } else if (info.kind == NodeKind::list) {
@@ -275,7 +275,7 @@ TEST(Models, PathsThatNoModelHasAreNotFound) {
 }
 
 TEST(Models, OfTwoChildrenWithOneNameThePreferredNamespaceCounts) {
-    const bench::models::ModuleText modules[] = {
+    const ocpsm::models::ModuleText modules[] = {
         {"one", "module one { namespace 'urn:one'; prefix one; container box { leaf size { type string; } } }"},
         {"two", "module two { namespace 'urn:two'; prefix two; import one { prefix one; }"
                 " augment '/one:box' { leaf size { type string; } } }"}};
@@ -288,7 +288,7 @@ TEST(Models, OfTwoChildrenWithOneNameThePreferredNamespaceCounts) {
 }
 
 TEST(Models, AModuleThatDoesNotCompileIsNamed) {
-    const bench::models::ModuleText modules[] = {
+    const ocpsm::models::ModuleText modules[] = {
         {"broken", "module broken { namespace 'urn:b'; prefix b; leaf size { type strange; } }"}};
     try {
         const Schema schema(modules);

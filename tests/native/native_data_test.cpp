@@ -1,4 +1,4 @@
-#include "bench/native/native_data.hpp"
+#include "framework/native/native_data.hpp"
 
 #include <stdexcept>
 #include <string>
@@ -12,10 +12,6 @@
 
 namespace {
 
-using bench::models::Schema;
-using bench::native::answer;
-using bench::native::DataNode;
-using bench::native::NativeData;
 using native_test::history_path;
 using native_test::ifmgr;
 using native_test::info_path;
@@ -34,6 +30,10 @@ using native_test::Request;
 using native_test::shown;
 using native_test::slot_path;
 using native_test::threshold_path;
+using ocpsm::models::Schema;
+using ocpsm::native::answer;
+using ocpsm::native::DataNode;
+using ocpsm::native::NativeData;
 
 DataNode leaf(const std::string &path, const std::string &value) {
     return {Schema::native().find(path), value, {}};

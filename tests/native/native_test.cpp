@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "bench/error.hpp"
+#include "framework/error.hpp"
 
 namespace native_test {
 
-bench::native::NativeRequest::NodeId Request::put(const std::string &path, const char *namespace_uri, Value value,
+ocpsm::native::NativeRequest::NodeId Request::put(const std::string &path, const char *namespace_uri, Value value,
                                                   std::uint32_t operation, bool first, std::uint32_t second) {
     NodeId id = root;
     EXPECT_EQ(add(path, namespace_uri, value, operation, first, second, root, &id), KERR_SUCCESS) << path;
@@ -25,18 +25,18 @@ std::string filter(const std::string &body) {
 std::string error_of(const std::function<void()> &call) {
     try {
         call();
-    } catch (const bench::Error &error) {
-        const char *source = error.source == bench::Error::Source::refused ? "refused" : "input";
+    } catch (const ocpsm::Error &error) {
+        const char *source = error.source == ocpsm::Error::Source::refused ? "refused" : "input";
         return std::string(source) + " " + error.tag + " at '" + error.path + "': " + error.what() +
                (error.advice.empty() ? "" : " | " + error.advice);
     }
     return "none";
 }
 
-std::string steps(const bench::native::NativeRequest &request) {
+std::string steps(const ocpsm::native::NativeRequest &request) {
     std::string out;
-    for (const bench::native::NativeOperation &step : request.net().operations()) {
-        out.append(bench::native::operation_name(step.operation)).append(" ").append(step.path);
+    for (const ocpsm::native::NativeOperation &step : request.net().operations()) {
+        out.append(ocpsm::native::operation_name(step.operation)).append(" ").append(step.path);
         out.append(step.value ? " = " + *step.value : "").append("\n");
     }
     return out;

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "bench/native/native_request.hpp"
+#include "framework/native/native_request.hpp"
 
 namespace native_test {
 
@@ -48,7 +48,7 @@ inline constexpr std::uint32_t erase = 3;
 inline constexpr std::uint32_t remove = 4;
 
 // A request that fails the test when an add fails.
-class Request : public bench::native::NativeRequest {
+class Request : public ocpsm::native::NativeRequest {
 public:
     using NativeRequest::NativeRequest;
 
@@ -60,10 +60,10 @@ public:
 };
 
 inline Request edit() {
-    return Request(bench::native::RequestKind::edit);
+    return Request(ocpsm::native::RequestKind::edit);
 }
 inline Request read() {
-    return Request(bench::native::RequestKind::read);
+    return Request(ocpsm::native::RequestKind::read);
 }
 
 // What an edit or a read prints when `body` is in it.
@@ -74,7 +74,7 @@ std::string filter(const std::string &body);
 std::string error_of(const std::function<void()> &call);
 
 // A line per step of the net request: the operation's name, the path and, when there is one, "= value".
-std::string steps(const bench::native::NativeRequest &request);
+std::string steps(const ocpsm::native::NativeRequest &request);
 
 } // namespace native_test
 

@@ -5,8 +5,8 @@
 namespace native_test {
 namespace {
 
-void show(const std::vector<bench::native::DataNode> &nodes, const std::string &indent, std::string &out) {
-    for (const bench::native::DataNode &node : nodes) {
+void show(const std::vector<ocpsm::native::DataNode> &nodes, const std::string &indent, std::string &out) {
+    for (const ocpsm::native::DataNode &node : nodes) {
         out.append(indent).append(node.schema->name);
         out.append(node.value ? "=|" + *node.value + "|" : "").append("\n");
         show(node.children, indent + "  ", out);
@@ -15,7 +15,7 @@ void show(const std::vector<bench::native::DataNode> &nodes, const std::string &
 
 } // namespace
 
-std::string shown(const bench::native::NativeData &data) {
+std::string shown(const ocpsm::native::NativeData &data) {
     std::string out;
     show(data.roots, "", out);
     return out;

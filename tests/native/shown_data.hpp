@@ -4,12 +4,12 @@
 
 #include <string>
 
-#include "bench/native/native_data.hpp"
+#include "framework/native/native_data.hpp"
 
 namespace native_test {
 
 // A line per node, two blanks deeper than the node around it: its name, and of a leaf "=" and its value between bars.
-std::string shown(const bench::native::NativeData &data);
+std::string shown(const ocpsm::native::NativeData &data);
 
 } // namespace native_test
 

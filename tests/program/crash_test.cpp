@@ -19,12 +19,12 @@
 
 #include <gtest/gtest.h>
 
-#include "bench/line_system/storage.hpp"
-#include "bench/sysdb/client_library.hpp"
+#include "simulator/database/client_library.hpp"
+#include "simulator/line_system/storage.hpp"
 
 namespace {
 
-namespace sysdb = bench::sysdb;
+namespace sysdb = ocpsm::sysdb;
 using Words = std::vector<std::string>;
 using Records = std::map<std::string, std::string>; // every record of every table, by table and key
 
@@ -126,7 +126,7 @@ protected:
     Crash() {
         std::string name = (std::filesystem::temp_directory_path() / "crash-XXXXXX").string();
         directory = mkdtemp(name.data());
-        bench::line_system::create(client.store(), directory / "template", bench::line_system::example());
+        ocpsm::line_system::create(client.store(), directory / "template", ocpsm::line_system::example());
         client.store().close();
         restore();
     }
@@ -159,7 +159,7 @@ protected:
                                           return true;
                                       });
             }
-            bench::line_system::load(*transaction);
+            ocpsm::line_system::load(*transaction);
         }
         store.close();
         return all;

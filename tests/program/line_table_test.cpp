@@ -6,15 +6,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "bench/line_system/line_system.hpp"
-#include "bench/line_system/operations.hpp"
 #include "line_system_view.hpp"
 #include "line_table.hpp"
+#include "simulator/line_system/line_system.hpp"
+#include "simulator/line_system/operations.hpp"
 
 namespace ocpsm {
 namespace {
 
-namespace line_system = bench::line_system;
+namespace line_system = ocpsm::line_system;
 using testing::ElementsAre;
 
 std::vector<std::string> texts(const LineTable &table) {

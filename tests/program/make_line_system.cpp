@@ -3,13 +3,13 @@
 #include <cstdlib>
 #include <iostream>
 
-#include "bench/error.hpp"
-#include "bench/line_system/operations.hpp"
-#include "bench/line_system/storage.hpp"
-#include "bench/sysdb/client_library.hpp"
+#include "framework/error.hpp"
+#include "simulator/database/client_library.hpp"
+#include "simulator/line_system/operations.hpp"
+#include "simulator/line_system/storage.hpp"
 
 int main(int argc, char **argv) {
-    namespace line_system = bench::line_system;
+    namespace line_system = ocpsm::line_system;
     if (argc < 2) {
         std::cerr << "make_line_system DIRECTORY SLOT...\n";
         return 2;
@@ -19,7 +19,7 @@ int main(int argc, char **argv) {
         for (int index = 2; index < argc; ++index) {
             system = line_system::fit(system, std::atoi(argv[index])); // NOLINT
         }
-        const bench::sysdb::Client client;
+        const ocpsm::sysdb::Client client;
         line_system::create(client.store(), argv[1], system);
         client.store().close();
     } catch (const std::exception &error) {

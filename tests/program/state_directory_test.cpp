@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "bench/error.hpp"
+#include "framework/error.hpp"
 #include "state_directory.hpp"
 
 namespace ocpsm {
@@ -41,8 +41,8 @@ TEST(StateDirectory, PassesOverWhatSaysNothing) {
 std::string error_of(const std::optional<std::string> &named, const Variables &variables) {
     try {
         directory(named, variables);
-    } catch (const bench::Error &error) {
-        EXPECT_EQ(error.source, bench::Error::Source::input);
+    } catch (const ocpsm::Error &error) {
+        EXPECT_EQ(error.source, ocpsm::Error::Source::input);
         EXPECT_EQ(error.tag, "");
         return std::string(error.what()) + "; " + error.advice;
     }

@@ -1,4 +1,4 @@
-#include "bench/sysdb/client_library.hpp"
+#include "simulator/database/client_library.hpp"
 
 #include <fstream>
 
@@ -6,17 +6,17 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "bench/kerr_table.hpp"
+#include "framework/host/service_codes.hpp"
 #include "open_store.hpp"
 #include "sysdb_client.h"
 
 namespace {
 
-using bench::sysdb::Client;
+using ocpsm::sysdb::Client;
 
 TEST(ClientLibrary, IsWhereTheBuildPutsIt) {
-    EXPECT_EQ(bench::sysdb::client_library(), TEST_CLIENT_LIBRARY);
-    EXPECT_EQ(bench::sysdb::absent_library(), TEST_ABSENT_LIBRARY);
+    EXPECT_EQ(ocpsm::sysdb::client_library(), TEST_CLIENT_LIBRARY);
+    EXPECT_EQ(ocpsm::sysdb::absent_library(), TEST_ABSENT_LIBRARY);
 }
 
 TEST(ClientLibrary, GivesTheStoreWhenItIsInstalled) {
@@ -81,8 +81,8 @@ TEST(ClientLibrary, IsNamedWhenItIsAnotherOne) {
 }
 
 TEST(KerrTable, HasATextOfItsOwnForEveryCode) {
-    for (const auto &entry : bench::kerr_service_texts) {
-        for (const auto &other : bench::kerr_service_texts) {
+    for (const auto &entry : ocpsm::kerr_service_texts) {
+        for (const auto &other : ocpsm::kerr_service_texts) {
             EXPECT_EQ(&entry == &other, entry.code == other.code);
             EXPECT_EQ(&entry == &other, std::string(entry.text) == other.text);
         }
@@ -90,7 +90,7 @@ TEST(KerrTable, HasATextOfItsOwnForEveryCode) {
             EXPECT_STREQ(entry.text, "system database client not installed");
         }
     }
-    EXPECT_EQ(bench::kerr_service_texts.size(), 14U);
+    EXPECT_EQ(ocpsm::kerr_service_texts.size(), 14U);
 }
 
 } // namespace

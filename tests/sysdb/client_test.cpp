@@ -8,16 +8,16 @@
 #include <gmock/gmock.h>
 
 #include "bag_generic.h"
-#include "bench/bag/encoder.hpp"
-#include "bench/sysdb/item.hpp"
 #include "open_store.hpp"
+#include "simulator/bag/encoder.hpp"
+#include "simulator/database/item.hpp"
 #include "sysdb_client.h"
 
 namespace {
 
-using bench::sysdb::Item;
-using bench::sysdb::put_item;
-using bench::sysdb::Table;
+using ocpsm::sysdb::Item;
+using ocpsm::sysdb::put_item;
+using ocpsm::sysdb::Table;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -118,7 +118,7 @@ TEST_F(ClientTest, GetsItemsBelowTheBoundSubtree) {
 }
 
 TEST_F(ClientTest, KeepsIntegersInHostOrder) {
-    put({{"/cfg/a", 1, bench::sysdb::int32_data(-25)}});
+    put({{"/cfg/a", 1, ocpsm::sysdb::int32_data(-25)}});
     const Got got = Bound("/cfg/").get("a", 1);
     std::int32_t value = 0;
     ASSERT_EQ(got.data.size(), sizeof value);

@@ -11,9 +11,9 @@
 
 namespace {
 
-using bench::sysdb::ReadTransaction;
-using bench::sysdb::Store;
-using bench::sysdb::Table;
+using ocpsm::sysdb::ReadTransaction;
+using ocpsm::sysdb::Store;
+using ocpsm::sysdb::Table;
 
 // The slots for readers that an environment has.
 constexpr int reader_slots = 126;

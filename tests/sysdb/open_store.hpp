@@ -6,27 +6,27 @@
 
 #include <gtest/gtest.h>
 
-#include "bench/error.hpp"
-#include "bench/sysdb/store.hpp"
+#include "framework/error.hpp"
+#include "simulator/store/store.hpp"
 #include "sysdb/temporary_directory.hpp"
 
 class OpenStore : public testing::Test {
 public:
-    OpenStore() { store.open(directory.path / "state", bench::sysdb::Store::Mode::create); }
+    OpenStore() { store.open(directory.path / "state", ocpsm::sysdb::Store::Mode::create); }
     ~OpenStore() override { store.close(); }
 
 protected:
     TemporaryDirectory directory;
-    bench::sysdb::Store &store = *sysdb_client_store();
+    ocpsm::sysdb::Store &store = *sysdb_client_store();
 };
 
-// What a bench::Error says, all of it.
+// What a ocpsm::Error says, all of it.
 template <class Operation>
 std::string error_of(Operation operation) {
     try {
         operation();
-    } catch (const bench::Error &error) {
-        return std::string(error.source == bench::Error::Source::input ? "input" : "refused") + "|" + error.tag + "|" +
+    } catch (const ocpsm::Error &error) {
+        return std::string(error.source == ocpsm::Error::Source::input ? "input" : "refused") + "|" + error.tag + "|" +
                error.path + "|" + error.what() + "|" + error.advice;
     }
     return "no error";

@@ -10,8 +10,8 @@
 
 namespace {
 
-using bench::sysdb::Store;
-using bench::sysdb::Table;
+using ocpsm::sysdb::Store;
+using ocpsm::sysdb::Table;
 
 class StoreFailure : public testing::Test {
 public:

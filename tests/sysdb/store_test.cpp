@@ -10,9 +10,9 @@
 
 namespace {
 
-using bench::sysdb::ReadTransaction;
-using bench::sysdb::Store;
-using bench::sysdb::Table;
+using ocpsm::sysdb::ReadTransaction;
+using ocpsm::sysdb::Store;
+using ocpsm::sysdb::Table;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;

@@ -1,0 +1,20 @@
+// What of an answer a request has selected (RFC 6241, 6).
+#ifndef OCPSM_FRAMEWORK_ANSWER_CUT_HPP
+#define OCPSM_FRAMEWORK_ANSWER_CUT_HPP
+
+#include <vector>
+
+#include "framework/answer/node.hpp"
+#include "framework/host/data_tree.hpp"
+
+namespace ocpsm::framework {
+
+// Cuts an answer with canonical values to what a typed read selects. The keys of an entry always come along.
+std::vector<AnswerNode> cut(const std::vector<AnswerNode> &tops, const std::vector<DataNode> &selections);
+
+// How many state leaves a typed read names; none when it also names anything else (keys of lists left out).
+std::size_t state_leaves_only(const std::vector<DataNode> &selections);
+
+} // namespace ocpsm::framework
+
+#endif

@@ -1,0 +1,19 @@
+// An answer as text.
+#ifndef OCPSM_FRAMEWORK_ANSWER_PRINT_HPP
+#define OCPSM_FRAMEWORK_ANSWER_PRINT_HPP
+
+#include <string>
+#include <vector>
+
+#include "framework/answer/node.hpp"
+
+namespace ocpsm::framework {
+
+enum class AnswerFormat { xml, json };
+
+// Prints a checked answer, indented, with a line end behind it; nothing is no text in XML, "{}" in JSON (RFC 7951).
+std::string print_answer(const std::vector<AnswerNode> &tops, AnswerFormat format);
+
+} // namespace ocpsm::framework
+
+#endif

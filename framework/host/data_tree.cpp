@@ -1,0 +1,141 @@
+#include "framework/host/data_tree.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace ocpsm::framework {
+
+DataTree::DataTree(const DataNode &root) {
+    Block &block = blocks_.emplace_back();
+    block.push_back(build(root));
+}
+
+DataTree::DataTree(const kidl_yfw_datatree &root) {
+    Block &block = blocks_.emplace_back();
+    block.push_back(copy(root));
+}
+
+char *DataTree::keep(std::string_view text) {
+    return texts_.emplace_back(text).data();
+}
+
+void DataTree::give_children(kidl_yfw_datatree &node, Block &block) {
+    node.children = block.data();
+    node.child_count = static_cast<int32_t>(block.size());
+    node.flags |= YFW_NODE_CHILDREN_VALID;
+}
+
+kidl_yfw_datatree DataTree::build(const DataNode &node) {
+    kidl_yfw_datatree made{};
+    made.tag = keep(node.tag);
+    made.namespace_uri = node.namespace_uri.empty() ? nullptr : keep(node.namespace_uri);
+    made.operation = node.operation;
+    made.flags = YFW_NODE_IN_USE;
+    if (node.value) {
+        made.value = keep(*node.value);
+        made.flags |= YFW_NODE_HAS_VALUE;
+    }
+    if (!node.children.empty()) {
+        Block children;
+        children.reserve(node.children.size());
+        for (const DataNode &child : node.children) {
+            children.push_back(build(child));
+        }
+        give_children(made, blocks_.emplace_back(std::move(children)));
+    }
+    return made;
+}
+
+kidl_yfw_datatree DataTree::copy(const kidl_yfw_datatree &node) {
+    kidl_yfw_datatree made = node;
+    made.tag = node.tag == nullptr ? nullptr : keep(node.tag);
+    made.namespace_uri = node.namespace_uri == nullptr ? nullptr : keep(node.namespace_uri);
+    made.value = node.value == nullptr ? nullptr : keep(node.value);
+    made.children = nullptr;
+    made.child_count = 0;
+    const auto visible = children_of(node);
+    if (!visible.empty()) {
+        Block children;
+        children.reserve(visible.size());
+        for (const kidl_yfw_datatree *child : visible) {
+            children.push_back(copy(*child));
+        }
+        Block &block = blocks_.emplace_back(std::move(children));
+        made.children = block.data();
+        made.child_count = static_cast<int32_t>(block.size());
+    }
+    return made;
+}
+
+kidl_yfw_datatree &DataTree::add_child(kidl_yfw_datatree &parent, const DataNode &leaf) {
+    const auto owns = [&parent](const Block &block) {
+        return parent.children != nullptr && block.data() == parent.children;
+    };
+    auto block = std::find_if(blocks_.begin(), blocks_.end(), owns);
+    if (block == blocks_.end()) {
+        block = blocks_.emplace(blocks_.end());
+    }
+    block->push_back(build(leaf));
+    give_children(parent, *block);
+    return block->back();
+}
+
+std::vector<const kidl_yfw_datatree *> children_of(const kidl_yfw_datatree &node) {
+    std::vector<const kidl_yfw_datatree *> children;
+    if (node.children != nullptr) {
+        for (int32_t i = 0; i < node.child_count; ++i) {
+            children.push_back(node.children + i);
+        }
+    }
+    return children;
+}
+
+const kidl_yfw_datatree *find_child(const kidl_yfw_datatree &node, std::string_view tag) {
+    for (const kidl_yfw_datatree *child : children_of(node)) {
+        if (child->tag != nullptr && child->tag == tag) {
+            return child;
+        }
+    }
+    return nullptr;
+}
+
+std::optional<std::string_view> value_of(const kidl_yfw_datatree &node) {
+    if ((node.flags & YFW_NODE_HAS_VALUE) == 0 || node.value == nullptr) {
+        return std::nullopt;
+    }
+    return node.value;
+}
+
+namespace {
+
+void print_below(const kidl_yfw_datatree &node, std::size_t depth, std::vector<std::string> &lines) {
+    std::string line(depth * 2, ' ');
+    line += node.tag == nullptr ? "(no tag)" : node.tag;
+    if ((node.flags & YFW_NODE_IN_USE) == 0) {
+        lines.push_back(line + " (not in use)");
+        return;
+    }
+    if (const auto value = value_of(node)) {
+        line.append(" = \"").append(*value).append("\"");
+    }
+    if (node.namespace_uri != nullptr) {
+        line.append(" [").append(node.namespace_uri).append("]");
+    }
+    if (node.operation != YFW_OPERATION_MERGE) {
+        line.append(" operation ").append(std::to_string(node.operation));
+    }
+    lines.push_back(std::move(line));
+    for (const kidl_yfw_datatree *child : children_of(node)) {
+        print_below(*child, depth + 1, lines);
+    }
+}
+
+} // namespace
+
+std::vector<std::string> print(const kidl_yfw_datatree &node) {
+    std::vector<std::string> lines;
+    print_below(node, 0, lines);
+    return lines;
+}
+
+} // namespace ocpsm::framework

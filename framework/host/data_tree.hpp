@@ -1,0 +1,76 @@
+// Data trees of the mapping framework, with the storage that they live in.
+#ifndef OCPSM_FRAMEWORK_HOST_DATA_TREE_HPP
+#define OCPSM_FRAMEWORK_HOST_DATA_TREE_HPP
+
+#include <cstdint>
+#include <deque>
+#include <list>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "yfw_map.h"
+
+namespace ocpsm::framework {
+
+// A node to build a tree from.
+struct DataNode {
+    std::string tag;
+    std::string namespace_uri; // empty: none
+    std::optional<std::string> value = std::nullopt;
+    uint32_t operation = YFW_OPERATION_MERGE;
+    std::vector<DataNode> children = {};
+};
+
+/*
+ * A tree that owns all its texts and child arrays, also those that a walk has hidden from its nodes. Nodes keep their
+ * addresses, except that add_child may move the children of the node it adds to.
+ */
+class DataTree {
+public:
+    // Every node is in use; flags tell of values and children where there are any.
+    explicit DataTree(const DataNode &root);
+
+    // A copy of a subtree, every member as it stands; hidden children are not part of it.
+    explicit DataTree(const kidl_yfw_datatree &root);
+
+    DataTree(DataTree &&) = default;
+    DataTree &operator=(DataTree &&) = default;
+    DataTree(const DataTree &) = delete;
+    DataTree &operator=(const DataTree &) = delete;
+    ~DataTree() = default;
+
+    kidl_yfw_datatree &root() { return blocks_.front().front(); }
+    const kidl_yfw_datatree &root() const { return blocks_.front().front(); }
+
+    // Appends a leaf to the children of a node of this tree and returns it.
+    kidl_yfw_datatree &add_child(kidl_yfw_datatree &parent, const DataNode &leaf);
+
+private:
+    using Block = std::vector<kidl_yfw_datatree>;
+
+    char *keep(std::string_view text);
+    kidl_yfw_datatree build(const DataNode &node);
+    kidl_yfw_datatree copy(const kidl_yfw_datatree &node);
+    void give_children(kidl_yfw_datatree &node, Block &block);
+
+    std::deque<std::string> texts_;
+    std::list<Block> blocks_; // each a child array; the first holds the root
+};
+
+// The children of a node that are not hidden; empty where the count is not above zero.
+std::vector<const kidl_yfw_datatree *> children_of(const kidl_yfw_datatree &node);
+
+// The first child with this tag, or null.
+const kidl_yfw_datatree *find_child(const kidl_yfw_datatree &node, std::string_view tag);
+
+// A leaf's value, none when the node does not carry one (flag and text).
+std::optional<std::string_view> value_of(const kidl_yfw_datatree &node);
+
+// A line per node, indented by two blanks per level; a node that is not in use with its whole subtree says so.
+std::vector<std::string> print(const kidl_yfw_datatree &node);
+
+} // namespace ocpsm::framework
+
+#endif

@@ -1,0 +1,233 @@
+#include "framework/host/mapping_context.hpp"
+
+#include <libyang/libyang.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "framework/request/instance_path.hpp"
+#include "hvs_dt.h"
+
+namespace ocpsm::framework {
+
+namespace {
+
+constexpr uint32_t list_level = 2;
+constexpr uint32_t all_levels = 0xffffffff;
+
+} // namespace
+
+MappingContext::MappingContext(uint32_t kind, const DataNode &registered, Channels &channels,
+                               native::NativeRequest &native)
+    : MappingContext(kind, registered, channels, &native, nullptr) {}
+
+MappingContext::MappingContext(uint32_t kind, const DataNode &registered, Channels &channels, AnswerTree &answer)
+    : MappingContext(kind, registered, channels, nullptr, &answer) {
+    request_.module_list = answer.module_list();
+}
+
+MappingContext::MappingContext(uint32_t kind, const DataNode &registered, Channels &channels,
+                               native::NativeRequest *native, AnswerTree *answer)
+    : yfw_map_context{}, channels_(channels), native_(native), answer_(answer),
+      schema_(answer == nullptr ? models::Schema::openconfig() : models::Schema::native()), tree_(registered),
+      duplicate_(tree_.root()), destination_(DataNode{answer == nullptr ? "native" : "openconfig", ""}) {
+    registration_.operation_kind = kind;
+    request_.registration = &registration_;
+    request_.request_root = &duplicate_.root();
+    yfw_map_context::request = &request_;
+    error_log = channels.error_log();
+    trace_log = channels.trace_log();
+    trace_buffer = channels.trace_buffer();
+    root_node = &tree_.root();
+}
+
+MappingContext::~MappingContext() {
+    hvs_named_free(request_.error_node_name);
+}
+
+void MappingContext::switch_channels(bool log, bool trace) {
+    debug_log_filter.enabled_levels = log ? all_levels : 0;
+    trace_enabled = trace ? 1 : 0;
+}
+
+void MappingContext::set_answer_root(kidl_yfw_datatree &root) {
+    request_.answer_root = &root;
+    root_node = &root;
+}
+
+void MappingContext::select_state_leaves(std::size_t count) {
+    constexpr uint32_t state_leaves = 2;
+    constexpr std::size_t bits = 32;
+    if (count > 0) {
+        request_.selection_mode = state_leaves;
+        request_.leaf_selection = count < bits ? (1U << count) - 1 : all_levels;
+    }
+}
+
+void MappingContext::show_hierarchy() {
+    request_.hierarchy = levels_.data();
+    request_.hierarchy_length = static_cast<uint32_t>(levels_.size());
+    const auto node_at = [this](std::size_t from_top) {
+        // The plug-in may write to the nodes of the tree that it walks.
+        return levels_.size() < from_top ? nullptr
+                                         : const_cast<kidl_yfw_datatree *>(levels_[levels_.size() - from_top].node);
+    };
+    current_node = node_at(1);
+    parent_node = node_at(2);
+}
+
+void MappingContext::push_level(const kidl_yfw_datatree &node, uint32_t kind) {
+    std::string path = entries_.empty() ? "" : entries_.back().schema_path;
+    path.append("/").append(node.tag == nullptr ? "" : node.tag);
+    std::string step = instance_step(schema_, path, node);
+    entries_.push_back({std::move(path), std::move(step)});
+    levels_.push_back({&node, kind});
+    show_hierarchy();
+}
+
+void MappingContext::pop_level(const kidl_yfw_datatree &node) {
+    const auto is_it = [&node](const yfw_map_hierarchy_level &level) { return level.node == &node; };
+    const auto found = std::find_if(levels_.rbegin(), levels_.rend(), is_it);
+    if (found == levels_.rend()) {
+        return;
+    }
+    levels_.erase(std::prev(found.base()), levels_.end());
+    entries_.resize(levels_.size());
+    const auto is_current = [this](const yfw_map_hierarchy_level &level) { return level.node == list_entry_; };
+    if (std::none_of(levels_.begin(), levels_.end(), is_current)) {
+        list_entry_ = nullptr;
+        list_copy_.reset();
+        request_.list_node = nullptr;
+    }
+    show_hierarchy();
+}
+
+std::string MappingContext::hierarchy_path() const {
+    std::string path;
+    for (const HierarchyEntry &entry : entries_) {
+        path += entry.step;
+    }
+    return path;
+}
+
+void MappingContext::point_answer() {
+    std::vector<const kidl_yfw_datatree *> chain;
+    for (const yfw_map_hierarchy_level &level : levels_) {
+        chain.push_back(level.node);
+    }
+    answer_->point_to(map_->instance_of(chain));
+}
+
+void MappingContext::update_list_node(const std::string &list_path) {
+    if (answer_ != nullptr) {
+        if (map_ != nullptr) {
+            point_answer();
+        }
+        return;
+    }
+    const bool current =
+        !levels_.empty() && levels_.back().kind == list_level && entries_.back().schema_path == list_path;
+    list_copy_.reset();
+    list_entry_ = current ? levels_.back().node : nullptr;
+    if (current) {
+        list_copy_.emplace(*list_entry_);
+    }
+    request_.list_node = current ? &list_copy_->root() : nullptr;
+}
+
+const char *MappingContext::innermost_key(std::string_view key) const {
+    const auto value_in = [key](const yfw_map_hierarchy_level &level) -> const char * {
+        const kidl_yfw_datatree *leaf = level.kind == list_level ? find_child(*level.node, key) : nullptr;
+        return leaf != nullptr && value_of(*leaf) ? leaf->value : nullptr;
+    };
+    const auto innermost = std::find_if(levels_.rbegin(), levels_.rend(), value_in);
+    return innermost == levels_.rend() ? nullptr : value_in(*innermost);
+}
+
+kerrno MappingContext::add_absolute(AddRecord &add) {
+    const auto value = add.value ? std::optional<std::string_view>(*add.value) : std::nullopt;
+    if (answer_ != nullptr) {
+        return answer_->add(add.path, add.namespace_uri, value, add.first_flag != 0);
+    }
+    native::NativeRequest::NodeId node = native::NativeRequest::root;
+    const kerrno result =
+        native_->add(add.path, add.namespace_uri, value, add.source_operation.value_or(YFW_OPERATION_MERGE),
+                     add.first_flag != 0, add.second_flag, native::NativeRequest::root, &node);
+    if (result == KERR_SUCCESS) {
+        add.node = node;
+    }
+    return result;
+}
+
+// The walkers that are open tell which node is walked, one below the other: their names end in that of their node,
+// without its dashes. The hierarchy knows the keys.
+std::string MappingContext::walked_path() const {
+    const lysc_node *node = nullptr;
+    std::string path;
+    for (const std::string &walker : channels_.open_functions().walkers()) {
+        const std::string name = walker.substr(walker.rfind('_') + 1);
+        const auto children = models::Schema::openconfig().children(node);
+        const auto child = std::find_if(children.begin(), children.end(), [&name](const lysc_node *candidate) {
+            std::string plain(candidate->name);
+            plain.erase(std::remove(plain.begin(), plain.end(), '-'), plain.end());
+            return plain == name;
+        });
+        if (child == children.end()) {
+            continue;
+        }
+        node = *child;
+        const std::string schema_path = models::schema_path(*node);
+        const auto level = std::find_if(entries_.begin(), entries_.end(),
+                                        [&](const HierarchyEntry &entry) { return entry.schema_path == schema_path; });
+        path += level == entries_.end() ? schema_path.substr(schema_path.rfind('/')) : level->step;
+    }
+    return path;
+}
+
+kidl_yfw_datatree &MappingContext::add_below(kidl_yfw_datatree &parent, const DataNode &leaf) {
+    for (const kidl_yfw_datatree *child : children_of(parent)) {
+        if (child->tag != nullptr && child->tag == leaf.tag && child->namespace_uri != nullptr &&
+            child->namespace_uri == leaf.namespace_uri && value_of(*child) == leaf.value) {
+            return *(parent.children + (child - parent.children));
+        }
+    }
+    return tree_.add_child(parent, leaf);
+}
+
+void MappingContext::record(AddRecord add) {
+    if (trace_enabled != 0) {
+        const OpenFunctions &open = channels_.open_functions();
+        add.walker = open.walker();
+        add.conversion = open.conversion();
+        add.location = answer_ == nullptr ? walked_path() : hierarchy_path();
+    }
+    adds_.push_back(std::move(add));
+}
+
+void MappingContext::push_output(const kidl_yfw_datatree *source, const kidl_yfw_datatree *destination) {
+    output_.push_back({destination, source});
+    output = output_.data();
+    output_count = static_cast<uint32_t>(output_.size());
+    request_.output_depth = output_count;
+    if (answer_ != nullptr) {
+        answer_->open_scope();
+    }
+}
+
+void MappingContext::pop_output() {
+    if (answer_ != nullptr && !output_.empty()) {
+        answer_->close_scope();
+    }
+    if (!output_.empty()) {
+        output_.pop_back();
+    }
+    output_count = static_cast<uint32_t>(output_.size());
+    request_.output_depth = output_count;
+}
+
+bool MappingContext::at_rest() const {
+    return levels_.empty() && itree_stack_.empty() && output_.empty() && request_.whole_subtree_walk == 0 &&
+           request_.delete_walk == 0 && request_.replace_flags == 0 && request_.replace_marker == 0;
+}
+
+} // namespace ocpsm::framework

@@ -1,0 +1,132 @@
+// The mapping context of one tree that is handed to the plug-in, and everything that the plug-in reaches through it.
+#ifndef OCPSM_FRAMEWORK_HOST_MAPPING_CONTEXT_HPP
+#define OCPSM_FRAMEWORK_HOST_MAPPING_CONTEXT_HPP
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "framework/answer/instance_map.hpp"
+#include "framework/answer/tree.hpp"
+#include "framework/host/add_record.hpp"
+#include "framework/host/data_tree.hpp"
+#include "framework/host/log_service.hpp"
+#include "framework/models/models.hpp"
+#include "framework/native/native_request.hpp"
+#include "yfw_map.h"
+
+namespace ocpsm::framework {
+
+// A node of the walked tree on the hierarchy, with its step of the instance path as it was when it was pushed: the walk
+// hides children later.
+struct HierarchyEntry {
+    std::string schema_path;
+    std::string step;
+};
+
+/*
+ * The plug-in's handle is the address of the base object. Everything that the handle leads to belongs to this object
+ * and has its lifetime; it stays where it is. The channels and what is written to must outlive it.
+ */
+class MappingContext : public yfw_map_context {
+public:
+    // Registers a request of a numbered kind: its tree is built, and duplicated. What the plug-in adds goes to
+    // `native`.
+    MappingContext(uint32_t kind, const DataNode &registered, Channels &channels, native::NativeRequest &native);
+    // The same for the way back: native answers to the request are walked, what the plug-in writes goes to `answer`.
+    MappingContext(uint32_t kind, const DataNode &registered, Channels &channels, AnswerTree &answer);
+    ~MappingContext();
+    MappingContext(const MappingContext &) = delete;
+    MappingContext &operator=(const MappingContext &) = delete;
+    MappingContext(MappingContext &&) = delete;
+    MappingContext &operator=(MappingContext &&) = delete;
+
+    // The object behind a handle; null for the null handle.
+    static MappingContext *of(yfw_map_ctx ctx) { return static_cast<MappingContext *>(ctx); }
+
+    // Switches the two channels on or off: the log at all levels, the trace buffer.
+    void switch_channels(bool log, bool trace);
+
+    kidl_yfw_datatree &request_tree() { return tree_.root(); }
+    const kidl_yfw_datatree &duplicate() const { return duplicate_.root(); }
+    kidl_yfw_datatree &destination() { return destination_.root(); }
+    uint32_t kind() const { return registration_.operation_kind; }
+    Channels &channels() { return channels_; }
+
+    // ---- answers ----
+    // What the plug-in writes to; null while a request is translated.
+    AnswerTree *answer() { return answer_; }
+    // The answer of a model is going to be walked.
+    void set_answer_root(kidl_yfw_datatree &root);
+    // From now on the native list entries that become current make their instances current too.
+    void set_instance_map(const InstanceMap &map) { map_ = &map; }
+    // Says that the read names nothing but this many state leaves.
+    void select_state_leaves(std::size_t count);
+
+    // ---- hierarchy ----
+    void push_level(const kidl_yfw_datatree &node, uint32_t kind);
+    void pop_level(const kidl_yfw_datatree &node);
+    std::string hierarchy_path() const; // the instance path of the hierarchy as it stands
+    // The entry on top becomes the current one of the list with this path (without prefixes); any other node on top
+    // leaves no current entry. A native one makes the instance current that the map gives it to.
+    void update_list_node(const std::string &list_path);
+    // The value of this key in the innermost list entry that shows one, null when there is none.
+    const char *innermost_key(std::string_view key) const;
+
+    // ---- instance-tree stack ----
+    std::vector<yfw_map_itree_entry> &itree_stack() { return itree_stack_; }
+
+    // ---- output ----
+    kerrno add_absolute(AddRecord &add);
+    // Adds a leaf one step below a node of the walked tree; an equal one that stands there is taken instead.
+    kidl_yfw_datatree &add_below(kidl_yfw_datatree &parent, const DataNode &leaf);
+    void record(AddRecord add);
+    std::vector<AddRecord> take_adds() { return std::move(adds_); }
+    void push_output(const kidl_yfw_datatree *source, const kidl_yfw_datatree *destination);
+    void pop_output();
+
+    // ---- error location ----
+    void record_error_path() { error_path_ = hierarchy_path(); }
+    const std::optional<std::string> &error_path() const { return error_path_; }
+    // Where an operation of the framework itself refused something.
+    void record_own_refusal(std::string path) { own_refusal_ = std::move(path); }
+    const std::optional<std::string> &own_refusal() const { return own_refusal_; }
+
+    // True when hierarchy, instance-tree stack and output scopes are empty and the walk's modes are off, as they are
+    // before a request and must be after it.
+    bool at_rest() const;
+
+private:
+    MappingContext(uint32_t kind, const DataNode &registered, Channels &channels, native::NativeRequest *native,
+                   AnswerTree *answer);
+
+    void show_hierarchy();
+    void point_answer();
+    std::string walked_path() const;
+
+    Channels &channels_;
+    native::NativeRequest *native_; // of the two one is null
+    AnswerTree *answer_;
+    const InstanceMap *map_ = nullptr;
+    const models::Schema &schema_; // of the tree that is walked
+    yfw_map_registration registration_{};
+    yfw_map_request request_{};
+    DataTree tree_;
+    DataTree duplicate_;
+    DataTree destination_;
+    std::optional<DataTree> list_copy_;
+    const kidl_yfw_datatree *list_entry_ = nullptr; // what list_copy_ is a copy of
+    std::vector<yfw_map_hierarchy_level> levels_;
+    std::vector<HierarchyEntry> entries_; // one for each level
+    std::vector<yfw_map_itree_entry> itree_stack_;
+    std::vector<yfw_map_output_entry> output_;
+    std::vector<AddRecord> adds_;
+    std::optional<std::string> error_path_;
+    std::optional<std::string> own_refusal_;
+};
+
+} // namespace ocpsm::framework
+
+#endif

@@ -1,0 +1,142 @@
+// The platform's services for output: paths are added to native requests or to OpenConfig answers.
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "framework/host/codes.hpp"
+#include "framework/host/mapping_context.hpp"
+#include "framework/request/instance_path.hpp"
+#include "yfw_map.h"
+
+using ocpsm::framework::AddRecord;
+using ocpsm::framework::MappingContext;
+
+namespace {
+
+AddRecord record_of(const char *path, const char *namespace_uri, const char *value, const kidl_yfw_datatree *source,
+                    uint32_t first_flag, uint32_t second_flag) {
+    AddRecord add;
+    add.path = path;
+    add.namespace_uri = namespace_uri;
+    if (value != nullptr) {
+        add.value = value;
+    }
+    if (source != nullptr) {
+        add.source_operation = source->operation;
+    }
+    add.first_flag = first_flag;
+    add.second_flag = second_flag;
+    add.relative = !add.path.starts_with('/');
+    return add;
+}
+
+// The one step of a relative path, without prefix; empty when it is not one step.
+std::string single_step(const std::string &path) {
+    return path.find('/') == std::string::npos ? ocpsm::framework::without_prefixes(path) : std::string();
+}
+
+} // namespace
+
+kerrno yfw_map_datatree_add_path_flagged(yfw_map_ctx ctx, struct kidl_yfw_datatree *tree, const char *path,
+                                         const char *namespace_uri, const char *value,
+                                         const struct kidl_yfw_datatree *source, struct kidl_yfw_datatree **result,
+                                         uint32_t first_flag, uint32_t second_flag) {
+    MappingContext *context = MappingContext::of(ctx);
+    if (result != nullptr) {
+        *result = nullptr;
+    }
+    if (context == nullptr || tree == nullptr || path == nullptr || namespace_uri == nullptr) {
+        return ocpsm::framework::invalid_arguments;
+    }
+    AddRecord add = record_of(path, namespace_uri, value, source, first_flag, second_flag);
+    if (!add.relative) {
+        // Neither requests nor answers are data trees: there is no node for the slot.
+        add.result = tree == &context->destination() ? context->add_absolute(add) : ocpsm::framework::invalid_arguments;
+    } else if (const std::string tag = single_step(add.path); tag.empty() || tree == &context->destination()) {
+        add.result = ocpsm::framework::invalid_arguments;
+    } else {
+        kidl_yfw_datatree &node = context->add_below(
+            *tree, {tag, add.namespace_uri, add.value, add.source_operation.value_or(YFW_OPERATION_MERGE), {}});
+        if (result != nullptr) {
+            *result = &node;
+        }
+    }
+    if (add.result != KERR_SUCCESS) {
+        context->record_own_refusal(context->hierarchy_path());
+    }
+    const kerrno code = add.result;
+    context->record(std::move(add));
+    return code;
+}
+
+kerrno yfw_map_get_node_info(yfw_map_ctx ctx, const char * /*list_path*/, const char *key_name, const char **text) {
+    MappingContext *context = MappingContext::of(ctx);
+    if (context == nullptr || key_name == nullptr || text == nullptr) {
+        return ocpsm::framework::invalid_arguments;
+    }
+    *text = context->innermost_key(key_name);
+    return KERR_SUCCESS;
+}
+
+kerrno yfw_map_search_or_add_list(yfw_map_ctx ctx, struct kidl_yfw_datatree *destination,
+                                  struct yfw_map_module_list *list, const char *list_path, const char *key_value,
+                                  const char *key_name, const char *namespace_uri) {
+    MappingContext *context = MappingContext::of(ctx);
+    if (context == nullptr || list_path == nullptr || key_value == nullptr || key_name == nullptr ||
+        namespace_uri == nullptr) {
+        return ocpsm::framework::invalid_arguments;
+    }
+    if (context->answer() == nullptr) {
+        return ocpsm::framework::not_served;
+    }
+    if (destination != &context->destination() || list != context->answer()->module_list()) {
+        return ocpsm::framework::invalid_arguments;
+    }
+    return context->answer()->search_or_add(list_path, key_name, key_value, namespace_uri);
+}
+
+kerrno yfw_map_stitch_list_to_list(yfw_map_ctx ctx, struct yfw_map_stitch_entry *entry) {
+    MappingContext *context = MappingContext::of(ctx);
+    if (context == nullptr || entry == nullptr) {
+        return ocpsm::framework::invalid_arguments;
+    }
+    if (context->answer() == nullptr) {
+        return ocpsm::framework::not_served;
+    }
+    const bool placed = entry->destination == &context->destination();
+    const kerrno result = placed ? context->answer()->stitch(*entry) : ocpsm::framework::invalid_arguments;
+    if (result != KERR_SUCCESS && !context->own_refusal()) {
+        context->answer()->note_failure(result);
+        context->record_own_refusal(context->hierarchy_path());
+    }
+    return result;
+}
+
+void yfw_add_to_output_list_ctx(yfw_map_ctx ctx, const struct kidl_yfw_datatree *source,
+                                struct kidl_yfw_datatree *destination) {
+    if (MappingContext *context = MappingContext::of(ctx)) {
+        context->push_output(source, destination);
+    }
+}
+
+void yfw_remove_from_output_list_ctx(yfw_map_ctx ctx, const struct kidl_yfw_datatree * /*source*/,
+                                     struct kidl_yfw_datatree * /*destination*/) {
+    if (MappingContext *context = MappingContext::of(ctx)) {
+        context->pop_output();
+    }
+}
+
+void yfw_map_print_datatree_internal(yfw_map_ctx ctx, const struct kidl_yfw_datatree *node, const char *label) {
+    if (ctx == nullptr || ctx->trace_enabled == 0) {
+        return;
+    }
+    const std::string prefix = std::string(label == nullptr ? "" : label) + ": ";
+    if (node == nullptr) {
+        _lstrace(ctx->trace_buffer, 0, (prefix + "(none)").c_str());
+        return;
+    }
+    for (const std::string &line : ocpsm::framework::print(*node)) {
+        _lstrace(ctx->trace_buffer, 0, (prefix + line).c_str());
+    }
+}

@@ -1,0 +1,36 @@
+// How the nodes of a native request are named in messages and operations, and which texts can be printed.
+#ifndef OCPSM_FRAMEWORK_NATIVE_NATIVE_PATH_HPP
+#define OCPSM_FRAMEWORK_NATIVE_NATIVE_PATH_HPP
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "framework/native/net_request.hpp"
+
+namespace ocpsm::native {
+
+// One step of an instance path: the node's name and a predicate for each key that is named.
+std::string path_step(const NetNode &node);
+
+// Calls `visit` for every node in document order, with its instance path.
+void for_each_node(const NetRequest &request,
+                   const std::function<void(const std::string &path, const NetNode &node)> &visit);
+
+// Calls `visit` for every text of the request, the values of its keys and leaves, with the leaf and its instance path.
+void for_each_text(
+    const NetRequest &request,
+    const std::function<void(const std::string &path, const lysc_node &leaf, const std::string &text)> &visit);
+
+// A text as part of a one-line message: what is not printable is shown as \xNN, a text of more than about `longest`
+// bytes is cut and ends in "...".
+std::string one_line(std::string_view text, std::size_t longest = 80);
+
+// Whether a text is UTF-8, and whether it also holds nothing but characters of XML 1.0.
+bool is_utf8(std::string_view text);
+bool is_xml_text(std::string_view text);
+
+} // namespace ocpsm::native
+
+#endif

@@ -1,0 +1,110 @@
+// A native request as XML: a NETCONF filter (RFC 6241, 6) or configuration (7.2).
+#include <libyang/libyang.h>
+
+#include "framework/native/native_path.hpp"
+#include "framework/native/refuse.hpp"
+
+namespace ocpsm::native {
+namespace {
+
+void append_text(std::string &out, std::string_view text) {
+    for (const char byte : text) {
+        switch (byte) {
+        case '&':
+            out += "&amp;";
+            break;
+        case '<':
+            out += "&lt;";
+            break;
+        case '>':
+            out += "&gt;";
+            break;
+        case '\r': // unescaped, a parser would read it as a line feed
+            out += "&#13;";
+            break;
+        default:
+            out += byte;
+        }
+    }
+}
+
+class Printer {
+public:
+    explicit Printer(std::string &out) : out_(out) {}
+
+    void print(const NetNode &node, const lysc_node *parent, std::size_t depth);
+
+private:
+    void open(const lysc_node &schema, const lysc_node *parent, Operation operation, std::size_t depth);
+    void leaf(const lysc_node &schema, const std::optional<std::string> &value);
+
+    std::string &out_;
+};
+
+// The start of a start tag, up to its attributes.
+void Printer::open(const lysc_node &schema, const lysc_node *parent, Operation operation, std::size_t depth) {
+    out_.append(2 * depth, ' ').append("<").append(schema.name);
+    if (parent == nullptr || parent->module != schema.module) {
+        out_.append(" xmlns=\"").append(schema.module->ns).append("\"");
+    }
+    if (operation != Operation::merge) {
+        out_.append(" nc:operation=\"").append(operation_name(operation)).append("\"");
+    }
+}
+
+void Printer::leaf(const lysc_node &schema, const std::optional<std::string> &value) {
+    if (!value || value->empty()) {
+        out_.append("/>\n");
+        return;
+    }
+    out_.append(">");
+    append_text(out_, *value);
+    out_.append("</").append(schema.name).append(">\n");
+}
+
+void Printer::print(const NetNode &node, const lysc_node *parent, std::size_t depth) {
+    open(*node.schema, parent, node.operation, depth);
+    bool empty = node.children.empty();
+    for (const NetKey &key : node.keys) {
+        empty = empty && !key.value && !key.selected;
+    }
+    if (empty) {
+        leaf(*node.schema, node.value);
+        return;
+    }
+    out_.append(">\n");
+    for (const NetKey &key : node.keys) {
+        if (key.value || key.selected) {
+            open(*key.schema, node.schema, Operation::merge, depth + 1);
+            leaf(*key.schema, key.value);
+        }
+    }
+    for (const NetNode &child : node.children) {
+        print(child, node.schema, depth + 1);
+    }
+    out_.append(2 * depth, ' ').append("</").append(node.schema->name).append(">\n");
+}
+
+} // namespace
+
+std::string NetRequest::to_xml() const {
+    for_each_text(*this, [](const std::string &path, const lysc_node &, const std::string &text) {
+        if (!is_xml_text(text)) {
+            refuse("invalid-value", path, "'" + one_line(text) + "' holds characters that XML cannot carry");
+        }
+    });
+    const std::string element = kind == RequestKind::read ? "nc:filter" : "nc:config";
+    std::string out = "<" + element + " xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\"";
+    out.append(kind == RequestKind::read ? " type=\"subtree\"" : "");
+    if (roots.empty()) {
+        return out.append("/>\n");
+    }
+    out.append(">\n");
+    Printer printer(out);
+    for (const NetNode &node : roots) {
+        printer.print(node, nullptr, 1);
+    }
+    return out.append("</").append(element).append(">\n");
+}
+
+} // namespace ocpsm::native

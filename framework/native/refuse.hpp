@@ -1,0 +1,15 @@
+// How this directory says no.
+#ifndef OCPSM_FRAMEWORK_NATIVE_REFUSE_HPP
+#define OCPSM_FRAMEWORK_NATIVE_REFUSE_HPP
+
+#include <string>
+
+namespace ocpsm::native {
+
+// Throws ocpsm::Error (refused) with a NETCONF error-tag; the message is the native path and what is wrong there.
+[[noreturn]] void refuse(const std::string &tag, const std::string &native_path, const std::string &what,
+                         const std::string &advice = {});
+
+} // namespace ocpsm::native
+
+#endif

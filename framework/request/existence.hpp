@@ -1,0 +1,31 @@
+// What an edit says of nodes that have to be there, or must not be there yet (RFC 6241, 7.2).
+#ifndef OCPSM_FRAMEWORK_REQUEST_EXISTENCE_HPP
+#define OCPSM_FRAMEWORK_REQUEST_EXISTENCE_HPP
+
+#include <string>
+#include <vector>
+
+#include "framework/answer/node.hpp"
+#include "framework/host/data_tree.hpp"
+
+namespace ocpsm::framework {
+
+// Names of the modules that a typed edit names, each once, in the order of the edit.
+std::vector<std::string> named_modules(const std::vector<DataNode> &tops);
+
+// Whether an edit has an operation on a container around the modules, which concerns those that it does not name too.
+bool concerns_all_modules(const std::vector<DataNode> &tops);
+
+/*
+ * Settles existence against the configuration as it stands. Throws ocpsm::Error (refused) with the path of the first
+ * node in document order that
+ *   data-missing   is a module that is not there, or is to be deleted and is not there
+ *   data-exists    is to be created and is there
+ * Modules that are to be removed and are not there are taken out of the edit. What the model does not know, operational
+ * state, and what stands below a node that is taken away or replaced is not looked at.
+ */
+void settle_existence(std::vector<DataNode> &tops, const std::vector<AnswerNode> &standing);
+
+} // namespace ocpsm::framework
+
+#endif

@@ -1,0 +1,42 @@
+// A request as it was written: nothing is known of its model yet.
+#ifndef OCPSM_FRAMEWORK_REQUEST_NODE_HPP
+#define OCPSM_FRAMEWORK_REQUEST_NODE_HPP
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace ocpsm::framework {
+
+inline constexpr std::string_view netconf_namespace = "urn:ietf:params:xml:ns:netconf:base:1.0";
+
+// An XML attribute, or a JSON metadata annotation (RFC 7952).
+struct Attribute {
+    std::string namespace_uri; // empty: none
+    std::string name;
+    std::string value;
+};
+
+// How a node's value was written.
+enum class ValueForm {
+    none,          // JSON [null], null or {}
+    empty_element, // XML <leaf/>
+    text,          // XML
+    json_string,
+    json_number,
+    json_boolean,
+};
+
+struct RequestNode {
+    std::string tag;
+    std::string namespace_uri; // empty: none
+    ValueForm form = ValueForm::none;
+    std::string value; // of the forms that have one
+    std::vector<Attribute> attributes;
+    std::vector<RequestNode> children;
+};
+
+} // namespace ocpsm::framework
+
+#endif

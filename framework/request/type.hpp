@@ -1,0 +1,24 @@
+// A request as the model sees it.
+#ifndef OCPSM_FRAMEWORK_REQUEST_TYPE_HPP
+#define OCPSM_FRAMEWORK_REQUEST_TYPE_HPP
+
+#include <vector>
+
+#include "framework/host/data_tree.hpp"
+#include "framework/request/kind.hpp"
+#include "framework/request/node.hpp"
+
+namespace ocpsm::framework {
+
+/*
+ * Types the top nodes of a request against the OpenConfig model: operations and values are read, list keys put first in
+ * their entry, selections told from values. In an edit the values of known configuration leaves are checked and made
+ * canonical, unless `check_values` is false. Nodes that the model does not know stay as they were written; those that
+ * only bear a known name, in another namespace, are refused.
+ * Throws ocpsm::Error (refused) with the OpenConfig path of the node for what the model or the protocol does not allow.
+ */
+std::vector<DataNode> type_request(const std::vector<RequestNode> &tops, Kind kind, bool check_values);
+
+} // namespace ocpsm::framework
+
+#endif

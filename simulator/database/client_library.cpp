@@ -1,0 +1,68 @@
+#include "simulator/database/client_library.hpp"
+
+#include <string>
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include "framework/error.hpp"
+
+namespace ocpsm::sysdb {
+namespace {
+
+bool can_be_read(const std::filesystem::path &file) {
+    return access(file.c_str(), R_OK) == 0;
+}
+
+void *load(const std::filesystem::path &library) {
+    void *handle = dlopen(library.c_str(), RTLD_NOW | RTLD_GLOBAL);
+    if (handle == nullptr) {
+        const char *reason = dlerror();
+        throw Error(Error::Source::input, "operation-failed", "",
+                    "the system database client " + library.string() +
+                        " cannot be loaded: " + (reason == nullptr ? "unknown reason" : reason),
+                    "install it again");
+    }
+    return handle;
+}
+
+} // namespace
+
+std::filesystem::path client_library() {
+    return SYSDB_CLIENT_LIBRARY;
+}
+
+std::filesystem::path absent_library() {
+    return SYSDB_ABSENT_LIBRARY;
+}
+
+Client::Client(const std::filesystem::path &library, const std::filesystem::path &stand_in) : library_(library) {
+    if (!can_be_read(library)) {
+        handle_ = load(stand_in);
+        return;
+    }
+    handle_ = load(library);
+    using StoreEntry = Store *();
+    auto *entry = reinterpret_cast<StoreEntry *>(operation("sysdb_client_store"));
+    if (entry == nullptr) {
+        throw Error(Error::Source::input, "operation-failed", "",
+                    "the system database client " + library.string() + " gives no access to its store",
+                    "install the one that belongs to this program");
+    }
+    store_ = entry();
+}
+
+Store &Client::store() const {
+    if (store_ == nullptr) {
+        throw Error(Error::Source::refused, "operation-failed", "",
+                    "the system database client is not installed: " + library_.string() + " cannot be read",
+                    "install it to work with a line system");
+    }
+    return *store_;
+}
+
+void *Client::operation(const char *name) const {
+    return dlsym(handle_, name);
+}
+
+} // namespace ocpsm::sysdb

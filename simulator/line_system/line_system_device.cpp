@@ -1,0 +1,29 @@
+#include "simulator/line_system/line_system_device.hpp"
+
+#include <stdexcept>
+
+#include "simulator/line_system/native_side.hpp"
+#include "simulator/line_system/storage.hpp"
+
+namespace ocpsm::line_system {
+
+native::NativeData LineSystemDevice::answer(const native::NetRequest &read) {
+    return native::answer(native_data(load(snapshot_)), read);
+}
+
+void LineSystemDevice::apply(const native::NetRequest &edit) {
+    if (transaction_ == nullptr) {
+        throw std::logic_error("an edit needs a write transaction");
+    }
+    save(*transaction_, line_system::apply(load(*transaction_), edit));
+}
+
+LineSystem change(sysdb::Store &store, const std::function<LineSystem(const LineSystem &)> &how) {
+    const auto transaction = store.write();
+    LineSystem after = how(load(*transaction));
+    save(*transaction, after);
+    transaction->commit();
+    return after;
+}
+
+} // namespace ocpsm::line_system
