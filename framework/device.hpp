@@ -1,15 +1,35 @@
-// A device, as the mapping framework sees it: native requests in, native answers out.
+// A device, as the mapping framework sees it: native requests in, native answers out. It is all that the framework knows
+// of what is below it.
 #ifndef OCPSM_FRAMEWORK_DEVICE_HPP
 #define OCPSM_FRAMEWORK_DEVICE_HPP
 
-#include <string>
-#include <vector>
+#include <memory>
 
 #include "framework/native/native_data.hpp"
 #include "framework/native/net_request.hpp"
 
-namespace ocpsm::native {
+namespace ocpsm {
 
+// One state of a device, for one request. It is used and ends on the thread that began it; on that thread, what a
+// plug-in reads straight from the system database is of the same state.
+class DeviceTransaction {
+public:
+    DeviceTransaction() = default;
+    DeviceTransaction(const DeviceTransaction &) = delete;
+    DeviceTransaction &operator=(const DeviceTransaction &) = delete;
+    virtual ~DeviceTransaction() = default;
+
+    virtual native::NativeData answer(const native::NetRequest &read) = 0;
+
+    // Carries out an edit that NetRequest::check has passed, whole or not at all; later answers show it. Throws Error
+    // with the native path of the node that is refused. A transaction that reads only takes none (std::logic_error).
+    virtual void apply(const native::NetRequest &edit) = 0;
+
+    // Makes what was applied last and ends the transaction; without it nothing has happened.
+    virtual void commit() = 0;
+};
+
+// Its functions may be called on any thread.
 class Device {
 public:
     Device() = default;
@@ -17,19 +37,13 @@ public:
     Device &operator=(const Device &) = delete;
     virtual ~Device() = default;
 
-    virtual NativeData answer(const NetRequest &read) = 0;
+    // Sees one state, whatever others change meanwhile.
+    virtual std::unique_ptr<DeviceTransaction> read() = 0;
 
-    // Carries out an edit that NetRequest::check has passed, whole or not at all. Throws NativeRefusal.
-    virtual void apply(const NetRequest &edit) = 0;
+    // One at a time: others wait for its end, in this and any other process.
+    virtual std::unique_ptr<DeviceTransaction> write() = 0;
 };
 
-// Why a device refuses an edit: a NETCONF error-tag, the native instance path of the node it refuses, one line.
-struct NativeRefusal {
-    std::string tag;
-    std::string path;
-    std::string message;
-};
-
-} // namespace ocpsm::native
+} // namespace ocpsm
 
 #endif

@@ -1,5 +1,5 @@
-// The one error type: exactly one protocol error (RFC 6241, 4.3 and appendix A), as data from where it is found to where
-// it is shown.
+// The one error type: exactly one protocol error (RFC 6241, 4.3 and appendix A), as data from where it is found to
+// where it is shown.
 #ifndef OCPSM_FRAMEWORK_ERROR_HPP
 #define OCPSM_FRAMEWORK_ERROR_HPP
 

@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-namespace ocpsm::framework {
+namespace ocpsm {
 
 // While it lives, this thread's messages are kept for ly_errmsg instead of being printed.
 class QuietLibrary {
@@ -20,6 +20,6 @@ private:
     std::uint32_t options_ = LY_LOSTORE_LAST;
 };
 
-} // namespace ocpsm::framework
+} // namespace ocpsm
 
 #endif

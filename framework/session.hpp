@@ -61,27 +61,27 @@ struct EditResult : Outcome {
  */
 
 // Answers a read: `text` is a subtree filter in XML or JSON, as translate takes it. `kind` is get or get_config.
-Answer read(const Plugin &plugin, std::string_view text, Kind kind, native::Device &device,
+Answer read(const Plugin &plugin, std::string_view text, Kind kind, ocpsm::DeviceTransaction &device,
             const SessionOptions &options = {});
 
 // The same for instance paths: /aps/aps-modules/aps-module[name=0/1-PSM-OM]/config, the value of a key with or without
 // quotes. Without a path everything is read.
-Answer read_paths(const Plugin &plugin, std::span<const std::string> paths, Kind kind, native::Device &device,
+Answer read_paths(const Plugin &plugin, std::span<const std::string> paths, Kind kind, ocpsm::DeviceTransaction &device,
                   const SessionOptions &options = {});
 
 /*
  * Carries out an edit on the device, which is the caller's transaction: without an `error` the caller may keep what has
  * been done to it, or show it and drop it; with one it has to drop it.
  */
-EditResult edit(const Plugin &plugin, std::string_view text, native::Device &device,
+EditResult edit(const Plugin &plugin, std::string_view text, ocpsm::DeviceTransaction &device,
                 const SessionOptions &options = {});
 
 // Merges one configuration leaf.
-EditResult set_leaf(const Plugin &plugin, const std::string &path, const std::string &value, native::Device &device,
+EditResult set_leaf(const Plugin &plugin, const std::string &path, const std::string &value, ocpsm::DeviceTransaction &device,
                     const SessionOptions &options = {});
 
 // Deletes a leaf, a container or a list entry with all that is below it.
-EditResult delete_node(const Plugin &plugin, const std::string &path, native::Device &device,
+EditResult delete_node(const Plugin &plugin, const std::string &path, ocpsm::DeviceTransaction &device,
                        const SessionOptions &options = {});
 
 } // namespace ocpsm::framework

@@ -44,11 +44,11 @@ std::vector<Change> changes_between(const std::vector<AnswerNode> &before, const
 
 class Edit {
 public:
-    Edit(const Plugin &plugin, native::Device &device, const SessionOptions &options)
+    Edit(const Plugin &plugin, ocpsm::DeviceTransaction &device, const SessionOptions &options)
         : plugin_(plugin), device_(device), options_(options) {}
 
     // Throws ocpsm::Error for what is refused anywhere on the way.
-    void run(std::vector<DataNode> tops) {
+    void run(std::vector<RequestNode> tops) {
         const std::vector<std::string> named = named_modules(tops);
         const bool all = concerns_all_modules(tops);
         const std::vector<AnswerNode> before = configuration(named, all);
@@ -66,7 +66,7 @@ public:
 private:
     // The configuration of the named modules, or of all.
     std::vector<AnswerNode> configuration(const std::vector<std::string> &named, bool all) {
-        std::vector<DataNode> selected;
+        std::vector<RequestNode> selected;
         if (all) {
             selected = type_request(read_of("/"), Kind::get_config, true);
         } else {
@@ -80,10 +80,10 @@ private:
         return std::move(answer.tree);
     }
 
-    void translate(std::vector<DataNode> tops, const std::vector<AnswerNode> &before) {
+    void translate(std::vector<RequestNode> tops, const std::vector<AnswerNode> &before) {
         TranslationOptions options = translation_options(options_);
         options.trace = true; // it tells where each native node comes from
-        const std::vector<DataNode> trees = hand_over_edit(std::move(tops), named_in(before));
+        const std::vector<RequestNode> trees = hand_over_edit(std::move(tops), named_in(before));
         Translation translation = translate_trees(plugin_.callback(openconfig_root_walker), trees, Kind::edit, options);
         take_messages(result_, translation);
         if (!options_.trace) {
@@ -109,10 +109,11 @@ private:
             try {
                 result_.native.check();
                 device_.apply(result_.native);
-            } catch (const native::NativeRefusal &refusal) {
-                throw Error(Error::Source::refused, refusal.tag, openconfig_origin(handed, refusal.path),
-                            refusal.message + " (native: " + refusal.path + ")");
             } catch (const Error &error) {
+                if (!error.native_path.empty()) {
+                    throw Error(Error::Source::refused, error.tag, openconfig_origin(handed, error.native_path),
+                                error.message() + " (native: " + error.native_path + ")");
+                }
                 throw Error(error.source, error.tag, openconfig_origin(handed, error.what()), error.what(),
                             error.advice);
             }
@@ -120,15 +121,15 @@ private:
     }
 
     const Plugin &plugin_;
-    native::Device &device_;
+    ocpsm::DeviceTransaction &device_;
     const SessionOptions &options_;
     std::vector<HandedOver> handed_over_;
     EditResult result_;
 };
 
-EditResult edit_nodes(const Plugin &plugin, const std::vector<RequestNode> &nodes, native::Device &device,
+EditResult edit_nodes(const Plugin &plugin, const std::vector<WrittenNode> &nodes, ocpsm::DeviceTransaction &device,
                       const SessionOptions &options) {
-    std::vector<DataNode> tops = type_request(nodes, Kind::edit, options.check_values);
+    std::vector<RequestNode> tops = type_request(nodes, Kind::edit, options.check_values);
     Edit edit(plugin, device, options);
     try {
         edit.run(std::move(tops));
@@ -140,16 +141,16 @@ EditResult edit_nodes(const Plugin &plugin, const std::vector<RequestNode> &node
 
 } // namespace
 
-EditResult edit(const Plugin &plugin, std::string_view text, native::Device &device, const SessionOptions &options) {
+EditResult edit(const Plugin &plugin, std::string_view text, ocpsm::DeviceTransaction &device, const SessionOptions &options) {
     return edit_nodes(plugin, parse_request(text, Kind::edit), device, options);
 }
 
-EditResult set_leaf(const Plugin &plugin, const std::string &path, const std::string &value, native::Device &device,
+EditResult set_leaf(const Plugin &plugin, const std::string &path, const std::string &value, ocpsm::DeviceTransaction &device,
                     const SessionOptions &options) {
     return edit_nodes(plugin, setting_of(path, value), device, options);
 }
 
-EditResult delete_node(const Plugin &plugin, const std::string &path, native::Device &device,
+EditResult delete_node(const Plugin &plugin, const std::string &path, ocpsm::DeviceTransaction &device,
                        const SessionOptions &options) {
     return edit_nodes(plugin, deletion_of(path), device, options);
 }

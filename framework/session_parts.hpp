@@ -12,7 +12,7 @@
 namespace ocpsm::framework {
 
 // Answers a typed read.
-Answer answer_read(const Plugin &plugin, const std::vector<DataNode> &tops, Kind kind, native::Device &device,
+Answer answer_read(const Plugin &plugin, const std::vector<RequestNode> &tops, Kind kind, ocpsm::DeviceTransaction &device,
                    const SessionOptions &options);
 
 // What a client is told of an error.

@@ -16,7 +16,7 @@ namespace ocpsm::framework {
 namespace {
 
 // Has the device answer what was handed over, and the plug-in map it back.
-std::vector<AnswerNode> answer_one(const Plugin &plugin, Kind kind, const HandedOver &handed, native::Device &device,
+std::vector<AnswerNode> answer_one(const Plugin &plugin, Kind kind, const HandedOver &handed, ocpsm::DeviceTransaction &device,
                                    Channels &channels, const SessionOptions &options) {
     const native::NativeData data = device.answer(handed.native.net());
     return cut(walk_answer(plugin, kind, handed.request, data, channels, {options.log, options.trace}),
@@ -57,7 +57,7 @@ void take_messages(Outcome &outcome, Translation &translation) {
     outcome.error = std::move(translation.error);
 }
 
-Answer answer_read(const Plugin &plugin, const std::vector<DataNode> &tops, Kind kind, native::Device &device,
+Answer answer_read(const Plugin &plugin, const std::vector<RequestNode> &tops, Kind kind, ocpsm::DeviceTransaction &device,
                    const SessionOptions &options) {
     Translation translation = translate_trees(plugin.callback(openconfig_root_walker), hand_over_read(tops), kind,
                                               translation_options(options));
@@ -82,17 +82,17 @@ Answer answer_read(const Plugin &plugin, const std::vector<DataNode> &tops, Kind
     return answer;
 }
 
-Answer read(const Plugin &plugin, std::string_view text, Kind kind, native::Device &device,
+Answer read(const Plugin &plugin, std::string_view text, Kind kind, ocpsm::DeviceTransaction &device,
             const SessionOptions &options) {
     return answer_read(plugin, type_request(parse_request(text, kind), kind, options.check_values), kind, device,
                        options);
 }
 
-Answer read_paths(const Plugin &plugin, std::span<const std::string> paths, Kind kind, native::Device &device,
+Answer read_paths(const Plugin &plugin, std::span<const std::string> paths, Kind kind, ocpsm::DeviceTransaction &device,
                   const SessionOptions &options) {
-    std::vector<RequestNode> tops;
+    std::vector<WrittenNode> tops;
     for (const std::string &path : paths) {
-        std::vector<RequestNode> selected = read_of(path);
+        std::vector<WrittenNode> selected = read_of(path);
         std::move(selected.begin(), selected.end(), std::back_inserter(tops));
     }
     if (paths.empty()) {

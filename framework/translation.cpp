@@ -19,8 +19,8 @@ bool is_read(Kind kind) {
     return kind != Kind::edit;
 }
 
-std::vector<DataNode> trees_of(std::string_view text, Kind kind, const TranslationOptions &options) {
-    std::vector<DataNode> tops = type_request(parse_request(text, kind), kind, options.check_values);
+std::vector<RequestNode> trees_of(std::string_view text, Kind kind, const TranslationOptions &options) {
+    std::vector<RequestNode> tops = type_request(parse_request(text, kind), kind, options.check_values);
     return is_read(kind) ? hand_over_read(tops) : hand_over_edit(std::move(tops), options.fitted_modules);
 }
 
@@ -30,7 +30,7 @@ public:
     Run(Callback root, Kind kind, const TranslationOptions &options) : root_(root), kind_(kind), options_(options) {}
 
     // False when the plug-in has refused the tree.
-    bool hand_over(const DataNode &tree) {
+    bool hand_over(const RequestNode &tree) {
         HandedOver handed{tree,
                           native::NativeRequest(is_read(kind_) ? native::RequestKind::read : native::RequestKind::edit),
                           {},
@@ -93,13 +93,13 @@ Translation translate(Callback root, std::string_view text, Kind kind, const Tra
     return translate_trees(root, trees_of(text, kind, options), kind, options);
 }
 
-Translation translate_trees(Callback root, const std::vector<DataNode> &trees, Kind kind,
+Translation translate_trees(Callback root, const std::vector<RequestNode> &trees, Kind kind,
                             const TranslationOptions &options) {
     Run run(root, kind, options);
     if (trees.empty()) {
         run.warn(is_read(kind) ? "the request selects nothing" : "the request changes nothing");
     }
-    for (const DataNode &tree : trees) {
+    for (const RequestNode &tree : trees) {
         if (!run.hand_over(tree)) {
             break;
         }

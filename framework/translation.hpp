@@ -27,7 +27,7 @@ struct TranslationOptions {
 
 // One tree that was handed to the plug-in, and what came of it.
 struct HandedOver {
-    DataNode request; // as it was handed over: the walk changes its own copy
+    RequestNode request; // as it was handed over: the walk changes its own copy
     native::NativeRequest native;
     std::vector<AddRecord> adds;
     kerrno result = KERR_SUCCESS;
@@ -54,7 +54,7 @@ struct Translation {
 Translation translate(Callback root, std::string_view text, Kind kind, const TranslationOptions &options);
 
 // The same for the trees themselves, as hand_over_read and hand_over_edit make them.
-Translation translate_trees(Callback root, const std::vector<DataNode> &trees, Kind kind,
+Translation translate_trees(Callback root, const std::vector<RequestNode> &trees, Kind kind,
                             const TranslationOptions &options);
 
 } // namespace ocpsm::framework

@@ -57,7 +57,7 @@ void print_native(const ocpsm::native::NetRequest &native, std::optional<Format>
     }
     output << "native operations:\n";
     for (const ocpsm::native::NativeOperation &operation : native.operations()) {
-        output << "  " << ocpsm::native::operation_name(operation.operation) << " " << on_one_line(operation.path);
+        output << "  " << ocpsm::operation_name(operation.operation) << " " << on_one_line(operation.path);
         if (operation.value) {
             output << " = " << shown(operation.value);
         }
@@ -75,7 +75,7 @@ void print_changes(const std::vector<framework::Change> &changes, std::string_vi
     }
 }
 
-using Edit = std::function<framework::EditResult(const Plugin &plugin, ocpsm::native::Device &device)>;
+using Edit = std::function<framework::EditResult(const Plugin &plugin, ocpsm::DeviceTransaction &device)>;
 
 int run_edit(const ClientOptions &options, const Edit &edit, std::ostream &output, std::ostream &errors) {
     const OpenLineSystem opened(options.state);
@@ -130,7 +130,7 @@ int edit_command(const ClientOptions &options, std::ostream &output, std::ostrea
     const std::string text = read_request(options.file, std::cin);
     return run_edit(
         options,
-        [&](const Plugin &plugin, ocpsm::native::Device &device) {
+        [&](const Plugin &plugin, ocpsm::DeviceTransaction &device) {
             return framework::edit(plugin, text, device, session_options(options));
         },
         output, errors);
@@ -139,7 +139,7 @@ int edit_command(const ClientOptions &options, std::ostream &output, std::ostrea
 int set_command(const ClientOptions &options, std::ostream &output, std::ostream &errors) {
     return run_edit(
         options,
-        [&](const Plugin &plugin, ocpsm::native::Device &device) {
+        [&](const Plugin &plugin, ocpsm::DeviceTransaction &device) {
             return framework::set_leaf(plugin, options.path, options.value, device, session_options(options));
         },
         output, errors);
@@ -148,7 +148,7 @@ int set_command(const ClientOptions &options, std::ostream &output, std::ostream
 int delete_command(const ClientOptions &options, std::ostream &output, std::ostream &errors) {
     return run_edit(
         options,
-        [&](const Plugin &plugin, ocpsm::native::Device &device) {
+        [&](const Plugin &plugin, ocpsm::DeviceTransaction &device) {
             return framework::delete_node(plugin, options.path, device, session_options(options));
         },
         output, errors);

@@ -53,8 +53,8 @@ std::string printed_operation(const AddRecord &add, Kind kind) {
     std::string text = "read";
     if (kind == Kind::edit) {
         // Without a source the new node carries none, which is merge.
-        const auto operation = static_cast<ocpsm::native::Operation>(add.source_operation.value_or(0));
-        text = ocpsm::native::operation_name(operation);
+        const auto operation = static_cast<ocpsm::Operation>(add.source_operation.value_or(0));
+        text = ocpsm::operation_name(operation);
     }
     text.append(add.source_operation ? ", source" : ", no source");
     return text + ", flags " + std::to_string(add.first_flag) + " " + std::to_string(add.second_flag);

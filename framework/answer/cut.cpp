@@ -10,28 +10,28 @@ namespace ocpsm::framework {
 
 namespace {
 
-bool selects(const DataNode &selection, const AnswerNode &node) {
+bool selects(const RequestNode &selection, const AnswerNode &node) {
     return selection.tag == name_of(node) && selection.namespace_uri == node.schema->module->ns;
 }
 
 // A leaf that is given a value: what is beside it counts only where the values are equal.
-bool is_content_match(const DataNode &selection) {
+bool is_content_match(const RequestNode &selection) {
     return selection.value.has_value();
 }
 
-bool has_match(const AnswerNode &node, const DataNode &match) {
+bool has_match(const AnswerNode &node, const RequestNode &match) {
     return std::any_of(node.children.begin(), node.children.end(), [&match](const AnswerNode &child) {
         return selects(match, child) && child.value == match.value;
     });
 }
 
-std::vector<AnswerNode> select_below(const std::vector<AnswerNode> &nodes, const std::vector<DataNode> &selections);
+std::vector<AnswerNode> select_below(const std::vector<AnswerNode> &nodes, const std::vector<RequestNode> &selections);
 
 // The selected children of a node, by the selections below it. None when it is not selected at all.
 std::optional<std::vector<AnswerNode>> select_children(const AnswerNode &node,
-                                                       const std::vector<DataNode> &selections) {
-    std::vector<DataNode> wanted;
-    for (const DataNode &selection : selections) {
+                                                       const std::vector<RequestNode> &selections) {
+    std::vector<RequestNode> wanted;
+    for (const RequestNode &selection : selections) {
         if (!is_content_match(selection)) {
             wanted.push_back(selection);
         } else if (!has_match(node, selection)) {
@@ -47,7 +47,7 @@ std::optional<std::vector<AnswerNode>> select_children(const AnswerNode &node,
         return std::nullopt;
     }
     for (const AnswerNode &child : node.children) {
-        const bool content = std::any_of(selections.begin(), selections.end(), [&child](const DataNode &selection) {
+        const bool content = std::any_of(selections.begin(), selections.end(), [&child](const RequestNode &selection) {
             return is_content_match(selection) && selects(selection, child);
         });
         if (content || lysc_is_key(child.schema)) {
@@ -57,10 +57,10 @@ std::optional<std::vector<AnswerNode>> select_children(const AnswerNode &node,
     return children;
 }
 
-std::vector<AnswerNode> select_below(const std::vector<AnswerNode> &nodes, const std::vector<DataNode> &selections) {
+std::vector<AnswerNode> select_below(const std::vector<AnswerNode> &nodes, const std::vector<RequestNode> &selections) {
     std::vector<AnswerNode> selected;
     for (const AnswerNode &node : nodes) {
-        for (const DataNode &selection : selections) {
+        for (const RequestNode &selection : selections) {
             if (!selects(selection, node)) {
                 continue;
             }
@@ -79,17 +79,17 @@ struct Named {
     bool others = false;
 };
 
-void count(const DataNode &selection, const lysc_node *parent, Named &named) {
+void count(const RequestNode &selection, const lysc_node *parent, Named &named) {
     const lysc_node *schema = models::Schema::openconfig().child(parent, selection.tag, selection.namespace_uri);
     if (schema != nullptr && lysc_is_key(schema)) {
         return;
     }
     if (schema != nullptr && !selection.children.empty()) {
-        for (const DataNode &child : selection.children) {
+        for (const RequestNode &child : selection.children) {
             count(child, schema, named);
         }
         const bool only_keys =
-            std::all_of(selection.children.begin(), selection.children.end(), [schema](const DataNode &child) {
+            std::all_of(selection.children.begin(), selection.children.end(), [schema](const RequestNode &child) {
                 const lysc_node *key = models::Schema::openconfig().child(schema, child.tag, child.namespace_uri);
                 return key != nullptr && lysc_is_key(key);
             });
@@ -106,13 +106,13 @@ void count(const DataNode &selection, const lysc_node *parent, Named &named) {
 
 } // namespace
 
-std::vector<AnswerNode> cut(const std::vector<AnswerNode> &tops, const std::vector<DataNode> &selections) {
+std::vector<AnswerNode> cut(const std::vector<AnswerNode> &tops, const std::vector<RequestNode> &selections) {
     return select_below(tops, selections);
 }
 
-std::size_t state_leaves_only(const std::vector<DataNode> &selections) {
+std::size_t state_leaves_only(const std::vector<RequestNode> &selections) {
     Named named;
-    for (const DataNode &selection : selections) {
+    for (const RequestNode &selection : selections) {
         count(selection, nullptr, named);
     }
     return named.others ? 0 : named.state_leaves;

@@ -10,10 +10,10 @@
 namespace ocpsm::framework {
 
 // Cuts an answer with canonical values to what a typed read selects. The keys of an entry always come along.
-std::vector<AnswerNode> cut(const std::vector<AnswerNode> &tops, const std::vector<DataNode> &selections);
+std::vector<AnswerNode> cut(const std::vector<AnswerNode> &tops, const std::vector<RequestNode> &selections);
 
 // How many state leaves a typed read names; none when it also names anything else (keys of lists left out).
-std::size_t state_leaves_only(const std::vector<DataNode> &selections);
+std::size_t state_leaves_only(const std::vector<RequestNode> &selections);
 
 } // namespace ocpsm::framework
 

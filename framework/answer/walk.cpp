@@ -55,27 +55,27 @@ constexpr std::array augment_walkers{
                   "ymap_n2o_oc_opt_psm_vexloorbitcontrolleropticscfg_augment_lvla_interface_configuration"},
 };
 
-DataNode tree_of(const native::DataNode &native) {
-    DataNode node{native.schema->name, native.schema->module->ns, native.value, YFW_OPERATION_MERGE, {}};
+RequestNode tree_of(const native::DataNode &native) {
+    RequestNode node{native.schema->name, native.schema->module->ns, native.value, YFW_OPERATION_MERGE, {}};
     for (const native::DataNode &child : native.children) {
         node.children.push_back(tree_of(child));
     }
     return node;
 }
 
-std::string request_path(const DataNode &request) {
+std::string request_path(const RequestNode &request) {
     const auto name = instance_of_read(request);
     return name ? instance_path(*name) : "/" + request.tag;
 }
 
-[[noreturn]] void fail(const DataNode &request, kerrno code, const std::string &where) {
+[[noreturn]] void fail(const RequestNode &request, kerrno code, const std::string &where) {
     throw Error(Error::Source::refused, "operation-failed", request_path(request),
                 "the device's answer cannot be mapped: " + name_of(code) + " (" + text_of(code) + ") in " + where);
 }
 
 class AnswerWalk {
 public:
-    AnswerWalk(const Plugin &plugin, Kind kind, const DataNode &request, const native::NativeData &data,
+    AnswerWalk(const Plugin &plugin, Kind kind, const RequestNode &request, const native::NativeData &data,
                Channels &channels, const AnswerWalkOptions &options)
         : plugin_(plugin), request_(request), context_(static_cast<uint32_t>(kind), request, channels, answer_) {
         context_.switch_channels(options.log, options.trace);
@@ -178,7 +178,7 @@ private:
     }
 
     const Plugin &plugin_;
-    const DataNode &request_;
+    const RequestNode &request_;
     std::list<DataTree> models_; // one for each top node of the answer
     AnswerTree answer_;
     InstanceMap map_;
@@ -187,7 +187,7 @@ private:
 
 } // namespace
 
-std::vector<AnswerNode> walk_answer(const Plugin &plugin, Kind kind, const DataNode &request,
+std::vector<AnswerNode> walk_answer(const Plugin &plugin, Kind kind, const RequestNode &request,
                                     const native::NativeData &data, Channels &channels,
                                     const AnswerWalkOptions &options) {
     return AnswerWalk(plugin, kind, request, data, channels, options).run();

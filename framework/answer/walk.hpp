@@ -24,7 +24,7 @@ struct AnswerWalkOptions {
  * against the model, not yet cut to what was selected. Throws ocpsm::Error (refused, operation-failed) when a walker
  * fails or a value is refused.
  */
-std::vector<AnswerNode> walk_answer(const Plugin &plugin, Kind kind, const DataNode &request,
+std::vector<AnswerNode> walk_answer(const Plugin &plugin, Kind kind, const RequestNode &request,
                                     const native::NativeData &data, Channels &channels,
                                     const AnswerWalkOptions &options);
 

@@ -5,7 +5,7 @@
 
 namespace ocpsm::framework {
 
-DataTree::DataTree(const DataNode &root) {
+DataTree::DataTree(const RequestNode &root) {
     Block &block = blocks_.emplace_back();
     block.push_back(build(root));
 }
@@ -25,7 +25,7 @@ void DataTree::give_children(kidl_yfw_datatree &node, Block &block) {
     node.flags |= YFW_NODE_CHILDREN_VALID;
 }
 
-kidl_yfw_datatree DataTree::build(const DataNode &node) {
+kidl_yfw_datatree DataTree::build(const RequestNode &node) {
     kidl_yfw_datatree made{};
     made.tag = keep(node.tag);
     made.namespace_uri = node.namespace_uri.empty() ? nullptr : keep(node.namespace_uri);
@@ -38,7 +38,7 @@ kidl_yfw_datatree DataTree::build(const DataNode &node) {
     if (!node.children.empty()) {
         Block children;
         children.reserve(node.children.size());
-        for (const DataNode &child : node.children) {
+        for (const RequestNode &child : node.children) {
             children.push_back(build(child));
         }
         give_children(made, blocks_.emplace_back(std::move(children)));
@@ -67,7 +67,7 @@ kidl_yfw_datatree DataTree::copy(const kidl_yfw_datatree &node) {
     return made;
 }
 
-kidl_yfw_datatree &DataTree::add_child(kidl_yfw_datatree &parent, const DataNode &leaf) {
+kidl_yfw_datatree &DataTree::add_child(kidl_yfw_datatree &parent, const RequestNode &leaf) {
     const auto owns = [&parent](const Block &block) {
         return parent.children != nullptr && block.data() == parent.children;
     };

@@ -10,18 +10,10 @@
 #include <string_view>
 #include <vector>
 
+#include "framework/request/node.hpp"
 #include "yfw_map.h"
 
 namespace ocpsm::framework {
-
-// A node to build a tree from.
-struct DataNode {
-    std::string tag;
-    std::string namespace_uri; // empty: none
-    std::optional<std::string> value = std::nullopt;
-    uint32_t operation = YFW_OPERATION_MERGE;
-    std::vector<DataNode> children = {};
-};
 
 /*
  * A tree that owns all its texts and child arrays, also those that a walk has hidden from its nodes. Nodes keep their
@@ -30,7 +22,7 @@ struct DataNode {
 class DataTree {
 public:
     // Every node is in use; flags tell of values and children where there are any.
-    explicit DataTree(const DataNode &root);
+    explicit DataTree(const RequestNode &root);
 
     // A copy of a subtree, every member as it stands; hidden children are not part of it.
     explicit DataTree(const kidl_yfw_datatree &root);
@@ -45,13 +37,13 @@ public:
     const kidl_yfw_datatree &root() const { return blocks_.front().front(); }
 
     // Appends a leaf to the children of a node of this tree and returns it.
-    kidl_yfw_datatree &add_child(kidl_yfw_datatree &parent, const DataNode &leaf);
+    kidl_yfw_datatree &add_child(kidl_yfw_datatree &parent, const RequestNode &leaf);
 
 private:
     using Block = std::vector<kidl_yfw_datatree>;
 
     char *keep(std::string_view text);
-    kidl_yfw_datatree build(const DataNode &node);
+    kidl_yfw_datatree build(const RequestNode &node);
     kidl_yfw_datatree copy(const kidl_yfw_datatree &node);
     void give_children(kidl_yfw_datatree &node, Block &block);
 

@@ -17,20 +17,20 @@ constexpr uint32_t all_levels = 0xffffffff;
 
 } // namespace
 
-MappingContext::MappingContext(uint32_t kind, const DataNode &registered, Channels &channels,
+MappingContext::MappingContext(uint32_t kind, const RequestNode &registered, Channels &channels,
                                native::NativeRequest &native)
     : MappingContext(kind, registered, channels, &native, nullptr) {}
 
-MappingContext::MappingContext(uint32_t kind, const DataNode &registered, Channels &channels, AnswerTree &answer)
+MappingContext::MappingContext(uint32_t kind, const RequestNode &registered, Channels &channels, AnswerTree &answer)
     : MappingContext(kind, registered, channels, nullptr, &answer) {
     request_.module_list = answer.module_list();
 }
 
-MappingContext::MappingContext(uint32_t kind, const DataNode &registered, Channels &channels,
+MappingContext::MappingContext(uint32_t kind, const RequestNode &registered, Channels &channels,
                                native::NativeRequest *native, AnswerTree *answer)
     : yfw_map_context{}, channels_(channels), native_(native), answer_(answer),
       schema_(answer == nullptr ? models::Schema::openconfig() : models::Schema::native()), tree_(registered),
-      duplicate_(tree_.root()), destination_(DataNode{answer == nullptr ? "native" : "openconfig", ""}) {
+      duplicate_(tree_.root()), destination_(RequestNode{answer == nullptr ? "native" : "openconfig", ""}) {
     registration_.operation_kind = kind;
     request_.registration = &registration_;
     request_.request_root = &duplicate_.root();
@@ -184,7 +184,7 @@ std::string MappingContext::walked_path() const {
     return path;
 }
 
-kidl_yfw_datatree &MappingContext::add_below(kidl_yfw_datatree &parent, const DataNode &leaf) {
+kidl_yfw_datatree &MappingContext::add_below(kidl_yfw_datatree &parent, const RequestNode &leaf) {
     for (const kidl_yfw_datatree *child : children_of(parent)) {
         if (child->tag != nullptr && child->tag == leaf.tag && child->namespace_uri != nullptr &&
             child->namespace_uri == leaf.namespace_uri && value_of(*child) == leaf.value) {

@@ -34,9 +34,9 @@ class MappingContext : public yfw_map_context {
 public:
     // Registers a request of a numbered kind: its tree is built, and duplicated. What the plug-in adds goes to
     // `native`.
-    MappingContext(uint32_t kind, const DataNode &registered, Channels &channels, native::NativeRequest &native);
+    MappingContext(uint32_t kind, const RequestNode &registered, Channels &channels, native::NativeRequest &native);
     // The same for the way back: native answers to the request are walked, what the plug-in writes goes to `answer`.
-    MappingContext(uint32_t kind, const DataNode &registered, Channels &channels, AnswerTree &answer);
+    MappingContext(uint32_t kind, const RequestNode &registered, Channels &channels, AnswerTree &answer);
     ~MappingContext();
     MappingContext(const MappingContext &) = delete;
     MappingContext &operator=(const MappingContext &) = delete;
@@ -81,7 +81,7 @@ public:
     // ---- output ----
     kerrno add_absolute(AddRecord &add);
     // Adds a leaf one step below a node of the walked tree; an equal one that stands there is taken instead.
-    kidl_yfw_datatree &add_below(kidl_yfw_datatree &parent, const DataNode &leaf);
+    kidl_yfw_datatree &add_below(kidl_yfw_datatree &parent, const RequestNode &leaf);
     void record(AddRecord add);
     std::vector<AddRecord> take_adds() { return std::move(adds_); }
     void push_output(const kidl_yfw_datatree *source, const kidl_yfw_datatree *destination);
@@ -99,7 +99,7 @@ public:
     bool at_rest() const;
 
 private:
-    MappingContext(uint32_t kind, const DataNode &registered, Channels &channels, native::NativeRequest *native,
+    MappingContext(uint32_t kind, const RequestNode &registered, Channels &channels, native::NativeRequest *native,
                    AnswerTree *answer);
 
     void show_hierarchy();

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <stdexcept>
 
+#include "framework/quiet_library.hpp"
+
 namespace ocpsm::models {
 namespace {
 
@@ -49,18 +51,6 @@ void add_derived(const lysc_ident &base, std::vector<std::string_view> &names) {
         add_derived(*base.derived[index], names);
     }
 }
-
-// While it lives, this thread's libyang messages are kept, not printed.
-class Quiet {
-public:
-    Quiet() { ly_temp_log_options(&options_); }
-    ~Quiet() { ly_temp_log_options(nullptr); }
-    Quiet(const Quiet &) = delete;
-    Quiet &operator=(const Quiet &) = delete;
-
-private:
-    std::uint32_t options_ = LY_LOSTORE_LAST;
-};
 
 std::vector<std::string_view> choices_of(const lysc_type &type) {
     std::vector<std::string_view> names;
@@ -121,6 +111,26 @@ NodeInfo describe(const lysc_node &node) {
     return info;
 }
 
+std::optional<std::string> canonical(const lysc_node &leaf, std::string_view value) {
+    // libyang takes a text for ended there and keeps less than it frees.
+    if (value.find('\0') != std::string_view::npos) {
+        return std::nullopt;
+    }
+    const QuietLibrary quiet;
+    const char *text = nullptr;
+    const LY_ERR result =
+        lyd_value_validate(leaf.module->ctx, &leaf, value.data(), value.size(), nullptr, nullptr, &text);
+    std::optional<std::string> stored;
+    // A reference to another leaf is complete only with the data around it, which is not looked at here.
+    if (result == LY_SUCCESS || result == LY_EINCOMPLETE) {
+        stored = text == nullptr ? value : std::string_view(text);
+    }
+    if (text != nullptr) {
+        lydict_remove(leaf.module->ctx, text);
+    }
+    return stored;
+}
+
 std::string schema_path(const lysc_node &node) {
     std::string path = node.parent == nullptr ? std::string() : schema_path(*node.parent);
     return path.append("/").append(node.name);
@@ -131,7 +141,7 @@ void Schema::Destroy::operator()(ly_ctx *context) const noexcept {
 }
 
 Schema::Schema(std::span<const ModuleText> modules) {
-    const Quiet quiet;
+    const QuietLibrary quiet;
     ly_ctx *made = nullptr;
     if (ly_ctx_new(nullptr, LY_CTX_NO_YANGLIBRARY | LY_CTX_DISABLE_SEARCHDIRS, &made) != LY_SUCCESS) {
         throw std::runtime_error("cannot make a libyang context");

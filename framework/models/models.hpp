@@ -48,6 +48,10 @@ NodeInfo describe(const lysc_node &node);
 // Names of a list's keys, in the order of its key statement; empty when the node is no list.
 std::vector<std::string_view> key_names(const lysc_node &node);
 
+// The value of a leaf as its model writes it (RFC 7950, 9); none when the model does not allow it. Whether the leaf
+// that a reference names has that value is not looked at.
+std::optional<std::string> canonical(const lysc_node &leaf, std::string_view value);
+
 // The schema path of a node, each step by its name without prefix.
 std::string schema_path(const lysc_node &node);
 

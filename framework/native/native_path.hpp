@@ -1,4 +1,4 @@
-// How the nodes of a native request are named in messages and operations, and which texts can be printed.
+// How the nodes of a native request are named in messages and operations.
 #ifndef OCPSM_FRAMEWORK_NATIVE_NATIVE_PATH_HPP
 #define OCPSM_FRAMEWORK_NATIVE_NATIVE_PATH_HPP
 
@@ -22,14 +22,6 @@ void for_each_node(const NetRequest &request,
 void for_each_text(
     const NetRequest &request,
     const std::function<void(const std::string &path, const lysc_node &leaf, const std::string &text)> &visit);
-
-// A text as part of a one-line message: what is not printable is shown as \xNN, a text of more than about `longest`
-// bytes is cut and ends in "...".
-std::string one_line(std::string_view text, std::size_t longest = 80);
-
-// Whether a text is UTF-8, and whether it also holds nothing but characters of XML 1.0.
-bool is_utf8(std::string_view text);
-bool is_xml_text(std::string_view text);
 
 } // namespace ocpsm::native
 

@@ -4,6 +4,7 @@
 
 #include "framework/native/native_path.hpp"
 #include "framework/native/refuse.hpp"
+#include "framework/text.hpp"
 
 namespace ocpsm::native {
 namespace {
@@ -31,22 +32,6 @@ void require_valid(const std::string &path, const lysc_node &leaf, const std::st
 }
 
 } // namespace
-
-std::string_view operation_name(Operation operation) {
-    switch (operation) {
-    case Operation::merge:
-        return "merge";
-    case Operation::replace:
-        return "replace";
-    case Operation::create:
-        return "create";
-    case Operation::delete_existing:
-        return "delete";
-    case Operation::remove:
-        return "remove";
-    }
-    return {};
-}
 
 std::vector<NativeOperation> NetRequest::operations() const {
     std::vector<NativeOperation> list;

@@ -9,17 +9,13 @@
 #include <string_view>
 #include <vector>
 
+#include "framework/operation.hpp"
+
 struct lysc_node;
 
 namespace ocpsm::native {
 
 enum class RequestKind { read, edit };
-
-// Operations of RFC 6241, 7.2, by their numbers on a node.
-enum class Operation : std::uint32_t { merge = 0, replace = 1, create = 2, delete_existing = 3, remove = 4 };
-
-// The name of an operation in the protocol, e.g. "delete".
-std::string_view operation_name(Operation operation);
 
 // A key of a list entry.
 struct NetKey {

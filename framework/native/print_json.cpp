@@ -6,6 +6,7 @@
 
 #include "framework/native/native_path.hpp"
 #include "framework/native/refuse.hpp"
+#include "framework/text.hpp"
 
 namespace ocpsm::native {
 namespace {

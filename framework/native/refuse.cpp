@@ -1,7 +1,7 @@
 #include "framework/native/refuse.hpp"
 
 #include "framework/error.hpp"
-#include "framework/native/native_path.hpp"
+#include "framework/text.hpp"
 
 namespace ocpsm::native {
 

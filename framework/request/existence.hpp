@@ -11,10 +11,10 @@
 namespace ocpsm::framework {
 
 // Names of the modules that a typed edit names, each once, in the order of the edit.
-std::vector<std::string> named_modules(const std::vector<DataNode> &tops);
+std::vector<std::string> named_modules(const std::vector<RequestNode> &tops);
 
 // Whether an edit has an operation on a container around the modules, which concerns those that it does not name too.
-bool concerns_all_modules(const std::vector<DataNode> &tops);
+bool concerns_all_modules(const std::vector<RequestNode> &tops);
 
 /*
  * Settles existence against the configuration as it stands. Throws ocpsm::Error (refused) with the path of the first
@@ -24,7 +24,7 @@ bool concerns_all_modules(const std::vector<DataNode> &tops);
  * Modules that are to be removed and are not there are taken out of the edit. What the model does not know, operational
  * state, and what stands below a node that is taken away or replaced is not looked at.
  */
-void settle_existence(std::vector<DataNode> &tops, const std::vector<AnswerNode> &standing);
+void settle_existence(std::vector<RequestNode> &tops, const std::vector<AnswerNode> &standing);
 
 } // namespace ocpsm::framework
 

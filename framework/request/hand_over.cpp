@@ -25,46 +25,46 @@ bool takes_away(uint32_t operation) {
 }
 
 // Whether the model's own namespace, that of the node above, is the node's too.
-bool is_child(const DataNode &node, const DataNode &parent, std::string_view tag) {
+bool is_child(const RequestNode &node, const RequestNode &parent, std::string_view tag) {
     return node.tag == tag && node.namespace_uri == parent.namespace_uri;
 }
 
-DataNode without_children(const DataNode &node) {
+RequestNode without_children(const RequestNode &node) {
     return {node.tag, node.namespace_uri, node.value, node.operation, {}};
 }
 
-const DataNode *key_of(const DataNode &entry) {
+const RequestNode *key_of(const RequestNode &entry) {
     const auto found = std::find_if(entry.children.begin(), entry.children.end(),
-                                    [&entry](const DataNode &child) { return is_child(child, entry, key_name); });
+                                    [&entry](const RequestNode &child) { return is_child(child, entry, key_name); });
     return found == entry.children.end() ? nullptr : &*found;
 }
 
-bool is_key(const DataNode &child, const DataNode &entry) {
+bool is_key(const RequestNode &child, const RequestNode &entry) {
     return is_child(child, entry, key_name);
 }
 
 // An entry with the keys of another one.
-DataNode keys_only(const DataNode &entry, uint32_t operation) {
-    DataNode bare = without_children(entry);
+RequestNode keys_only(const RequestNode &entry, uint32_t operation) {
+    RequestNode bare = without_children(entry);
     bare.operation = operation;
     std::copy_if(entry.children.begin(), entry.children.end(), std::back_inserter(bare.children),
-                 [&entry](const DataNode &child) { return is_key(child, entry); });
+                 [&entry](const RequestNode &child) { return is_key(child, entry); });
     return bare;
 }
 
-std::string entry_path(const DataNode &entry) {
+std::string entry_path(const RequestNode &entry) {
     std::string path = "/aps/aps-modules/aps-module";
-    const DataNode *key = key_of(entry);
+    const RequestNode *key = key_of(entry);
     return key != nullptr && key->value ? path + key_predicate(key_name, *key->value) : path;
 }
 
 // ---- reads ----
 
 // The trees for one container of modules: one per entry; what else it holds goes along with the first.
-std::vector<DataNode> split_modules(const DataNode &modules) {
-    std::vector<DataNode> others;
-    std::vector<DataNode> split;
-    for (const DataNode &child : modules.children) {
+std::vector<RequestNode> split_modules(const RequestNode &modules) {
+    std::vector<RequestNode> others;
+    std::vector<RequestNode> split;
+    for (const RequestNode &child : modules.children) {
         if (!is_child(child, modules, list_name)) {
             others.push_back(child);
             continue;
@@ -82,24 +82,24 @@ std::vector<DataNode> split_modules(const DataNode &modules) {
 
 // ---- edits ----
 
-void settle_operations(DataNode &node, const lysc_node *schema) {
+void settle_operations(RequestNode &node, const lysc_node *schema) {
     const bool leaf = schema != nullptr && models::describe(*schema).kind == models::NodeKind::leaf;
     if (node.operation == YFW_OPERATION_CREATE || (leaf && node.operation == YFW_OPERATION_REPLACE)) {
         node.operation = YFW_OPERATION_MERGE;
     }
-    for (DataNode &child : node.children) {
+    for (RequestNode &child : node.children) {
         const lysc_node *below =
             schema == nullptr ? nullptr : models::Schema::openconfig().child(schema, child.tag, child.namespace_uri);
         settle_operations(child, below);
     }
 }
 
-void check_reference(const DataNode &entry) {
-    for (const DataNode &container : entry.children) {
+void check_reference(const RequestNode &entry) {
+    for (const RequestNode &container : entry.children) {
         if (!is_child(container, entry, referred_container)) {
             continue;
         }
-        for (const DataNode &leaf : container.children) {
+        for (const RequestNode &leaf : container.children) {
             if (is_child(leaf, container, key_name) && takes_away(leaf.operation)) {
                 throw Error(Error::Source::refused, "data-missing",
                             entry_path(entry) + "/" + container.tag + "/" + leaf.tag,
@@ -111,13 +111,13 @@ void check_reference(const DataNode &entry) {
 }
 
 // What an entry becomes: itself, its keys, or a removal and itself.
-std::vector<DataNode> settle_entry(DataNode entry) {
+std::vector<RequestNode> settle_entry(RequestNode entry) {
     if (takes_away(entry.operation)) {
         return {keys_only(entry, entry.operation)};
     }
     check_reference(entry);
-    std::vector<DataNode> entries;
-    const auto other = [&entry](const DataNode &child) { return !is_key(child, entry); };
+    std::vector<RequestNode> entries;
+    const auto other = [&entry](const RequestNode &child) { return !is_key(child, entry); };
     if (entry.operation == YFW_OPERATION_REPLACE && std::any_of(entry.children.begin(), entry.children.end(), other)) {
         entries.push_back(keys_only(entry, YFW_OPERATION_REMOVE));
     }
@@ -125,14 +125,14 @@ std::vector<DataNode> settle_entry(DataNode entry) {
     return entries;
 }
 
-void settle_entries(DataNode &modules) {
-    std::vector<DataNode> settled;
-    for (DataNode &child : modules.children) {
+void settle_entries(RequestNode &modules) {
+    std::vector<RequestNode> settled;
+    for (RequestNode &child : modules.children) {
         if (!is_child(child, modules, list_name)) {
             settled.push_back(std::move(child));
             continue;
         }
-        std::vector<DataNode> entries = settle_entry(std::move(child));
+        std::vector<RequestNode> entries = settle_entry(std::move(child));
         std::move(entries.begin(), entries.end(), std::back_inserter(settled));
     }
     modules.children = std::move(settled);
@@ -140,13 +140,13 @@ void settle_entries(DataNode &modules) {
 
 // Puts an operation on all modules: those that the edit names keep their place and an operation of their own, the other
 // fitted ones follow.
-void spread(DataNode &modules, uint32_t operation, std::span<const std::string> fitted_modules) {
+void spread(RequestNode &modules, uint32_t operation, std::span<const std::string> fitted_modules) {
     std::set<std::string> named;
-    for (DataNode &child : modules.children) {
+    for (RequestNode &child : modules.children) {
         if (!is_child(child, modules, list_name)) {
             continue;
         }
-        if (const DataNode *key = key_of(child); key != nullptr && key->value) {
+        if (const RequestNode *key = key_of(child); key != nullptr && key->value) {
             named.insert(*key->value);
         }
         if (child.operation == YFW_OPERATION_MERGE) {
@@ -155,19 +155,19 @@ void spread(DataNode &modules, uint32_t operation, std::span<const std::string> 
     }
     for (const std::string &name : fitted_modules) {
         if (!named.contains(name)) {
-            const DataNode key{std::string(key_name), modules.namespace_uri, name, YFW_OPERATION_MERGE, {}};
+            const RequestNode key{std::string(key_name), modules.namespace_uri, name, YFW_OPERATION_MERGE, {}};
             modules.children.push_back({std::string(list_name), modules.namespace_uri, std::nullopt, operation, {key}});
         }
     }
 }
 
-DataNode &modules_below(DataNode &top) {
+RequestNode &modules_below(RequestNode &top) {
     const auto found = std::find_if(top.children.begin(), top.children.end(),
-                                    [&top](const DataNode &child) { return is_child(child, top, list_container); });
+                                    [&top](const RequestNode &child) { return is_child(child, top, list_container); });
     if (found != top.children.end()) {
         return *found;
     }
-    return top.children.emplace_back(DataNode{std::string(list_container), top.namespace_uri});
+    return top.children.emplace_back(RequestNode{std::string(list_container), top.namespace_uri});
 }
 
 bool spreads(uint32_t operation) {
@@ -176,12 +176,12 @@ bool spreads(uint32_t operation) {
 
 // An operation on the containers around the modules. A delete that names something below is left to the plug-in, which
 // refuses it.
-void spread_container_operation(DataNode &top, std::span<const std::string> fitted_modules) {
-    const auto is_modules = [&top](const DataNode &child) { return is_child(child, top, list_container); };
+void spread_container_operation(RequestNode &top, std::span<const std::string> fitted_modules) {
+    const auto is_modules = [&top](const RequestNode &child) { return is_child(child, top, list_container); };
     const auto modules = std::find_if(top.children.begin(), top.children.end(), is_modules);
     const bool inner = modules != top.children.end() && spreads(modules->operation);
     const uint32_t operation = inner ? modules->operation : top.operation;
-    const DataNode &holder = inner ? *modules : top;
+    const RequestNode &holder = inner ? *modules : top;
     if (!spreads(operation) || (takes_away(operation) && !holder.children.empty()) ||
         (inner && takes_away(top.operation))) {
         return;
@@ -191,26 +191,26 @@ void spread_container_operation(DataNode &top, std::span<const std::string> fitt
                     "there is no module to delete", "use the operation remove if that is no error");
     }
     top.operation = YFW_OPERATION_MERGE;
-    DataNode &container = modules_below(top);
+    RequestNode &container = modules_below(top);
     container.operation = YFW_OPERATION_MERGE;
     spread(container, operation, fitted_modules);
 }
 
 } // namespace
 
-std::vector<DataNode> hand_over_read(const std::vector<DataNode> &tops) {
-    std::vector<DataNode> trees;
-    for (const DataNode &top : tops) {
+std::vector<RequestNode> hand_over_read(const std::vector<RequestNode> &tops) {
+    std::vector<RequestNode> trees;
+    for (const RequestNode &top : tops) {
         if (top.children.empty()) {
             trees.push_back(top);
             continue;
         }
-        for (const DataNode &child : top.children) {
-            std::vector<DataNode> parts{child};
+        for (const RequestNode &child : top.children) {
+            std::vector<RequestNode> parts{child};
             if (is_child(child, top, list_container)) {
                 parts = split_modules(child);
             }
-            for (DataNode &part : parts) {
+            for (RequestNode &part : parts) {
                 trees.push_back(without_children(top));
                 trees.back().children.push_back(std::move(part));
             }
@@ -219,11 +219,11 @@ std::vector<DataNode> hand_over_read(const std::vector<DataNode> &tops) {
     return trees;
 }
 
-std::vector<DataNode> hand_over_edit(std::vector<DataNode> tops, std::span<const std::string> fitted_modules) {
-    for (DataNode &top : tops) {
+std::vector<RequestNode> hand_over_edit(std::vector<RequestNode> tops, std::span<const std::string> fitted_modules) {
+    for (RequestNode &top : tops) {
         settle_operations(top, models::Schema::openconfig().child(nullptr, top.tag, top.namespace_uri));
         spread_container_operation(top, fitted_modules);
-        for (DataNode &child : top.children) {
+        for (RequestNode &child : top.children) {
             if (is_child(child, top, list_container)) {
                 settle_entries(child);
             }

@@ -12,7 +12,7 @@
 namespace ocpsm::framework {
 
 // A read: one tree per list entry that it names; where it names none, one for each top node.
-std::vector<DataNode> hand_over_read(const std::vector<DataNode> &tops);
+std::vector<RequestNode> hand_over_read(const std::vector<RequestNode> &tops);
 
 /*
  * An edit, whole; no tree when it says nothing.
@@ -24,7 +24,7 @@ std::vector<DataNode> hand_over_read(const std::vector<DataNode> &tops);
  * Throws ocpsm::Error (refused, data-missing) for the delete of all modules where there is none, and for taking away
  * the leaf that an entry's key refers to.
  */
-std::vector<DataNode> hand_over_edit(std::vector<DataNode> tops, std::span<const std::string> fitted_modules);
+std::vector<RequestNode> hand_over_edit(std::vector<RequestNode> tops, std::span<const std::string> fitted_modules);
 
 } // namespace ocpsm::framework
 

@@ -17,22 +17,22 @@ constexpr std::string_view key = "name";
 
 } // namespace
 
-DataNode read_of_instance(const std::string &name) {
+RequestNode read_of_instance(const std::string &name) {
     const std::string space(models::Schema::openconfig().describe("/aps")->namespace_uri);
-    DataNode node{std::string(key), space, name};
+    RequestNode node{std::string(key), space, name};
     for (const std::string_view tag : {list, container, top}) {
-        DataNode around{std::string(tag), space};
+        RequestNode around{std::string(tag), space};
         around.children.push_back(std::move(node));
         node = std::move(around);
     }
     return node;
 }
 
-std::optional<std::string> instance_of_read(const DataNode &request) {
-    const DataNode *node = &request;
+std::optional<std::string> instance_of_read(const RequestNode &request) {
+    const RequestNode *node = &request;
     for (const std::string_view tag : {container, list, key}) {
-        const DataNode *found = nullptr;
-        for (const DataNode &child : node->children) {
+        const RequestNode *found = nullptr;
+        for (const RequestNode &child : node->children) {
             if (found == nullptr && child.tag == tag && child.namespace_uri == node->namespace_uri) {
                 found = &child;
             }

@@ -10,10 +10,10 @@
 namespace ocpsm::framework {
 
 // A typed read of the whole instance with this name.
-DataNode read_of_instance(const std::string &name);
+RequestNode read_of_instance(const std::string &name);
 
 // The name of the instance that a handed-over read is for; none when it is for all.
-std::optional<std::string> instance_of_read(const DataNode &request);
+std::optional<std::string> instance_of_read(const RequestNode &request);
 
 // The instance path of the instance with this name.
 std::string instance_path(const std::string &name);

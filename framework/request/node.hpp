@@ -1,4 +1,4 @@
-// A request as it was written: nothing is known of its model yet.
+// A request, as it was written and as the model sees it.
 #ifndef OCPSM_FRAMEWORK_REQUEST_NODE_HPP
 #define OCPSM_FRAMEWORK_REQUEST_NODE_HPP
 
@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "yfw_map.h"
 
 namespace ocpsm::framework {
 
@@ -28,13 +30,22 @@ enum class ValueForm {
     json_boolean,
 };
 
-struct RequestNode {
+struct WrittenNode {
     std::string tag;
     std::string namespace_uri; // empty: none
     ValueForm form = ValueForm::none;
     std::string value; // of the forms that have one
     std::vector<Attribute> attributes;
-    std::vector<RequestNode> children;
+    std::vector<WrittenNode> children;
+};
+
+// A node of a request as the model sees it, and as it is handed over.
+struct RequestNode {
+    std::string tag;
+    std::string namespace_uri; // empty: none
+    std::optional<std::string> value = std::nullopt;
+    uint32_t operation = YFW_OPERATION_MERGE;
+    std::vector<RequestNode> children = {};
 };
 
 } // namespace ocpsm::framework

@@ -8,7 +8,7 @@
 
 #include "framework/error.hpp"
 #include "framework/models/models.hpp"
-#include "framework/native/native_path.hpp"
+#include "framework/text.hpp"
 
 namespace ocpsm::framework {
 
@@ -18,7 +18,7 @@ constexpr std::string_view example = "/aps/aps-modules/aps-module[name=0/1-PSM-O
 
 [[noreturn]] void refuse(const std::string &tag, std::string_view path, const std::string &message,
                          std::string advice) {
-    throw Error(Error::Source::input, tag, native::one_line(path, 1000), message, std::move(advice));
+    throw Error(Error::Source::input, tag, one_line(path, 1000), message, std::move(advice));
 }
 
 struct Predicate {
@@ -65,7 +65,7 @@ private:
         const lys_module &module = *models::Schema::openconfig().top_nodes().front()->module;
         const std::string_view qualifier = name.substr(0, colon);
         if (qualifier != module.name && qualifier != module.prefix) {
-            refuse("unknown-namespace", path_, "there is no module '" + native::one_line(qualifier) + "'",
+            refuse("unknown-namespace", path_, "there is no module '" + one_line(qualifier) + "'",
                    "write " + std::string(module.name) + " or leave it out");
         }
         return name.substr(colon + 1);
@@ -79,7 +79,7 @@ private:
         const lysc_node *schema = models::Schema::openconfig().child(parent, name);
         if (schema == nullptr) {
             refuse("unknown-element", path_,
-                   "the model has no node '" + native::one_line(name) + "' " +
+                   "the model has no node '" + one_line(name) + "' " +
                        (parent == nullptr ? "at the top" : "below " + std::string(parent->name)),
                    advice(parent));
         }
@@ -108,8 +108,7 @@ private:
         }
         rest_.remove_prefix(1);
         if (std::find(keys.begin(), keys.end(), key) == keys.end()) {
-            refuse("unknown-element", path_,
-                   "'" + native::one_line(key) + "' is no key of " + std::string(step.schema->name),
+            refuse("unknown-element", path_, "'" + one_line(key) + "' is no key of " + std::string(step.schema->name),
                    keys.empty() ? "it is no list" : "its key is " + std::string(keys.front()));
         }
         const auto same = [&key](const Predicate &other) { return other.key == key; };
@@ -144,22 +143,22 @@ private:
     std::string_view rest_;
 };
 
-RequestNode element(const lysc_node &schema) {
-    RequestNode node;
+WrittenNode element(const lysc_node &schema) {
+    WrittenNode node;
     node.tag = schema.name;
     node.namespace_uri = schema.module->ns;
     node.form = ValueForm::empty_element;
     return node;
 }
 
-RequestNode leaf(const lysc_node &schema, std::string_view value) {
-    RequestNode node = element(schema);
+WrittenNode leaf(const lysc_node &schema, std::string_view value) {
+    WrittenNode node = element(schema);
     node.form = ValueForm::text;
     node.value = value;
     return node;
 }
 
-void name_entry(RequestNode &node, const Step &step) {
+void name_entry(WrittenNode &node, const Step &step) {
     for (const Predicate &predicate : step.predicates) {
         const lysc_node *key = models::Schema::openconfig().child(step.schema, predicate.key);
         node.children.push_back(leaf(*key, predicate.value));
@@ -167,10 +166,10 @@ void name_entry(RequestNode &node, const Step &step) {
 }
 
 // The nodes of a path, one below the other; `last` is what its last step becomes.
-RequestNode nested(const std::vector<Step> &steps, RequestNode last) {
+WrittenNode nested(const std::vector<Step> &steps, WrittenNode last) {
     name_entry(last, steps.back());
     for (auto step = std::next(steps.rbegin()); step != steps.rend(); ++step) {
-        RequestNode around = element(*step->schema);
+        WrittenNode around = element(*step->schema);
         name_entry(around, *step);
         around.children.push_back(std::move(last));
         last = std::move(around);
@@ -199,7 +198,7 @@ std::vector<Step> steps_to_edit(std::string_view path) {
 
 } // namespace
 
-std::vector<RequestNode> read_of(std::string_view path) {
+std::vector<WrittenNode> read_of(std::string_view path) {
     const std::vector<Step> steps = path == "/" ? std::vector<Step>() : PathReader(path).steps();
     if (steps.empty()) {
         return {element(*models::Schema::openconfig().top_nodes().front())};
@@ -210,7 +209,7 @@ std::vector<RequestNode> read_of(std::string_view path) {
     return {nested(steps, element(*steps.back().schema))};
 }
 
-std::vector<RequestNode> setting_of(std::string_view path, std::string_view value) {
+std::vector<WrittenNode> setting_of(std::string_view path, std::string_view value) {
     const std::vector<Step> steps = steps_to_edit(path);
     if (steps.back().schema->nodetype != LYS_LEAF) {
         refuse("invalid-value", path, std::string(steps.back().schema->name) + " is no leaf and has no value",
@@ -219,9 +218,9 @@ std::vector<RequestNode> setting_of(std::string_view path, std::string_view valu
     return {nested(steps, leaf(*steps.back().schema, value))};
 }
 
-std::vector<RequestNode> deletion_of(std::string_view path) {
+std::vector<WrittenNode> deletion_of(std::string_view path) {
     const std::vector<Step> steps = steps_to_edit(path);
-    RequestNode last = element(*steps.back().schema);
+    WrittenNode last = element(*steps.back().schema);
     last.attributes.push_back({std::string(netconf_namespace), "operation", "delete"});
     return {nested(steps, std::move(last))};
 }

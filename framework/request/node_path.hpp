@@ -17,13 +17,13 @@ namespace ocpsm::framework {
  */
 
 // Selects the node, whole. "/" and the empty path select everything.
-std::vector<RequestNode> read_of(std::string_view path);
+std::vector<WrittenNode> read_of(std::string_view path);
 
 // Merges a leaf; every list on the way needs its key.
-std::vector<RequestNode> setting_of(std::string_view path, std::string_view value);
+std::vector<WrittenNode> setting_of(std::string_view path, std::string_view value);
 
 // Deletes a node; every list on the way, and at the end, needs its key.
-std::vector<RequestNode> deletion_of(std::string_view path);
+std::vector<WrittenNode> deletion_of(std::string_view path);
 
 } // namespace ocpsm::framework
 

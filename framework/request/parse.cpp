@@ -10,6 +10,7 @@
 
 #include "framework/error.hpp"
 #include "framework/models/models.hpp"
+#include "framework/quiet_library.hpp"
 #include "framework/request/syntax.hpp"
 
 namespace ocpsm::framework {
@@ -31,18 +32,6 @@ struct FreeTree {
     void operator()(lyd_node *tree) const noexcept { lyd_free_all(tree); }
 };
 using Parsed = std::unique_ptr<lyd_node, FreeTree>;
-
-// Keeps libyang's messages of this thread for ly_errmsg instead of printing them.
-class QuietLibrary {
-public:
-    QuietLibrary() { ly_temp_log_options(&options_); }
-    ~QuietLibrary() { ly_temp_log_options(nullptr); }
-    QuietLibrary(const QuietLibrary &) = delete;
-    QuietLibrary &operator=(const QuietLibrary &) = delete;
-
-private:
-    uint32_t options_ = LY_LOSTORE_LAST;
-};
 
 // A context without any model keeps everything as it was written.
 ly_ctx &modelless_context() {
@@ -108,29 +97,29 @@ ValueForm form_of(const lyd_node_opaq &node) {
  * Without a model the JSON parser takes the annotations of a leaf for a node of the leaf's name whose children are the
  * annotations. No model has nodes in NETCONF's own namespace, so they can be told apart.
  */
-bool holds_annotations(const RequestNode &node) {
-    const auto foreign = [](const RequestNode &child) { return child.namespace_uri != netconf_namespace; };
+bool holds_annotations(const WrittenNode &node) {
+    const auto foreign = [](const WrittenNode &child) { return child.namespace_uri != netconf_namespace; };
     return node.form == ValueForm::none && !node.children.empty() &&
            std::none_of(node.children.begin(), node.children.end(), foreign);
 }
 
-std::vector<Attribute> annotations_in(const RequestNode &holder) {
+std::vector<Attribute> annotations_in(const WrittenNode &holder) {
     std::vector<Attribute> annotations = holder.attributes;
-    for (const RequestNode &child : holder.children) {
+    for (const WrittenNode &child : holder.children) {
         annotations.push_back({child.namespace_uri, child.tag, child.value});
     }
     return annotations;
 }
 
 // Puts annotations on the nodes that they were written for.
-void settle_annotations(std::vector<RequestNode> &siblings) {
-    std::vector<RequestNode> settled;
-    std::vector<RequestNode> holders;
-    for (RequestNode &node : siblings) {
+void settle_annotations(std::vector<WrittenNode> &siblings) {
+    std::vector<WrittenNode> settled;
+    std::vector<WrittenNode> holders;
+    for (WrittenNode &node : siblings) {
         (holds_annotations(node) ? holders : settled).push_back(std::move(node));
     }
-    for (const RequestNode &holder : holders) {
-        const auto annotated = [&holder](const RequestNode &node) {
+    for (const WrittenNode &holder : holders) {
+        const auto annotated = [&holder](const WrittenNode &node) {
             return node.tag == holder.tag && node.namespace_uri == holder.namespace_uri;
         };
         auto target = std::find_if(settled.begin(), settled.end(), annotated);
@@ -143,11 +132,11 @@ void settle_annotations(std::vector<RequestNode> &siblings) {
     siblings = std::move(settled);
 }
 
-std::vector<RequestNode> nodes_of(const lyd_node *first, const std::string &inherited) {
-    std::vector<RequestNode> nodes;
+std::vector<WrittenNode> nodes_of(const lyd_node *first, const std::string &inherited) {
+    std::vector<WrittenNode> nodes;
     for (const lyd_node *sibling = first; sibling != nullptr; sibling = sibling->next) {
         const auto &opaque = *reinterpret_cast<const lyd_node_opaq *>(sibling);
-        RequestNode node;
+        WrittenNode node;
         node.tag = opaque.name.name;
         node.namespace_uri = namespace_of(opaque.name, opaque.format);
         if (node.namespace_uri.empty() && opaque.format == LY_VALUE_JSON) {
@@ -170,18 +159,18 @@ std::vector<RequestNode> nodes_of(const lyd_node *first, const std::string &inhe
 
 // An element around the whole text takes several top elements, and gives those without a namespace NETCONF's own,
 // without which the XML parser refuses them.
-std::vector<RequestNode> parse_xml(std::string_view body) {
+std::vector<WrittenNode> parse_xml(std::string_view body) {
     std::string text = "<request xmlns=\"";
     text.append(netconf_namespace).append("\">").append(body).append(wrapper_end);
     const Parsed parsed = parse(text, LYD_XML);
-    std::vector<RequestNode> wrapper = nodes_of(parsed.get(), "");
+    std::vector<WrittenNode> wrapper = nodes_of(parsed.get(), "");
     if (wrapper.size() != 1 || wrapper.front().form == ValueForm::text) {
         refuse("malformed-message", "the request has text outside of its elements", "check the request with a parser");
     }
     return std::move(wrapper.front().children);
 }
 
-void check_filter(const RequestNode &filter) {
+void check_filter(const WrittenNode &filter) {
     for (const Attribute &attribute : filter.attributes) {
         if (attribute.name == "type" && attribute.value == "subtree") {
             continue;
@@ -193,9 +182,9 @@ void check_filter(const RequestNode &filter) {
 }
 
 // The content of <filter> and <config>, in place of them.
-std::vector<RequestNode> unwrap(std::vector<RequestNode> tops, Kind kind) {
-    std::vector<RequestNode> content;
-    for (RequestNode &top : tops) {
+std::vector<WrittenNode> unwrap(std::vector<WrittenNode> tops, Kind kind) {
+    std::vector<WrittenNode> content;
+    for (WrittenNode &top : tops) {
         const bool netconf = top.namespace_uri == netconf_namespace;
         const bool filter = netconf && top.tag == "filter";
         const bool config = netconf && top.tag == "config";
@@ -223,7 +212,7 @@ std::vector<RequestNode> unwrap(std::vector<RequestNode> tops, Kind kind) {
 
 } // namespace
 
-std::vector<RequestNode> parse_request(std::string_view text, Kind kind) {
+std::vector<WrittenNode> parse_request(std::string_view text, Kind kind) {
     const RequestText request = inspect(text);
     if (request.syntax == Syntax::xml) {
         return unwrap(parse_xml(request.body), kind);

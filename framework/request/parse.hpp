@@ -16,7 +16,7 @@ namespace ocpsm::framework {
  * namespace. A JSON annotation without its leaf makes the leaf, without a value.
  * Throws ocpsm::Error (input) for a text that cannot be read, and for a <filter> in an edit or a <config> in a read.
  */
-std::vector<RequestNode> parse_request(std::string_view text, Kind kind);
+std::vector<WrittenNode> parse_request(std::string_view text, Kind kind);
 
 } // namespace ocpsm::framework
 

@@ -10,6 +10,7 @@
 
 #include "framework/error.hpp"
 #include "framework/models/models.hpp"
+#include "framework/operation.hpp"
 #include "framework/request/instance_path.hpp"
 
 namespace ocpsm::framework {
@@ -23,17 +24,6 @@ using models::NodeKind;
                          const std::string &advice = {}) {
     throw Error(Error::Source::refused, tag, path, message, advice);
 }
-
-struct OperationName {
-    std::string_view name;
-    uint32_t operation;
-};
-
-constexpr std::array operation_names{
-    OperationName{"merge", YFW_OPERATION_MERGE},   OperationName{"replace", YFW_OPERATION_REPLACE},
-    OperationName{"create", YFW_OPERATION_CREATE}, OperationName{"delete", YFW_OPERATION_DELETE},
-    OperationName{"remove", YFW_OPERATION_REMOVE},
-};
 
 bool takes_away(uint32_t operation) {
     return operation == YFW_OPERATION_DELETE || operation == YFW_OPERATION_REMOVE;
@@ -75,8 +65,8 @@ public:
     Typing(Kind kind, bool check_values)
         : edit_(kind == Kind::edit), check_values_(check_values), schema_(models::Schema::openconfig()) {}
 
-    std::vector<DataNode> type(const std::vector<RequestNode> &tops) const {
-        for (const RequestNode &top : tops) {
+    std::vector<RequestNode> type(const std::vector<WrittenNode> &tops) const {
+        for (const WrittenNode &top : tops) {
             check_top(top);
         }
         return type_children(tops, nullptr, "", false);
@@ -87,7 +77,7 @@ private:
     bool check_values_;
     const models::Schema &schema_;
 
-    void check_top(const RequestNode &top) const {
+    void check_top(const WrittenNode &top) const {
         const lysc_node *known = schema_.top_nodes().front();
         const NodeInfo info = models::describe(*known);
         if (top.tag == info.name && top.namespace_uri == info.namespace_uri) {
@@ -106,13 +96,13 @@ private:
     }
 
     // A node's step of the instance path: an entry of a list shows its keys.
-    static std::string step(const RequestNode &node, const std::optional<NodeInfo> &info) {
+    static std::string step(const WrittenNode &node, const std::optional<NodeInfo> &info) {
         std::string text = "/" + node.tag;
         if (!info || info->kind != NodeKind::list) {
             return text;
         }
         for (const std::string_view key : info->keys) {
-            const auto is_key = [key](const RequestNode &child) { return child.tag == key && !child.value.empty(); };
+            const auto is_key = [key](const WrittenNode &child) { return child.tag == key && !child.value.empty(); };
             const auto leaf = std::find_if(node.children.begin(), node.children.end(), is_key);
             if (leaf != node.children.end()) {
                 text += key_predicate(key, leaf->value);
@@ -121,12 +111,12 @@ private:
         return text;
     }
 
-    std::vector<DataNode> type_children(const std::vector<RequestNode> &nodes, const lysc_node *parent,
-                                        const std::string &parent_path, bool removed) const {
-        std::vector<DataNode> typed;
+    std::vector<RequestNode> type_children(const std::vector<WrittenNode> &nodes, const lysc_node *parent,
+                                           const std::string &parent_path, bool removed) const {
+        std::vector<RequestNode> typed;
         const std::vector<std::string_view> keys =
             parent == nullptr ? std::vector<std::string_view>() : models::key_names(*parent);
-        for (const RequestNode &node : nodes) {
+        for (const WrittenNode &node : nodes) {
             const lysc_node *schema = schema_.child(parent, node.tag, node.namespace_uri);
             const auto info = schema == nullptr ? std::nullopt : std::optional(models::describe(*schema));
             const std::string path = parent_path + step(node, info);
@@ -136,15 +126,15 @@ private:
             }
             typed.push_back(info ? type_known(node, *info, key, path, removed) : type_unknown(node, path));
         }
-        const auto is_key = [&keys](const DataNode &node) {
+        const auto is_key = [&keys](const RequestNode &node) {
             return std::find(keys.begin(), keys.end(), node.tag) != keys.end();
         };
         std::stable_partition(typed.begin(), typed.end(), is_key);
         return typed;
     }
 
-    static void check_single(const std::vector<DataNode> &before, const RequestNode &node, const std::string &path) {
-        const auto same = [&node](const DataNode &other) {
+    static void check_single(const std::vector<RequestNode> &before, const WrittenNode &node, const std::string &path) {
+        const auto same = [&node](const RequestNode &other) {
             return other.tag == node.tag && other.namespace_uri == node.namespace_uri;
         };
         if (std::any_of(before.begin(), before.end(), same)) {
@@ -153,15 +143,15 @@ private:
     }
 
     // `removed`: a node around it is taken away.
-    DataNode type_known(const RequestNode &node, const NodeInfo &info, bool key, const std::string &path,
-                        bool removed) const {
+    RequestNode type_known(const WrittenNode &node, const NodeInfo &info, bool key, const std::string &path,
+                           bool removed) const {
         if (node.namespace_uri != info.namespace_uri) {
             refuse("unknown-namespace", path,
                    node.tag + " is in " +
                        (node.namespace_uri.empty() ? "no namespace" : "the namespace " + node.namespace_uri) +
                        ", the model's is in " + std::string(info.namespace_uri));
         }
-        DataNode typed{node.tag, node.namespace_uri, std::nullopt, operation_of(node, path), {}};
+        RequestNode typed{node.tag, node.namespace_uri, std::nullopt, operation_of(node, path), {}};
         removed = removed || takes_away(typed.operation);
         if (info.kind == NodeKind::leaf) {
             if (!node.children.empty()) {
@@ -179,9 +169,9 @@ private:
     }
 
     // The model says nothing about such a node and what is below it.
-    DataNode type_unknown(const RequestNode &node, const std::string &path) const {
-        DataNode typed{node.tag, node.namespace_uri, std::nullopt, operation_of(node, path), {}};
-        for (const RequestNode &child : node.children) {
+    RequestNode type_unknown(const WrittenNode &node, const std::string &path) const {
+        RequestNode typed{node.tag, node.namespace_uri, std::nullopt, operation_of(node, path), {}};
+        for (const WrittenNode &child : node.children) {
             typed.children.push_back(type_unknown(child, path + "/" + child.tag));
         }
         if (node.children.empty() && node.form != ValueForm::none && node.form != ValueForm::empty_element) {
@@ -190,7 +180,7 @@ private:
         return typed;
     }
 
-    uint32_t operation_of(const RequestNode &node, const std::string &path) const {
+    uint32_t operation_of(const WrittenNode &node, const std::string &path) const {
         uint32_t operation = YFW_OPERATION_MERGE;
         for (const Attribute &attribute : node.attributes) {
             if (attribute.name != "operation" || attribute.namespace_uri != netconf_namespace) {
@@ -201,24 +191,23 @@ private:
             if (!edit_) {
                 refuse("bad-attribute", path, "a read has no operations", "leave it out, or send an edit");
             }
-            const auto *const row = std::find_if(
-                operation_names.begin(), operation_names.end(),
-                [&attribute](const OperationName &candidate) { return candidate.name == attribute.value; });
-            if (row == operation_names.end()) {
+            const auto named = operation_named(attribute.value);
+            if (!named) {
                 refuse("bad-attribute", path, "there is no operation " + quoted(attribute.value),
                        "merge, replace, create, delete or remove");
             }
-            operation = row->operation;
+            operation = static_cast<uint32_t>(*named);
         }
         return operation;
     }
 
     // `may_be_absent`: whether a key may be empty is the plug-in's question; what is taken away needs no value.
-    std::optional<std::string> leaf_value(const RequestNode &node, const NodeInfo &info, bool may_be_absent,
+    std::optional<std::string> leaf_value(const WrittenNode &node, const NodeInfo &info, bool may_be_absent,
                                           const std::string &path) const {
         const bool written = node.form != ValueForm::none && node.form != ValueForm::empty_element;
         if (!edit_) {
-            return written ? std::optional(canonical(node, info).value_or(node.value)) : std::nullopt;
+            return written ? std::optional(models::canonical(*info.node, node.value).value_or(node.value))
+                           : std::nullopt;
         }
         if (!written && (may_be_absent || !info.config)) {
             return std::nullopt;
@@ -229,33 +218,14 @@ private:
         return checked(node, info, path);
     }
 
-    // The value as the model writes it; none when the model does not allow it.
-    std::optional<std::string> canonical(const RequestNode &node, const NodeInfo &info) const {
-        uint32_t quiet = LY_LOSTORE_LAST;
-        ly_temp_log_options(&quiet);
-        const char *text = nullptr;
-        const LY_ERR result = lyd_value_validate(schema_.context(), info.node, node.value.c_str(), node.value.size(),
-                                                 nullptr, nullptr, &text);
-        ly_temp_log_options(nullptr);
-        std::optional<std::string> value;
-        // A reference to another leaf is complete only with the data around it, which is not looked at here.
-        if (result == LY_SUCCESS || result == LY_EINCOMPLETE) {
-            value = text == nullptr ? node.value : text;
-        }
-        if (text != nullptr) {
-            lydict_remove(schema_.context(), text);
-        }
-        return value;
-    }
-
-    std::string checked(const RequestNode &node, const NodeInfo &info, const std::string &path) const {
+    std::string checked(const WrittenNode &node, const NodeInfo &info, const std::string &path) const {
         const std::string expected = "a value of type " + std::string(info.type) + allowed(info) + " is expected";
         if (node.form == ValueForm::none) {
             refuse("invalid-value", path, node.tag + " has no value", expected);
         }
         std::optional<std::string> value;
         if (json_form_fits(node.form, info.type)) {
-            value = canonical(node, info);
+            value = models::canonical(*info.node, node.value);
         }
         if (!value) {
             refuse("invalid-value", path,
@@ -285,7 +255,7 @@ private:
 
 } // namespace
 
-std::vector<DataNode> type_request(const std::vector<RequestNode> &tops, Kind kind, bool check_values) {
+std::vector<RequestNode> type_request(const std::vector<WrittenNode> &tops, Kind kind, bool check_values) {
     return Typing(kind, check_values).type(tops);
 }
 

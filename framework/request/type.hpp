@@ -17,7 +17,7 @@ namespace ocpsm::framework {
  * only bear a known name, in another namespace, are refused.
  * Throws ocpsm::Error (refused) with the OpenConfig path of the node for what the model or the protocol does not allow.
  */
-std::vector<DataNode> type_request(const std::vector<RequestNode> &tops, Kind kind, bool check_values);
+std::vector<RequestNode> type_request(const std::vector<WrittenNode> &tops, Kind kind, bool check_values);
 
 } // namespace ocpsm::framework
 

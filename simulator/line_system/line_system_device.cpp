@@ -18,6 +18,13 @@ void LineSystemDevice::apply(const native::NetRequest &edit) {
     save(*transaction_, line_system::apply(load(*transaction_), edit));
 }
 
+void LineSystemDevice::commit() {
+    if (transaction_ == nullptr) {
+        throw std::logic_error("only a write transaction is committed");
+    }
+    transaction_->commit();
+}
+
 LineSystem change(sysdb::Store &store, const std::function<LineSystem(const LineSystem &)> &how) {
     const auto transaction = store.write();
     LineSystem after = how(load(*transaction));

@@ -11,7 +11,7 @@
 namespace ocpsm::line_system {
 
 // Answers from a transaction of the caller's, and edits in it; the caller commits. It must not outlive the transaction.
-class LineSystemDevice : public native::Device {
+class LineSystemDevice : public DeviceTransaction {
 public:
     // To answer only: an edit is a std::logic_error.
     explicit LineSystemDevice(const sysdb::ReadTransaction &snapshot) : snapshot_(snapshot) {}
@@ -21,8 +21,10 @@ public:
 
     native::NativeData answer(const native::NetRequest &read) override;
 
-    // A refused edit leaves the transaction as it was. Throws native::NativeRefusal.
+    // A refused edit leaves the transaction as it was. Throws Error, with the native path,.
     void apply(const native::NetRequest &edit) override;
+
+    void commit() override;
 
 private:
     const sysdb::ReadTransaction &snapshot_;

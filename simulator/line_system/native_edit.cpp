@@ -4,7 +4,9 @@
 #include <charconv>
 #include <utility>
 
+#include "framework/error.hpp"
 #include "framework/native/native_path.hpp"
+#include "framework/text.hpp"
 #include "simulator/line_system/native_side.hpp"
 #include "simulator/line_system/native_table.hpp"
 
@@ -12,26 +14,9 @@ namespace ocpsm::line_system {
 namespace {
 
 using native::NetNode;
-using native::Operation;
-
-// The value in canonical form, or nothing when the leaf cannot hold it.
-std::optional<std::string> canonical(const lysc_node &leaf, const std::string &text) {
-    const char *value = nullptr;
-    const LY_ERR result = lyd_value_validate(nullptr, &leaf, text.data(), text.size(), nullptr, nullptr, &value);
-    if (result != LY_SUCCESS || value == nullptr) {
-        return std::nullopt;
-    }
-    std::string found = value;
-    lydict_remove(leaf.module->ctx, value);
-    return found;
-}
 
 [[noreturn]] void refuse(const char *tag, const std::string &path, const std::string &message) {
-    throw native::NativeRefusal{tag, path, message};
-}
-
-bool takes_away(Operation operation) {
-    return operation == Operation::delete_existing || operation == Operation::remove;
+    throw Error(Error::Source::refused, tag, "", message).at_native(path);
 }
 
 // An edit on its way through a line system.
@@ -120,9 +105,9 @@ private:
             return;
         }
         const LeafRow &row = table_.leaf(*node.schema);
-        const std::optional<std::string> value = canonical(*node.schema, *node.value);
+        const std::optional<std::string> value = models::canonical(*node.schema, *node.value);
         if (!value) {
-            refuse("invalid-value", path, "'" + native::one_line(*node.value) + "' is no value of this leaf");
+            refuse("invalid-value", path, "'" + one_line(*node.value) + "' is no value of this leaf");
         }
         require_in_range(row, *value, path);
         require_known_line(row, *value, path);
@@ -146,7 +131,7 @@ private:
         if (std::holds_alternative<std::optional<std::string> SlotSettings::*>(row.field) && value != "working" &&
             value != "protected" && !value.empty()) {
             refuse("invalid-value", path,
-                   "'" + native::one_line(value) + "' is none of 'working', 'protected' and the empty text");
+                   "'" + one_line(value) + "' is none of 'working', 'protected' and the empty text");
         }
     }
 
@@ -162,7 +147,7 @@ private:
     static std::vector<std::string> canonical_keys(const NetNode &node, const std::string &path) {
         std::vector<std::string> keys;
         for (const native::NetKey &key : node.keys) {
-            const auto value = key.value ? canonical(*key.schema, *key.value) : std::nullopt;
+            const auto value = key.value ? models::canonical(*key.schema, *key.value) : std::nullopt;
             if (!value) {
                 refuse("invalid-value", path,
                        std::string("the key ") + key.schema->name + " has no value that it can hold");

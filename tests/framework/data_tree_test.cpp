@@ -5,12 +5,12 @@
 namespace {
 
 using ocpsm::framework::children_of;
-using ocpsm::framework::DataNode;
 using ocpsm::framework::DataTree;
 using ocpsm::framework::print;
+using ocpsm::framework::RequestNode;
 using testing::ElementsAre;
 
-DataNode sample() {
+RequestNode sample() {
     return {"aps", "urn:a", {}, 0, {{"one", "urn:a", "1", 3, {}}, {"two", "", {}, 0, {{"leaf", "urn:b", "", 0, {}}}}}};
 }
 

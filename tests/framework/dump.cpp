@@ -4,11 +4,11 @@
 
 namespace {
 
-using ocpsm::framework::DataNode;
+using ocpsm::framework::RequestNode;
 
-void dump_below(const std::vector<DataNode> &nodes, std::size_t depth, std::string &text) {
+void dump_below(const std::vector<RequestNode> &nodes, std::size_t depth, std::string &text) {
     constexpr std::array names{"", " replace", " create", " delete", " remove"};
-    for (const DataNode &node : nodes) {
+    for (const RequestNode &node : nodes) {
         text.append(depth * 2, ' ').append(node.tag);
         if (node.namespace_uri != "http://openconfig.net/yang/optical-transport-line-protection") {
             text.append(" {").append(node.namespace_uri).append("}");
@@ -23,7 +23,7 @@ void dump_below(const std::vector<DataNode> &nodes, std::size_t depth, std::stri
 
 } // namespace
 
-std::string dump(const std::vector<DataNode> &nodes) {
+std::string dump(const std::vector<RequestNode> &nodes) {
     std::string text;
     dump_below(nodes, 0, text);
     return text;

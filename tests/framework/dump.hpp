@@ -10,7 +10,7 @@
 
 // One node per line, two blanks per level: tag, " {namespace}" unless it is the OpenConfig model's, " = value", and the
 // name of an operation other than merge.
-std::string dump(const std::vector<ocpsm::framework::DataNode> &nodes);
+std::string dump(const std::vector<ocpsm::framework::RequestNode> &nodes);
 
 // The protocol error that `call` throws, as "source|tag|path|message|advice"; "nothing" when it throws none.
 template <typename Call>

@@ -30,7 +30,7 @@ protected:
     static Lines operations_of(const EditResult &result) {
         Lines lines;
         for (const auto &operation : result.native.operations()) {
-            lines.push_back(std::string(ocpsm::native::operation_name(operation.operation)) + " " + operation.path +
+            lines.push_back(std::string(ocpsm::operation_name(operation.operation)) + " " + operation.path +
                             (operation.value ? " = " + *operation.value : ""));
         }
         return lines;
@@ -150,7 +150,7 @@ protected:
     // Where an edit is refused whose native node at `native_path` the device refuses.
     std::string refused_at(const std::string &native_path, const std::string &text) {
         HeldDevice held({{held_module, ""}});
-        held.refusal = ocpsm::native::NativeRefusal{"resource-denied", native_path, "not now"};
+        held.refusal = ocpsm::Error(ocpsm::Error::Source::refused, "resource-denied", "", "not now").at_native(native_path);
         return refusal_of(ocpsm::framework::edit(plugin(), text, held));
     }
 };

@@ -52,7 +52,7 @@ std::string port(const std::string &name, const std::string &content) {
 std::vector<std::string> net(const Translation &translation, std::size_t index = 0) {
     std::vector<std::string> lines;
     for (const auto &operation : translation.handed_over.at(index).native.net().operations()) {
-        lines.push_back(std::string(ocpsm::native::operation_name(operation.operation)) + " " + operation.path +
+        lines.push_back(std::string(ocpsm::operation_name(operation.operation)) + " " + operation.path +
                         (operation.value ? " = " + *operation.value : ""));
     }
     return lines;

@@ -10,13 +10,15 @@ inline const std::string openconfig = "http://openconfig.net/yang/optical-transp
 
 class FrameworkFixture : public testing::Test {
 protected:
-    using DataNode = ocpsm::framework::DataNode;
+    using RequestNode = ocpsm::framework::RequestNode;
 
-    static DataNode container(std::string tag, std::vector<DataNode> children) {
+    static RequestNode container(std::string tag, std::vector<RequestNode> children) {
         return {std::move(tag), openconfig, std::nullopt, 0, std::move(children)};
     }
-    static DataNode leaf(std::string tag, std::string value) { return {std::move(tag), openconfig, std::move(value)}; }
-    static DataNode module(const std::string &name) {
+    static RequestNode leaf(std::string tag, std::string value) {
+        return {std::move(tag), openconfig, std::move(value)};
+    }
+    static RequestNode module(const std::string &name) {
         return container("aps-module", {leaf("name", name), container("config", {leaf("name", name)})});
     }
 

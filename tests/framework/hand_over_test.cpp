@@ -8,8 +8,8 @@
 
 namespace {
 
-using ocpsm::framework::DataNode;
 using ocpsm::framework::Kind;
+using ocpsm::framework::RequestNode;
 
 const std::vector<std::string> fitted{"0/1-PSM-OM", "0/3-PSM-OM"};
 
@@ -24,14 +24,14 @@ std::string modules(const std::string &content) {
     return aps("", "<aps-modules>" + content + "</aps-modules>");
 }
 
-std::vector<DataNode> typed(const std::string &text, Kind kind) {
+std::vector<RequestNode> typed(const std::string &text, Kind kind) {
     return type_request(ocpsm::framework::parse_request(text, kind), kind, true);
 }
 
 // Each tree that is handed over, separated by a line.
 std::string reads(const std::string &text) {
     std::string all;
-    for (const DataNode &tree : hand_over_read(typed(text, Kind::get))) {
+    for (const RequestNode &tree : hand_over_read(typed(text, Kind::get))) {
         all += "--\n" + dump({tree});
     }
     return all;

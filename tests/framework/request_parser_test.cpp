@@ -12,13 +12,13 @@ namespace {
 
 using ocpsm::framework::Kind;
 using ocpsm::framework::parse_request;
-using ocpsm::framework::RequestNode;
+using ocpsm::framework::WrittenNode;
 using testing::StartsWith;
 
 // One node per line: depth, {namespace}tag, form, value, then @{namespace}attribute=value.
-void write(const std::vector<RequestNode> &nodes, std::size_t depth, std::string &text) {
+void write(const std::vector<WrittenNode> &nodes, std::size_t depth, std::string &text) {
     constexpr std::array forms{"none", "empty", "text", "string", "number", "boolean"};
-    for (const RequestNode &node : nodes) {
+    for (const WrittenNode &node : nodes) {
         text.append(depth * 2, ' ').append("{").append(node.namespace_uri).append("}").append(node.tag);
         text.append(" ").append(forms.at(static_cast<std::size_t>(node.form)));
         text.append(node.value.empty() ? "" : " ").append(node.value);

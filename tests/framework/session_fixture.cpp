@@ -166,7 +166,7 @@ ocpsm::native::NativeData HeldDevice::answer(const ocpsm::native::NetRequest &re
 
 void HeldDevice::apply(const ocpsm::native::NetRequest &edit) {
     if (refusal) {
-        throw ocpsm::native::NativeRefusal(*refusal);
+        throw ocpsm::Error(*refusal);
     }
     for (const auto &operation : edit.operations()) {
         edits.push_back(operation.path);

@@ -55,7 +55,7 @@ protected:
     // The line system that the next requests go to; the store is left as it was made.
     void use(const LineSystem &system);
 
-    ocpsm::native::Device &device() { return *device_; }
+    ocpsm::DeviceTransaction &device() { return *device_; }
     LineSystem system() const { return ocpsm::line_system::load(*transaction_); }
 
     // The leaves of an answer without error and warning.
@@ -81,7 +81,7 @@ private:
 };
 
 // A device that answers from what a test has written down: the paths of leaves with their values.
-class HeldDevice : public ocpsm::native::Device {
+class HeldDevice : public ocpsm::DeviceTransaction {
 public:
     struct Leaf {
         std::string path; // instance path, e.g. /active-nodes/active-node[node-name=0/RP0/CPU0]/slot[slot-id=1]/psm/...
@@ -92,9 +92,10 @@ public:
 
     ocpsm::native::NativeData answer(const ocpsm::native::NetRequest &read) override;
     void apply(const ocpsm::native::NetRequest &edit) override;
+    void commit() override {}
 
     // How an edit is refused; none: it is accepted, and changes nothing.
-    std::optional<ocpsm::native::NativeRefusal> refusal;
+    std::optional<ocpsm::Error> refusal;
     // Answers with all that it holds, whatever is asked for.
     bool answers_everything = false;
     std::vector<std::string> edits; // the paths of the operations of all edits

@@ -28,7 +28,6 @@ using ocpsm::line_system::load;
 using ocpsm::line_system::Path;
 using ocpsm::line_system::pull;
 using ocpsm::line_system::tick;
-using ocpsm::native::NativeRefusal;
 using ocpsm::sysdb::Table;
 
 class LineSystemDeviceTest : public OpenStore {
@@ -114,10 +113,10 @@ TEST_F(LineSystemDeviceTest, LeavesTheTransactionAloneWhenItRefuses) {
     try {
         device.apply(request.net());
         ADD_FAILURE() << "slot 2 is empty";
-    } catch (const NativeRefusal &refusal) {
+    } catch (const ocpsm::Error &refusal) {
         EXPECT_EQ(refusal.tag, "data-missing");
-        EXPECT_EQ(refusal.path, "/active-nodes/active-node[node-name='0/RP0/CPU0']/slot[slot-id='2']");
-        EXPECT_EQ(refusal.message, "the hardware is not fitted");
+        EXPECT_EQ(refusal.native_path, "/active-nodes/active-node[node-name='0/RP0/CPU0']/slot[slot-id='2']");
+        EXPECT_EQ(refusal.message(), "the hardware is not fitted");
     }
     transaction->commit();
     EXPECT_EQ(records(), before);

@@ -63,8 +63,8 @@ Request at_interface(const char *name, const char *active = "act") {
 std::string refusal(const LineSystem &system, const Request &request) {
     try {
         static_cast<void>(apply(system, request.net()));
-    } catch (const ocpsm::native::NativeRefusal &refused) {
-        return refused.tag + " at " + refused.path + ": " + refused.message;
+    } catch (const ocpsm::Error &refused) {
+        return refused.tag + " at " + refused.native_path + ": " + refused.message();
     }
     return "none";
 }

@@ -36,7 +36,7 @@ std::string error_of(const std::function<void()> &call) {
 std::string steps(const ocpsm::native::NativeRequest &request) {
     std::string out;
     for (const ocpsm::native::NativeOperation &step : request.net().operations()) {
-        out.append(ocpsm::native::operation_name(step.operation)).append(" ").append(step.path);
+        out.append(ocpsm::operation_name(step.operation)).append(" ").append(step.path);
         out.append(step.value ? " = " + *step.value : "").append("\n");
     }
     return out;
