@@ -1,5 +1,5 @@
-// A device, as the mapping framework sees it: native requests in, native answers out. It is all that the framework knows
-// of what is below it.
+// A device, as the mapping framework sees it: native requests in, native answers out. It is all that the framework
+// knows of what is below it.
 #ifndef OCPSM_FRAMEWORK_DEVICE_HPP
 #define OCPSM_FRAMEWORK_DEVICE_HPP
 

@@ -50,25 +50,21 @@ const lysc_node *schema_of(const std::string &instance_path) {
     return models::Schema::openconfig().find(path);
 }
 
-Refusal unsupported(const MappingContext &context, const std::string &location, const std::string &name) {
-    Refusal refusal;
-    refusal.location = location;
+Error refused(std::string tag, std::string path, const std::string &message, std::string advice = {}) {
+    return {Error::Source::refused, std::move(tag), std::move(path), message, std::move(advice)};
+}
+
+Error unsupported(const MappingContext &context, const std::string &location, const std::string &name) {
     const lysc_node *schema = schema_of(location);
     if (schema == nullptr) {
-        refusal.tag = "unknown-element";
-        refusal.message = "the model has no node " + name + " here";
-        refusal.advice = "check the name against the model";
-        return refusal;
+        return refused("unknown-element", location, "the model has no node " + name + " here",
+                       "check the name against the model");
     }
-    refusal.tag = "operation-not-supported";
     if (is_edit(context) && !models::describe(*schema).config) {
-        refusal.message = name + " is operational state and cannot be edited";
-        refusal.advice = "leave it out, or read it";
-    } else {
-        refusal.message = name + " is not served by this device";
-        refusal.advice = "leave it out";
+        return refused("operation-not-supported", location, name + " is operational state and cannot be edited",
+                       "leave it out, or read it");
     }
-    return refusal;
+    return refused("operation-not-supported", location, name + " is not served by this device", "leave it out");
 }
 
 // A node of the registered request that the plug-in refuses without saying where.
@@ -104,87 +100,67 @@ bool is_bare_entry(const kidl_yfw_datatree &node, const models::NodeInfo &info) 
     return info.kind == models::NodeKind::list && node.child_count == 0;
 }
 
-Refusal invalid_args(const MappingContext &context, const std::string &location) {
-    Refusal refusal;
-    refusal.tag = "operation-failed";
+Error invalid_args(const MappingContext &context, const std::string &location) {
     if (const auto culprit = find_culprit(context.duplicate(), "", "", is_delete_with_content)) {
-        refusal.location = culprit->path;
-        refusal.message = std::string(culprit->node->tag) + " is to be deleted, but something stands below it";
-        refusal.advice = "delete it without content, or delete only what stands below it";
-    } else {
-        refusal.location = location;
-        refusal.message = text_of(YMAP_ERR_INVALID_ARGS);
+        return refused("operation-failed", culprit->path,
+                       std::string(culprit->node->tag) + " is to be deleted, but something stands below it",
+                       "delete it without content, or delete only what stands below it");
     }
-    return refusal;
+    return refused("operation-failed", location, text_of(YMAP_ERR_INVALID_ARGS));
 }
 
-Refusal bad_tree(const MappingContext &context) {
-    Refusal refusal;
+Error bad_tree(const MappingContext &context) {
     const auto culprit =
         is_edit(context) ? find_culprit(context.duplicate(), "", "", is_bare_entry) : std::optional<Culprit>();
-    refusal.tag = culprit ? "missing-element" : "operation-failed";
-    refusal.message = culprit ? "the entry has no key" : text_of(YMAP_ERR_BAD_TREE);
-    refusal.location = culprit ? culprit->path : "";
-    refusal.advice = culprit ? "name the entry" : "";
-    return refusal;
+    return culprit ? refused("missing-element", culprit->path, "the entry has no key", "name the entry")
+                   : refused("operation-failed", "", text_of(YMAP_ERR_BAD_TREE));
 }
 
 // What the plug-in passed on from an operation of the framework.
-Refusal passed_on(kerrno code, const MappingContext &context, std::span<const AddRecord> adds) {
-    Refusal refusal;
-    refusal.tag = "operation-failed";
-    refusal.message = text_of(code);
-    refusal.location = context.own_refusal().value_or("");
+Error passed_on(kerrno code, const MappingContext &context, std::span<const AddRecord> adds) {
     const auto add =
         std::find_if(adds.begin(), adds.end(), [code](const AddRecord &candidate) { return candidate.result == code; });
-    if (add != adds.end()) {
-        refusal.message += ": " + add->path;
-    }
-    return refusal;
+    return refused("operation-failed", context.own_refusal().value_or(""),
+                   text_of(code) + (add == adds.end() ? std::string() : ": " + add->path));
 }
 
-Refusal leafref(const MappingContext &context) {
-    return {"data-missing", "the key and the leaf that it refers to differ (instance-required)",
-            context.own_refusal().value_or(""), "", "give both the same value, or leave config/name out"};
+Error leafref(const MappingContext &context) {
+    return refused("data-missing", context.own_refusal().value_or(""),
+                   "the key and the leaf that it refers to differ (instance-required)",
+                   "give both the same value, or leave config/name out")
+        .with_app_tag("instance-required");
+}
+
+Error error_of(kerrno code, const MappingContext &context, std::span<const AddRecord> adds, const std::string &name) {
+    const std::string location = location_of(code, context, name);
+    switch (code) {
+    case YMAP_ERR_UNSUPPORTED:
+        return unsupported(context, location, name);
+    case YMAP_ERR_AUGMENT_UNSUPPORTED:
+        return refused("unknown-namespace", location, name + " belongs to a model that is not served here",
+                       "leave it out");
+    case YMAP_ERR_LIST_KEY:
+        return refused("missing-element", location, "an entry needs its key once, with a value", "name the entry once");
+    case YMAP_ERR_KEY_DELETE:
+        return refused("bad-attribute", location, "the key of an entry cannot be taken away",
+                       "put the operation on the entry");
+    case YMAP_ERR_INVALID_ARGS:
+        return invalid_args(context, location);
+    case YMAP_ERR_BAD_TREE:
+        return bad_tree(context);
+    case leafref_mismatch:
+        return leafref(context);
+    default:
+        return passed_on(code, context, adds);
+    }
 }
 
 } // namespace
 
-Refusal refusal_of(kerrno code, const MappingContext &context, std::span<const AddRecord> adds) {
+Error refusal_of(kerrno code, const MappingContext &context, std::span<const AddRecord> adds) {
     const char *recorded = context.request->error_node_name;
     const std::string name = names_a_node(code) && recorded != nullptr ? recorded : "";
-    const std::string location = location_of(code, context, name);
-    Refusal refusal;
-    switch (code) {
-    case YMAP_ERR_UNSUPPORTED:
-        refusal = unsupported(context, location, name);
-        break;
-    case YMAP_ERR_AUGMENT_UNSUPPORTED:
-        refusal = {"unknown-namespace", name + " belongs to a model that is not served here", location, "",
-                   "leave it out"};
-        break;
-    case YMAP_ERR_LIST_KEY:
-        refusal = {"missing-element", "an entry needs its key once, with a value", location, "", "name the entry once"};
-        break;
-    case YMAP_ERR_KEY_DELETE:
-        refusal = {"bad-attribute", "the key of an entry cannot be taken away", location, "",
-                   "put the operation on the entry"};
-        break;
-    case YMAP_ERR_INVALID_ARGS:
-        refusal = invalid_args(context, location);
-        break;
-    case YMAP_ERR_BAD_TREE:
-        refusal = bad_tree(context);
-        break;
-    case leafref_mismatch:
-        refusal = leafref(context);
-        break;
-    default:
-        refusal = passed_on(code, context, adds);
-        break;
-    }
-    refusal.offending_node = name;
-    return refusal;
+    return error_of(code, context, adds, name).of_node(name);
 }
 
 } // namespace ocpsm::framework

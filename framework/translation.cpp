@@ -6,10 +6,8 @@
 
 #include "framework/host/codes.hpp"
 #include "framework/host/mapping_context.hpp"
-#include "framework/request/hand_over.hpp"
-#include "framework/request/parse.hpp"
+#include "framework/refusal.hpp"
 #include "framework/request/passed_over.hpp"
-#include "framework/request/type.hpp"
 
 namespace ocpsm::framework {
 
@@ -19,15 +17,10 @@ bool is_read(Kind kind) {
     return kind != Kind::edit;
 }
 
-std::vector<RequestNode> trees_of(std::string_view text, Kind kind, const TranslationOptions &options) {
-    std::vector<RequestNode> tops = type_request(parse_request(text, kind), kind, options.check_values);
-    return is_read(kind) ? hand_over_read(tops) : hand_over_edit(std::move(tops), options.fitted_modules);
-}
-
 // All trees of one request: channels and what was said of them belong together.
 class Run {
 public:
-    Run(Callback root, Kind kind, const TranslationOptions &options) : root_(root), kind_(kind), options_(options) {}
+    Run(Callback root, Kind kind, const Options &options) : root_(root), kind_(kind), options_(options) {}
 
     // False when the plug-in has refused the tree.
     bool hand_over(const RequestNode &tree) {
@@ -80,7 +73,7 @@ private:
 
     Callback root_;
     Kind kind_;
-    const TranslationOptions &options_;
+    const Options &options_;
     Channels channels_;
     Translation translation_;
     std::vector<std::string> passed_over_;
@@ -89,12 +82,7 @@ private:
 
 } // namespace
 
-Translation translate(Callback root, std::string_view text, Kind kind, const TranslationOptions &options) {
-    return translate_trees(root, trees_of(text, kind, options), kind, options);
-}
-
-Translation translate_trees(Callback root, const std::vector<RequestNode> &trees, Kind kind,
-                            const TranslationOptions &options) {
+Translation translate_trees(Callback root, const std::vector<RequestNode> &trees, Kind kind, const Options &options) {
     Run run(root, kind, options);
     if (trees.empty()) {
         run.warn(is_read(kind) ? "the request selects nothing" : "the request changes nothing");

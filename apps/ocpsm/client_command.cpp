@@ -1,47 +1,13 @@
-#include "client_command.hpp"
-
+// What a management client does with a line system: reads and edits in OpenConfig.
 #include <algorithm>
-#include <functional>
 #include <iostream>
-#include <string_view>
 
-#include "framework/error.hpp"
-#include "framework/session.hpp"
-#include "messages.hpp"
-#include "open_line_system.hpp"
-#include "simulator/line_system/line_system_device.hpp"
+#include "commands.hpp"
+#include "framework/text.hpp"
+#include "line_system_service.hpp"
 
 namespace ocpsm {
 namespace {
-
-namespace framework = ocpsm::framework;
-using framework::Plugin;
-using ocpsm::line_system::LineSystemDevice;
-
-framework::SessionOptions session_options(const ClientOptions &options) {
-    framework::SessionOptions session;
-    session.log = options.log;
-    session.trace = options.trace;
-    return session;
-}
-
-// The channels and the warnings; they come before the result.
-void print_messages(const framework::Outcome &outcome, const ClientOptions &options, std::ostream &errors) {
-    if (options.log) {
-        print_lines(outcome.log, errors);
-    }
-    if (options.trace) {
-        print_lines(outcome.trace, errors);
-    }
-    for (const std::string &warning : outcome.warnings) {
-        print_warning(errors, warning);
-    }
-}
-
-int print_refusal(const framework::Refusal &refusal, std::ostream &errors) {
-    print_error(errors, {refusal.tag, refusal.message, refusal.location, refusal.offending_node, refusal.advice});
-    return exit_refused;
-}
 
 std::string shown(const std::optional<std::string> &value) {
     if (!value) {
@@ -50,14 +16,14 @@ std::string shown(const std::optional<std::string> &value) {
     return value->empty() ? "\"\"" : on_one_line(*value);
 }
 
-void print_native(const ocpsm::native::NetRequest &native, std::optional<Format> format, std::ostream &output) {
+void print_native(const DeviceRequest &native, std::optional<Format> format, std::ostream &output) {
     if (format) {
-        output << (*format == Format::json ? native.to_json() : native.to_xml());
+        output << native.print(*format);
         return;
     }
     output << "native operations:\n";
-    for (const ocpsm::native::NativeOperation &operation : native.operations()) {
-        output << "  " << ocpsm::operation_name(operation.operation) << " " << on_one_line(operation.path);
+    for (const DeviceOperation &operation : native.operations()) {
+        output << "  " << operation_name(operation.operation) << " " << on_one_line(operation.path);
         if (operation.value) {
             output << " = " << shown(operation.value);
         }
@@ -65,8 +31,8 @@ void print_native(const ocpsm::native::NetRequest &native, std::optional<Format>
     }
 }
 
-void print_changes(const std::vector<framework::Change> &changes, std::string_view indent, std::ostream &output) {
-    for (const framework::Change &change : changes) {
+void print_changes(const std::vector<Change> &changes, std::string_view indent, std::ostream &output) {
+    for (const Change &change : changes) {
         output << indent << on_one_line(change.path) << ": " << shown(change.before) << " -> " << shown(change.after)
                << '\n';
     }
@@ -75,83 +41,56 @@ void print_changes(const std::vector<framework::Change> &changes, std::string_vi
     }
 }
 
-using Edit = std::function<framework::EditResult(const Plugin &plugin, ocpsm::DeviceTransaction &device)>;
-
-int run_edit(const ClientOptions &options, const Edit &edit, std::ostream &output, std::ostream &errors) {
-    const OpenLineSystem opened(options.state);
-    const Plugin plugin(options.plugin);
-    const auto transaction = opened.store().write();
-    LineSystemDevice device(*transaction);
-    const framework::EditResult result = edit(plugin, device);
-    print_messages(result, options, errors);
+int run_edit(const RequestOptions &options, const Edit &edit, std::ostream &output, std::ostream &errors) {
+    const EditResult result = open_service(options).edit(edit, options.request);
+    print_messages(result, errors);
     if (result.error) {
-        return print_refusal(*result.error, errors);
+        return print_error(errors, *result.error);
     }
-    if (options.dry_run) {
+    if (options.request.dry_run) {
         print_native(result.native, options.format, output);
         output << "OpenConfig changes:\n";
-        print_changes(result.changes, "  ", output);
-    } else {
-        transaction->commit();
-        print_changes(result.changes, "", output);
     }
+    print_changes(result.changes, options.request.dry_run ? "  " : "", output);
     return exit_done;
 }
 
 } // namespace
 
-int get_command(const ClientOptions &options, std::ostream &output, std::ostream &errors) {
+int get_command(const RequestOptions &options, std::ostream &output, std::ostream &errors) {
     if (std::find(options.paths.begin(), options.paths.end(), "") != options.paths.end()) {
-        throw ocpsm::Error(ocpsm::Error::Source::input, {}, {}, "a path is empty",
-                           "name a path, or none to read everything");
+        throw Error(Error::Source::input, {}, {}, "a path is empty", "name a path, or none to read everything");
     }
-    const std::string filter = options.filter.empty() ? std::string() : read_request(options.filter, std::cin);
-    const auto kind = options.configuration_only ? framework::Kind::get_config : framework::Kind::get;
-    const OpenLineSystem opened(options.state);
-    const Plugin plugin(options.plugin);
-    const auto transaction = opened.store().read();
-    LineSystemDevice device(*transaction);
-    const framework::Answer answer =
-        options.filter.empty() ? framework::read_paths(plugin, options.paths, kind, device, session_options(options))
-                               : framework::read(plugin, filter, kind, device, session_options(options));
-    print_messages(answer, options, errors);
-    if (answer.error) {
-        return print_refusal(*answer.error, errors);
+    Selection selection = Paths{options.paths};
+    Format format = Format::json;
+    if (!options.file.empty()) {
+        Text filter{read_request(options.file, std::cin)};
+        format = format_of(filter.text);
+        selection = std::move(filter);
     }
-    if (answer.tree.empty() && answer.warnings.empty()) {
+    const ReadResult result = open_service(options).read(selection, *options.kind, options.request);
+    print_messages(result, errors);
+    if (result.error) {
+        return print_error(errors, *result.error);
+    }
+    if (result.answer.empty() && result.warnings.empty()) {
         print_warning(errors, "the line system has nothing of what is selected");
     }
-    const Format format = options.format.value_or(filter.empty() ? Format::json : format_of(filter));
-    output << (format == Format::json ? answer.to_json() : answer.to_xml());
+    output << result.answer.print(options.format.value_or(format));
     return exit_done;
 }
 
-int edit_command(const ClientOptions &options, std::ostream &output, std::ostream &errors) {
-    const std::string text = read_request(options.file, std::cin);
-    return run_edit(
-        options,
-        [&](const Plugin &plugin, ocpsm::DeviceTransaction &device) {
-            return framework::edit(plugin, text, device, session_options(options));
-        },
-        output, errors);
+int edit_command(const RequestOptions &options, std::ostream &output, std::ostream &errors) {
+    return run_edit(options, Text{read_request(options.file, std::cin)}, output, errors);
 }
 
-int set_command(const ClientOptions &options, std::ostream &output, std::ostream &errors) {
-    return run_edit(
-        options,
-        [&](const Plugin &plugin, ocpsm::DeviceTransaction &device) {
-            return framework::set_leaf(plugin, options.path, options.value, device, session_options(options));
-        },
-        output, errors);
+int set_command(const RequestOptions &options, std::ostream &output, std::ostream &errors) {
+    return run_edit(options, PathEdit{options.path, Operation::merge, options.value}, output, errors);
 }
 
-int delete_command(const ClientOptions &options, std::ostream &output, std::ostream &errors) {
-    return run_edit(
-        options,
-        [&](const Plugin &plugin, ocpsm::DeviceTransaction &device) {
-            return framework::delete_node(plugin, options.path, device, session_options(options));
-        },
-        output, errors);
+int delete_command(const RequestOptions &options, std::ostream &output, std::ostream &errors) {
+    const Operation operation = options.if_there ? Operation::remove : Operation::delete_existing;
+    return run_edit(options, PathEdit{options.path, operation}, output, errors);
 }
 
 } // namespace ocpsm

@@ -1,8 +1,8 @@
 // The options of get, edit, set and delete.
 #include <memory>
 
-#include "client_command.hpp"
 #include "command_line.hpp"
+#include "commands.hpp"
 #include "state_directory.hpp"
 
 namespace ocpsm {
@@ -15,28 +15,30 @@ constexpr char units[] =
     "A path is /aps/aps-modules/aps-module[name=0/1-PSM-OM]/config/revertive or any step on the way.";
 
 struct ClientLine {
-    ClientOptions options;
+    RequestOptions options;
     std::optional<std::string> state;
     std::string format;
+    bool configuration_only = false;
 
-    ClientOptions finished(const Program &program) const {
-        ClientOptions finished = options;
+    RequestOptions finished(const Program &program) const {
+        RequestOptions finished = options;
         finished.state = state_directory(state, process_environment);
         finished.plugin = program.plugin_file();
         finished.format = format_named(format);
+        finished.kind = configuration_only ? Kind::get_config : Kind::get;
         return finished;
     }
 };
 
-using Run = int (*)(const ClientOptions &options, std::ostream &output, std::ostream &errors);
+using Run = int (*)(const RequestOptions &options, std::ostream &output, std::ostream &errors);
 
 CLI::App &add_client_command(CLI::App &app, Program &program, const std::string &name, const std::string &help,
                              const std::shared_ptr<ClientLine> &line, Run run) {
     CLI::App *command = app.add_subcommand(name, help);
     command->footer(units);
     add_state_option(*command, line->state);
-    command->add_flag("--log", line->options.log, "Show the plug-in's debug log on standard error");
-    command->add_flag("--trace", line->options.trace, "Show the plug-in's trace buffer on standard error");
+    command->add_flag("--log", line->options.request.log, "Show the plug-in's debug log on standard error");
+    command->add_flag("--trace", line->options.request.trace, "Show the plug-in's trace buffer on standard error");
     command->callback([line, run, &program] {
         program.chosen = [options = line->finished(program), run](std::ostream &output, std::ostream &errors) {
             return run(options, output, errors);
@@ -46,7 +48,7 @@ CLI::App &add_client_command(CLI::App &app, Program &program, const std::string 
 }
 
 void add_dry_run(CLI::App &command, ClientLine &line) {
-    command.add_flag("--dry-run", line.options.dry_run,
+    command.add_flag("--dry-run", line.options.request.dry_run,
                      "Print the native operations and what they change, and change nothing");
     add_format_option(command, line.format, "Print the native request of a dry run whole, in json or xml");
 }
@@ -55,14 +57,14 @@ void add_dry_run(CLI::App &command, ClientLine &line) {
 
 void add_client_commands(CLI::App &app, Program &program) {
     const auto line = std::make_shared<ClientLine>();
-    ClientOptions &options = line->options;
+    RequestOptions &options = line->options;
 
     CLI::App &get = add_client_command(app, program, "get", "Print configuration and state of the protection modules",
                                        line, get_command);
-    get.add_flag("--config", options.configuration_only, "Configuration only");
+    get.add_flag("--config", line->configuration_only, "Configuration only");
     CLI::Option *paths =
         get.add_option("path", options.paths, "What to read, everything without one")->type_name("PATH");
-    get.add_option("--filter", options.filter, "Read what a subtree filter in a file selects; - for standard input")
+    get.add_option("--filter", options.file, "Read what a subtree filter in a file selects; - for standard input")
         ->type_name("FILE")
         ->excludes(paths);
     add_format_option(get, line->format, "Print json or xml, else json, or as the filter came");
@@ -84,6 +86,7 @@ void add_client_commands(CLI::App &app, Program &program) {
                                          "Delete a leaf, a container or a module's settings with all that is below",
                                          line, delete_command);
     erase.add_option("path", options.path, "What to delete")->type_name("PATH")->required();
+    erase.add_flag("--if-there", options.if_there, "What is not there is no error");
     add_dry_run(erase, *line);
 }
 

@@ -7,26 +7,36 @@
 #include <iosfwd>
 #include <optional>
 #include <string>
+#include <vector>
 
-#include "framework/translation.hpp"
+#include "framework/service.hpp"
+#include "messages.hpp"
 #include "request_input.hpp"
 
 namespace ocpsm {
 
-inline constexpr int exit_done = 0;
-inline constexpr int exit_refused = 1;   // by the plug-in, the model or the device; nothing has changed
-inline constexpr int exit_bad_input = 2; // bad usage or unreadable input
-
+// What a subcommand that makes a request is told on the command line.
 struct RequestOptions {
-    std::string file;                           // "-": standard input
-    std::optional<ocpsm::framework::Kind> kind; // absent: what the text says
-    std::optional<Format> format;               // of the output; absent: the input's
-    bool log = false;                           // the plug-in's debug log to `errors`
-    bool trace = false;                         // its trace buffer to `errors`
-    bool check_values = true;
-    std::filesystem::path state; // directory of a line system; empty: the built-in example
+    EditOptions request;                        // what goes with the request; the dry run of an edit
+    std::optional<std::filesystem::path> state; // the directory of a line system; none: the built-in example
     std::filesystem::path plugin;
+    std::optional<Format> format; // of the output; absent: as the request came
+    std::optional<Kind> kind;     // absent: what the text says
+
+    std::vector<std::string> paths; // of get: what to read, none: everything
+    std::string file;               // of the others, and of a filter: the text of the request; "-": standard input
+    std::string path;               // of set and delete: an instance path
+    std::string value;              // of set
+    bool if_there = false;          // of delete: what is not there is no error
 };
+
+// Prints the answer to a read, in JSON unless a format is named or the filter is XML.
+int get_command(const RequestOptions &options, std::ostream &output, std::ostream &errors);
+
+// Each carries an edit out, whole or not at all, and prints what has changed.
+int edit_command(const RequestOptions &options, std::ostream &output, std::ostream &errors);
+int set_command(const RequestOptions &options, std::ostream &output, std::ostream &errors);
+int delete_command(const RequestOptions &options, std::ostream &output, std::ostream &errors);
 
 // Prints the native requests that an OpenConfig request becomes, and the result.
 int translate_command(const RequestOptions &options, std::ostream &output, std::ostream &errors);

@@ -20,7 +20,7 @@ int coverage_command(const std::filesystem::path &plugin_file, std::ostream &out
                         [&](const std::string &name) { return plugin.find(name) != nullptr; }, is_native_node});
 
     for (const Finding &finding : result.findings) {
-        print_error(errors, {{}, finding.path + " " + finding.problem, {}, {}, {}});
+        print_error(errors, {Error::Source::refused, {}, {}, finding.path + " " + finding.problem});
     }
     output << model.size() << " nodes in the model: " << result.mapped << " mapped both ways, " << result.refused
            << " refused, " << result.unsupported << " unsupported; " << result.native << " native nodes; "

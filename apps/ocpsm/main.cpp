@@ -63,18 +63,17 @@ std::string unknown_word(const CLI::App &app) {
 }
 
 // A misspelt subcommand is to be named: the parser only says that there is none.
-Message usage_error(const CLI::App &app, const CLI::ParseError &error) {
+Error usage_error(const CLI::App &app, const CLI::ParseError &error) {
     const CLI::App &given = innermost(app);
     const std::string word = unknown_word(app);
-    Message message{{}, error.what(), {}, {}, full_name(given) + " --help tells the usage"};
+    std::string what = error.what();
     const std::string subcommands = list_of_subcommands(given);
     if (!word.empty() && word.front() != '-' && !subcommands.empty()) {
-        message.what =
-            "there is no subcommand " + word + "; the subcommands of " + full_name(given) + " are " + subcommands;
+        what = "there is no subcommand " + word + "; the subcommands of " + full_name(given) + " are " + subcommands;
     } else if (!word.empty()) {
-        message.what = (word.front() == '-' ? "there is no option " : "there is no place for ") + word;
+        what = (word.front() == '-' ? "there is no option " : "there is no place for ") + word;
     }
-    return message;
+    return {Error::Source::input, {}, {}, what, full_name(given) + " --help tells the usage"};
 }
 
 int run_program(int argc, char **argv) {
@@ -89,14 +88,12 @@ int run_program(int argc, char **argv) {
     } catch (const CLI::Success &help) {
         return line.app.exit(help);
     } catch (const CLI::ParseError &error) {
-        print_error(std::cerr, usage_error(line.app, error));
-    } catch (const ocpsm::Error &error) {
-        print_error(std::cerr, {error.tag, error.what(), error.path, {}, error.advice});
-        return error.source == ocpsm::Error::Source::refused ? exit_refused : exit_bad_input;
+        return print_error(std::cerr, usage_error(line.app, error));
+    } catch (const Error &error) {
+        return print_error(std::cerr, error);
     } catch (const std::exception &error) {
-        print_error(std::cerr, {"operation-failed", error.what(), {}, {}, {}});
+        return print_error(std::cerr, {Error::Source::input, "operation-failed", {}, error.what()});
     }
-    return exit_bad_input;
 }
 
 } // namespace

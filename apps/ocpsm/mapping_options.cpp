@@ -7,8 +7,6 @@
 namespace ocpsm {
 namespace {
 
-using ocpsm::framework::Kind;
-
 constexpr char request_footer[] =
     "The request is the content of a NETCONF <filter> or <config>, with or without that element, or JSON (RFC 7951).\n"
     "A <filter> is taken for --get and a <config> for --edit; anything else needs one of the three options.\n"
@@ -32,7 +30,7 @@ struct RequestLine {
         if (get || get_config || edit) {
             finished.kind = get ? Kind::get : get_config ? Kind::get_config : Kind::edit;
         }
-        finished.check_values = !unchecked;
+        finished.request.check_values = !unchecked;
         finished.plugin = program.plugin_file();
         return finished;
     }
@@ -47,8 +45,8 @@ void add_request_options(CLI::App &command, RequestLine &line) {
     CLI::Option *edit = command.add_flag("--edit", line.edit, "A change of configuration");
     get->excludes(get_config)->excludes(edit);
     get_config->excludes(edit);
-    command.add_flag("--log", request.log, "Show the plug-in's debug log on standard error");
-    command.add_flag("--trace", request.trace, "Show the plug-in's trace buffer on standard error");
+    command.add_flag("--log", request.request.log, "Show the plug-in's debug log on standard error");
+    command.add_flag("--trace", request.request.trace, "Show the plug-in's trace buffer on standard error");
     command.add_flag("--no-check", line.unchecked, "Hand over the values of an edit without checking them first");
     command.add_option("--state", request.state, "The directory of a line system, else the built-in example answers")
         ->type_name("DIR");

@@ -20,26 +20,41 @@ std::string on_one_line(std::string_view text) {
     return line;
 }
 
-void print_error(std::ostream &errors, const Message &message) {
+int print_error(std::ostream &errors, const Error &error) {
     std::string line = "ocpsm: error: ";
-    if (!message.tag.empty()) {
-        line.append(message.tag).append(": ");
+    if (!error.tag.empty()) {
+        line.append(error.tag).append(": ");
     }
-    line.append(message.what);
-    if (!message.where.empty()) {
-        line.append(" at ").append(message.where);
+    line.append(error.message());
+    if (!error.native_path.empty()) {
+        line.append(" (native: ").append(error.native_path).append(")");
     }
-    if (!message.node.empty()) {
-        line.append(" (node ").append(message.node).append(")");
+    if (!error.path.empty()) {
+        line.append(" at ").append(error.path);
     }
-    if (!message.advice.empty()) {
-        line.append("; ").append(message.advice);
+    if (!error.node.empty()) {
+        line.append(" (node ").append(error.node).append(")");
+    }
+    if (!error.advice.empty()) {
+        line.append("; ").append(error.advice);
     }
     errors << on_one_line(line) << '\n';
+    return error.source == Error::Source::refused ? exit_refused : exit_bad_input;
 }
 
 void print_warning(std::ostream &errors, std::string_view text) {
     errors << "ocpsm: warning: " << on_one_line(text) << '\n';
+}
+
+void print_messages(const Outcome &outcome, std::ostream &errors) {
+    for (const auto *lines : {&outcome.log, &outcome.trace}) {
+        for (const std::string &line : *lines) {
+            errors << on_one_line(line) << '\n';
+        }
+    }
+    for (const std::string &warning : outcome.warnings) {
+        print_warning(errors, warning);
+    }
 }
 
 } // namespace ocpsm

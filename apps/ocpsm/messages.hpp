@@ -6,19 +6,19 @@
 #include <string>
 #include <string_view>
 
+#include "framework/error.hpp"
+#include "framework/service.hpp"
+
 namespace ocpsm {
 
-// Every part but `what` may be empty.
-struct Message {
-    std::string tag;   // NETCONF error-tag
-    std::string what;  // what was refused and why
-    std::string where; // OpenConfig instance path
-    std::string node;  // tag of the offending node
-    std::string advice;
-};
+// The exit codes.
+inline constexpr int exit_done = 0;
+inline constexpr int exit_refused = 1;   // by the plug-in, the model or the device; nothing has changed
+inline constexpr int exit_bad_input = 2; // bad usage or unreadable input
 
-// "ocpsm: error: TAG: WHAT at WHERE (node NODE); ADVICE"
-void print_error(std::ostream &errors, const Message &message);
+// "ocpsm: error: TAG: MESSAGE (native: NATIVE PATH) at PATH (node NODE); ADVICE", what is empty left out. Returns the
+// exit code of a program that ends with this error.
+int print_error(std::ostream &errors, const Error &error);
 
 // "ocpsm: warning: TEXT"
 void print_warning(std::ostream &errors, std::string_view text);
@@ -26,13 +26,9 @@ void print_warning(std::ostream &errors, std::string_view text);
 // A text that stays on its line: control characters are written as \n, \t or \x1b.
 std::string on_one_line(std::string_view text);
 
-// The lines that a channel of the plug-in has kept, see framework/host/log_service.hpp.
-template <class Lines>
-void print_lines(const Lines &lines, std::ostream &errors) {
-    for (const auto &line : lines) {
-        errors << on_one_line(line.text) << '\n';
-    }
-}
+// What a request says beside its result: the lines of both channels of the plug-in, which are kept where they are asked
+// for, then the warnings.
+void print_messages(const Outcome &outcome, std::ostream &errors);
 
 } // namespace ocpsm
 

@@ -10,18 +10,6 @@ namespace {
 namespace line_system = ocpsm::line_system;
 using ocpsm::Error;
 
-// The database client with the store that everything is kept in.
-ocpsm::sysdb::Client load_installed_client() {
-    ocpsm::sysdb::Client client = load_database_client();
-    if (!client.installed()) {
-        throw Error(Error::Source::input, {}, {},
-                    "the system database's client library " + ocpsm::sysdb::client_library().string() +
-                        " is not there, so no line system can be opened",
-                    "install it or build it again");
-    }
-    return client;
-}
-
 } // namespace
 
 OpenLineSystem::OpenLineSystem(const std::filesystem::path &state) : client_(load_installed_client()) {

@@ -82,13 +82,13 @@ Format format_of(std::string_view text) {
     return !text.empty() && text.front() == '{' ? Format::json : Format::xml;
 }
 
-std::optional<ocpsm::framework::Kind> kind_of(std::string_view text) {
+std::optional<Kind> kind_of(std::string_view text) {
     const std::string_view element = first_element(text);
     if (element == "filter") {
-        return ocpsm::framework::Kind::get;
+        return Kind::get;
     }
     if (element == "config") {
-        return ocpsm::framework::Kind::edit;
+        return Kind::edit;
     }
     return std::nullopt;
 }

@@ -7,11 +7,9 @@
 #include <string>
 #include <string_view>
 
-#include "framework/translation.hpp"
+#include "framework/service.hpp"
 
 namespace ocpsm {
-
-enum class Format { xml, json };
 
 // The text of a file, or of `standard_input` when `name` is "-". Throws ocpsm::Error (input) for one that cannot be
 // read or holds nothing but blanks.
@@ -24,7 +22,7 @@ bool looks_like_request(std::string_view text);
 Format format_of(std::string_view text);
 
 // What the text itself says about its kind: an XML <filter> is a get, a <config> an edit; nothing else says it.
-std::optional<ocpsm::framework::Kind> kind_of(std::string_view text);
+std::optional<Kind> kind_of(std::string_view text);
 
 } // namespace ocpsm
 

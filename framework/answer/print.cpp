@@ -54,16 +54,16 @@ void make(lyd_node *parent, const AnswerNode &node, Tree &top) {
 
 } // namespace
 
-std::string print_answer(const std::vector<AnswerNode> &tops, AnswerFormat format) {
+std::string print_answer(const std::vector<AnswerNode> &tops, Format format) {
     if (tops.empty()) {
-        return format == AnswerFormat::json ? "{}\n" : "";
+        return format == Format::json ? "{}\n" : "";
     }
     const QuietLibrary quiet;
     Tree tree;
     make(nullptr, tops.front(), tree);
     char *printed = nullptr;
     const LY_ERR result =
-        lyd_print_mem(&printed, tree.get(), format == AnswerFormat::json ? LYD_JSON : LYD_XML, LYD_PRINT_WITHSIBLINGS);
+        lyd_print_mem(&printed, tree.get(), format == Format::json ? LYD_JSON : LYD_XML, LYD_PRINT_WITHSIBLINGS);
     const std::unique_ptr<char, FreeText> text(printed);
     require(result);
     return text.get();

@@ -6,13 +6,12 @@
 #include <vector>
 
 #include "framework/answer/node.hpp"
+#include "framework/service.hpp"
 
 namespace ocpsm::framework {
 
-enum class AnswerFormat { xml, json };
-
 // Prints a checked answer, indented, with a line end behind it; nothing is no text in XML, "{}" in JSON (RFC 7951).
-std::string print_answer(const std::vector<AnswerNode> &tops, AnswerFormat format);
+std::string print_answer(const std::vector<AnswerNode> &tops, Format format);
 
 } // namespace ocpsm::framework
 

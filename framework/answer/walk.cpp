@@ -76,7 +76,7 @@ std::string request_path(const RequestNode &request) {
 class AnswerWalk {
 public:
     AnswerWalk(const Plugin &plugin, Kind kind, const RequestNode &request, const native::NativeData &data,
-               Channels &channels, const AnswerWalkOptions &options)
+               Channels &channels, const Options &options)
         : plugin_(plugin), request_(request), context_(static_cast<uint32_t>(kind), request, channels, answer_) {
         context_.switch_channels(options.log, options.trace);
         if (kind == Kind::get) {
@@ -188,8 +188,7 @@ private:
 } // namespace
 
 std::vector<AnswerNode> walk_answer(const Plugin &plugin, Kind kind, const RequestNode &request,
-                                    const native::NativeData &data, Channels &channels,
-                                    const AnswerWalkOptions &options) {
+                                    const native::NativeData &data, Channels &channels, const Options &options) {
     return AnswerWalk(plugin, kind, request, data, channels, options).run();
 }
 

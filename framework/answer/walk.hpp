@@ -8,15 +8,11 @@
 #include "framework/host/data_tree.hpp"
 #include "framework/host/log_service.hpp"
 #include "framework/host/plugin.hpp"
+#include "framework/kind.hpp"
 #include "framework/native/native_data.hpp"
-#include "framework/request/kind.hpp"
+#include "framework/service.hpp"
 
 namespace ocpsm::framework {
-
-struct AnswerWalkOptions {
-    bool log = false;
-    bool trace = false;
-};
 
 /*
  * Has the plug-in walk the answer to one request, which was handed over as `request`: first the answers of the models
@@ -25,8 +21,7 @@ struct AnswerWalkOptions {
  * fails or a value is refused.
  */
 std::vector<AnswerNode> walk_answer(const Plugin &plugin, Kind kind, const RequestNode &request,
-                                    const native::NativeData &data, Channels &channels,
-                                    const AnswerWalkOptions &options);
+                                    const native::NativeData &data, Channels &channels, const Options &options);
 
 } // namespace ocpsm::framework
 

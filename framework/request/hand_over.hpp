@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "framework/host/data_tree.hpp"
-#include "framework/request/kind.hpp"
+#include "framework/kind.hpp"
 
 namespace ocpsm::framework {
 

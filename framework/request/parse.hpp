@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "framework/request/kind.hpp"
+#include "framework/kind.hpp"
 #include "framework/request/node.hpp"
 
 namespace ocpsm::framework {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "framework/host/data_tree.hpp"
-#include "framework/request/kind.hpp"
+#include "framework/kind.hpp"
 #include "framework/request/node.hpp"
 
 namespace ocpsm::framework {

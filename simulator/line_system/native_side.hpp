@@ -12,8 +12,8 @@ namespace ocpsm::line_system {
 // Configuration and operational data, all of it.
 native::NativeData native_data(const LineSystem &system);
 
-// The line system after an edit that NetRequest::check has passed. Throws Error, with the native path, for the first node in
-// document order that cannot be carried out:
+// The line system after an edit that NetRequest::check has passed. Throws Error, with the native path, for the first
+// node in document order that cannot be carried out:
 //   data-missing    hardware that is not fitted, or a delete of what is not there
 //   data-exists     a create of what is there
 //   invalid-value   a value that no controller can be set to

@@ -15,9 +15,9 @@
 
 namespace {
 
-using ocpsm::framework::AnswerFormat;
+using ocpsm::Format;
+using ocpsm::Kind;
 using ocpsm::framework::AnswerNode;
-using ocpsm::framework::Kind;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -166,7 +166,7 @@ TEST(AnswerCheck, RefusesWhatTheModelDoesNotAllow) {
 TEST(AnswerPrint, AsXmlAndAsJson) {
     auto answer = tops({module("0/1-PSM-OM", "true", "5")});
     ocpsm::framework::check_answer(answer);
-    EXPECT_EQ(ocpsm::framework::print_answer(answer, AnswerFormat::xml),
+    EXPECT_EQ(ocpsm::framework::print_answer(answer, ocpsm::Format::xml),
               "<aps xmlns=\"http://openconfig.net/yang/optical-transport-line-protection\">\n"
               "  <aps-modules>\n"
               "    <aps-module>\n"
@@ -183,7 +183,7 @@ TEST(AnswerPrint, AsXmlAndAsJson) {
               "    </aps-module>\n"
               "  </aps-modules>\n"
               "</aps>\n");
-    EXPECT_EQ(ocpsm::framework::print_answer(answer, AnswerFormat::json),
+    EXPECT_EQ(ocpsm::framework::print_answer(answer, ocpsm::Format::json),
               "{\n"
               "  \"openconfig-transport-line-protection:aps\": {\n"
               "    \"aps-modules\": {\n"
@@ -236,10 +236,12 @@ TEST_F(PrintedAnswers, ParseStrictlyAndHoldWhatWasReadAndNoDefault) {
         for (const Kind kind : {Kind::get, Kind::get_config}) {
             for (const std::string &path :
                  {std::string("/"), module_path(1), module_path(1, "/config"), module_path(1, "/ports")}) {
-                const auto answer = ocpsm::framework::read_paths(plugin(), std::vector{path}, kind, device());
-                const auto leaves = static_cast<int>(leaves_of(answer.tree).size());
-                EXPECT_EQ(strictly_parsed(answer.to_xml(), LYD_XML), leaves) << answer.to_xml();
-                EXPECT_EQ(strictly_parsed(answer.to_json(), LYD_JSON), leaves) << answer.to_json();
+                const auto answer = requests::read_paths(plugin(), std::vector{path}, kind, device());
+                const auto leaves = static_cast<int>(leaves_of(answer.answer).size());
+                EXPECT_EQ(strictly_parsed(answer.answer.print(ocpsm::Format::xml), LYD_XML), leaves)
+                    << answer.answer.print(ocpsm::Format::xml);
+                EXPECT_EQ(strictly_parsed(answer.answer.print(ocpsm::Format::json), LYD_JSON), leaves)
+                    << answer.answer.print(ocpsm::Format::json);
             }
         }
     }

@@ -6,7 +6,7 @@
 
 namespace {
 
-using ocpsm::framework::Answer;
+using ocpsm::ReadResult;
 using ocpsm::line_system::LineSettings;
 using ocpsm::line_system::LineSystem;
 using ocpsm::line_system::slot;
@@ -108,11 +108,11 @@ TEST_F(AnswerRead, NothingOfTheOtherModuleIsAnswered) {
 
 TEST_F(AnswerRead, WithoutAPathBothKindsAnswerAllModules) {
     use(ocpsm::line_system::example());
-    const Answer all = ocpsm::framework::read_paths(plugin(), {}, Kind::get, device());
+    const ReadResult all = requests::read_paths(plugin(), {}, Kind::get, device());
     Lines expected = get_path(module_path(1));
     const Lines third = get_path(module_path(3));
     expected.insert(expected.end(), third.begin(), third.end());
-    EXPECT_EQ(leaves_of(all.tree), expected);
+    EXPECT_EQ(leaves_of(all.answer), expected);
     EXPECT_EQ(get_path("/"), expected);
     EXPECT_EQ(get(modules_text("")), expected);
 
@@ -252,32 +252,32 @@ TEST_F(AnswerRead, RefusedLeavesAreAnsweredWithWhatIsAroundThemAndRefusedWhenNam
                             "1/ports/line-secondary-in/state/optical-power/min = -16.12",
                             "1/ports/line-secondary-in/state/optical-power/max = -15.77"));
     const std::string path = module_path(1, "/ports/line-secondary-in/state/attenuation");
-    const Answer refused = ocpsm::framework::read_paths(plugin(), std::vector{path}, Kind::get, device());
+    const ReadResult refused = requests::read_paths(plugin(), std::vector{path}, Kind::get, device());
     EXPECT_EQ(refusal_of(refused),
               "operation-not-supported|" + path + "|attenuation is not served by this device|leave it out|attenuation");
-    EXPECT_THAT(refused.tree, IsEmpty());
+    EXPECT_TRUE(refused.answer.empty());
 }
 
 TEST_F(AnswerRead, OnlyUnsupportedNodesAreAnsweredWithNothingAndOneWarning) {
     use(ocpsm::line_system::example());
-    const Answer answer = ocpsm::framework::read_paths(
+    const ReadResult answer = requests::read_paths(
         plugin(), std::vector{module_path(1, "/config/hold-off-time"), module_path(3, "/ports/common-in")}, Kind::get,
         device());
     EXPECT_EQ(refusal_of(answer), "none");
-    EXPECT_THAT(answer.tree, IsEmpty());
+    EXPECT_TRUE(answer.answer.empty());
     EXPECT_THAT(answer.warnings,
                 ElementsAre("nothing that was selected is supported, the answer is empty: " +
                             module_path(1, "/config/hold-off-time") + ", " + module_path(3, "/ports/common-in")));
-    EXPECT_EQ(answer.to_json(), "{}\n");
-    EXPECT_EQ(answer.to_xml(), "");
+    EXPECT_EQ(answer.answer.print(ocpsm::Format::json), "{}\n");
+    EXPECT_EQ(answer.answer.print(ocpsm::Format::xml), "");
 }
 
 TEST_F(AnswerRead, StateIsNotAnsweredToAReadOfConfiguration) {
     use(ocpsm::line_system::example());
-    const Answer answer =
-        ocpsm::framework::read_paths(plugin(), std::vector{module_path(1, "/state")}, Kind::get_config, device());
+    const ReadResult answer =
+        requests::read_paths(plugin(), std::vector{module_path(1, "/state")}, Kind::get_config, device());
     EXPECT_EQ(refusal_of(answer), "none");
-    EXPECT_THAT(answer.tree, IsEmpty());
+    EXPECT_TRUE(answer.answer.empty());
     EXPECT_THAT(answer.warnings, ElementsAre("nothing that was selected is supported, the answer is empty: " +
                                              module_path(1, "/state")));
 }
@@ -286,11 +286,12 @@ TEST_F(AnswerRead, StateIsNotAnsweredToAReadOfConfiguration) {
 
 TEST_F(AnswerRead, BothChannelsTellOfBothDirections) {
     use(ocpsm::line_system::example());
-    const auto functions = [this](const ocpsm::framework::SessionOptions &options) {
-        const Answer answer = ocpsm::framework::read_paths(plugin(), std::vector{module_path(1, "/config/revertive")},
-                                                           Kind::get_config, device(), options);
+    const auto functions = [this](const ocpsm::Options &options) {
+        const ReadResult answer = requests::read_paths(plugin(), std::vector{module_path(1, "/config/revertive")},
+                                                       Kind::get_config, device(), options);
         std::vector<std::string> ended;
-        for (const auto &line : answer.trace) {
+        for (const std::string &text : answer.trace) {
+            const auto line = ocpsm::framework::parse_trace_line(text);
             if (line.message == "End" && line.function.ends_with("_high")) {
                 ended.push_back(line.function);
             }
@@ -308,11 +309,11 @@ TEST_F(AnswerRead, BothChannelsTellOfBothDirections) {
 // The map of the instances is made with both channels off.
 TEST_F(AnswerRead, TheMapOfTheInstancesIsMadeInSilence) {
     use(ocpsm::line_system::example());
-    const ocpsm::framework::SessionOptions options{.check_values = true, .log = true, .trace = true};
-    const Answer answer =
-        ocpsm::framework::read_paths(plugin(), std::vector{module_path(1)}, Kind::get, device(), options);
+    const ocpsm::Options options{.check_values = true, .log = true, .trace = true};
+    const ReadResult answer = requests::read_paths(plugin(), std::vector{module_path(1)}, Kind::get, device(), options);
     int walks = 0;
-    for (const auto &line : answer.trace) {
+    for (const std::string &text : answer.trace) {
+        const auto line = ocpsm::framework::parse_trace_line(text);
         walks += line.message == "Start" && line.function == ocpsm::framework::openconfig_root_walker ? 1 : 0;
     }
     EXPECT_EQ(walks, 1);

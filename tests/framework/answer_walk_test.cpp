@@ -5,8 +5,8 @@
 
 namespace {
 
-using ocpsm::framework::Answer;
-using ocpsm::framework::Kind;
+using ocpsm::Kind;
+using ocpsm::ReadResult;
 using ocpsm::framework::Plugin;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -35,9 +35,8 @@ protected:
         device->answers_everything = true;
     }
 
-    Answer read(const std::string &content, Kind kind = Kind::get,
-                const ocpsm::framework::SessionOptions &options = {}) {
-        return ocpsm::framework::read(plugin, modules_text(content), kind, *device, options);
+    ReadResult read(const std::string &content, Kind kind = Kind::get, const ocpsm::Options &options = {}) {
+        return requests::read(plugin, modules_text(content), kind, *device, options);
     }
 
     // From now on the device has only these leaves, and answers them all.
@@ -52,7 +51,7 @@ protected:
 };
 
 TEST_F(AnswerWalk, ModelsComeFirstThenWhatAugmentsTheirEntries) {
-    const Answer answer = read("<aps-module/>");
+    const ReadResult answer = read("<aps-module/>");
     EXPECT_EQ(refusal_of(answer), "none");
     EXPECT_THAT(
         fake.calls,
@@ -71,7 +70,7 @@ TEST_F(AnswerWalk, ModelsComeFirstThenWhatAugmentsTheirEntries) {
             "kind 10 mode 0/0",
             "optics optics of interface-configurations below '/interface-configurations/interface-configuration' depth "
             "1 kind 10 mode 0/0"));
-    EXPECT_THAT(leaves_of(answer.tree), ElementsAre("1/name = 0/1-PSM-OM"));
+    EXPECT_THAT(leaves_of(answer.answer), ElementsAre("1/name = 0/1-PSM-OM"));
 }
 
 TEST_F(AnswerWalk, TheContextShowsKindAndSelectionAndTheMapIsMadeInSilence) {
@@ -92,14 +91,15 @@ TEST_F(AnswerWalk, TheContextShowsKindAndSelectionAndTheMapIsMadeInSilence) {
 // The map gives slot 1 to the module; slot 2 is nobody's.
 TEST_F(AnswerWalk, TheMapSaysWhichModuleIsCurrent) {
     fake.revertive = "true";
-    EXPECT_THAT(leaves_of(read("<aps-module/>").tree), ElementsAre("1/name = 0/1-PSM-OM", "1/config/revertive = true"));
+    EXPECT_THAT(leaves_of(read("<aps-module/>").answer),
+                ElementsAre("1/name = 0/1-PSM-OM", "1/config/revertive = true"));
     hold({{interface_entry + "Ots0/1/0/1]", ""}, {active_slot + "[slot-id=2]", ""}});
-    EXPECT_THAT(leaves_of(read("<aps-module/>").tree), ElementsAre("1/name = 0/1-PSM-OM"));
+    EXPECT_THAT(leaves_of(read("<aps-module/>").answer), ElementsAre("1/name = 0/1-PSM-OM"));
 }
 
 TEST_F(AnswerWalk, AnEmptyAnswerCallsNobody) {
     hold({});
-    EXPECT_THAT(read("<aps-module/>").tree, IsEmpty());
+    EXPECT_TRUE(read("<aps-module/>").answer.empty());
     EXPECT_THAT(fake.calls, ElementsAre("request aps of - below '' depth 0 kind 10 mode 0/0"));
 }
 
@@ -112,9 +112,9 @@ std::string failure(const std::string &location, const std::string &what) {
 TEST_F(AnswerWalk, AWalkerThatFailsIsAnErrorOfTheRead) {
     fake.failing = "ports";
     fake.code = YMAP_ERR_SKIP;
-    const Answer answer = read("<aps-module/>");
+    const ReadResult answer = read("<aps-module/>");
     EXPECT_EQ(refusal_of(answer), failure("/aps", "YMAP_ERR_SKIP (the node is passed over) in /ots-oper"));
-    EXPECT_THAT(answer.tree, IsEmpty());
+    EXPECT_TRUE(answer.answer.empty());
     EXPECT_EQ(fake.calls.size(), 4U); // nobody is called after it
 
     fake.failing = "optics";
@@ -173,7 +173,7 @@ TEST_F(AnswerWalk, ARequestThatIsRefusedIsNotAskedOfTheDevice) {
 TEST_F(AnswerWalk, AnEditThatCannotSeeWhatStandsThereIsRefused) {
     fake.failing = "interfaces";
     fake.code = YMAP_ERR_BAD_TREE;
-    EXPECT_EQ(refusal_of(ocpsm::framework::edit(plugin, modules_text(module_text("0/1-PSM-OM", "<config/>")), *device)),
+    EXPECT_EQ(refusal_of(requests::edit(plugin, modules_text(module_text("0/1-PSM-OM", "<config/>")), *device)),
               failure(module_path(1),
                       "YMAP_ERR_BAD_TREE (the request tree is not well formed) in /interface-configurations"));
     EXPECT_THAT(device->edits, IsEmpty());
@@ -187,9 +187,9 @@ protected:
 
     Lines read(const std::vector<HeldDevice::Leaf> &leaves, const std::string &path, Kind kind) {
         HeldDevice held(leaves);
-        const Answer answer = ocpsm::framework::read_paths(plugin(), std::vector{path}, kind, held);
+        const ReadResult answer = requests::read_paths(plugin(), std::vector{path}, kind, held);
         EXPECT_EQ(refusal_of(answer), "none");
-        return leaves_of(answer.tree);
+        return leaves_of(answer.answer);
     }
 };
 
@@ -220,9 +220,9 @@ TEST_F(HeldAnswers, SettingsOfAModuleThatIsNotInTheInventoryNeverAppear) {
         HeldDevice held(leaves);
         held.answers_everything = everything;
         for (const Kind kind : {Kind::get, Kind::get_config}) {
-            const Answer all = ocpsm::framework::read_paths(plugin(), {}, kind, held);
+            const ReadResult all = requests::read_paths(plugin(), {}, kind, held);
             Lines configuration;
-            for (const std::string &line : leaves_of(all.tree)) {
+            for (const std::string &line : leaves_of(all.answer)) {
                 if (line.find("/state/") == std::string::npos) {
                     configuration.push_back(line);
                 }
@@ -231,9 +231,9 @@ TEST_F(HeldAnswers, SettingsOfAModuleThatIsNotInTheInventoryNeverAppear) {
             EXPECT_THAT(configuration, ElementsAre("1/name = 0/1-PSM-OM", "1/config/name = 0/1-PSM-OM",
                                                    "1/config/wait-to-restore-time = 1",
                                                    "1/ports/line-primary-in/config/target-attenuation = 1.1"));
-            const Answer one = ocpsm::framework::read_paths(plugin(), std::vector{module_path(2)}, kind, held);
+            const ReadResult one = requests::read_paths(plugin(), std::vector{module_path(2)}, kind, held);
             EXPECT_EQ(refusal_of(one), "none");
-            EXPECT_THAT(leaves_of(one.tree), IsEmpty());
+            EXPECT_THAT(leaves_of(one.answer), IsEmpty());
         }
     }
 }
@@ -245,8 +245,8 @@ TEST_F(HeldAnswers, ANamedReadIsAnsweredWithItsModuleWhateverTheDeviceAnswers) {
                      {active_slot + "[slot-id=1]/psm/revertive/wtr", "1"},
                      {active_slot + "[slot-id=3]/psm/revertive/wtr", "3"}});
     held.answers_everything = true;
-    const Answer answer = ocpsm::framework::read_paths(plugin(), std::vector{module_path(3)}, Kind::get_config, held);
-    EXPECT_THAT(leaves_of(answer.tree),
+    const ReadResult answer = requests::read_paths(plugin(), std::vector{module_path(3)}, Kind::get_config, held);
+    EXPECT_THAT(leaves_of(answer.answer),
                 ElementsAre("3/name = 0/3-PSM-OM", "3/config/name = 0/3-PSM-OM", "3/config/wait-to-restore-time = 3"));
 }
 

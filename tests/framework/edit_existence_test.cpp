@@ -4,7 +4,7 @@
 
 namespace {
 
-using ocpsm::framework::EditResult;
+using ocpsm::EditResult;
 using ocpsm::line_system::LineSystem;
 using ocpsm::line_system::slot;
 using testing::ElementsAre;
@@ -122,7 +122,7 @@ TEST_F(EditExistence, NamesOfAnyLengthAndContent) {
     EXPECT_EQ(edit(modules_text(module_text(longest, "<config/>"))).error->tag, "data-missing");
     const EditResult quoted = edit(modules_text(module_text("a'b\"c]/d", "<config/>")));
     EXPECT_EQ(quoted.error->tag, "data-missing");
-    EXPECT_EQ(quoted.error->message, "there is no module 'a'b\"c]/d'");
+    EXPECT_EQ(quoted.error->message(), "there is no module 'a'b\"c]/d'");
 }
 
 TEST_F(EditExistence, OfAllModules) {

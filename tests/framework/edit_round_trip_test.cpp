@@ -7,8 +7,8 @@
 
 namespace {
 
-using ocpsm::framework::Answer;
-using ocpsm::framework::EditResult;
+using ocpsm::EditResult;
+using ocpsm::ReadResult;
 using ocpsm::line_system::LineSystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -54,11 +54,11 @@ protected:
     }
 
     void set(const std::string &leaf, const std::string &value) {
-        successful(ocpsm::framework::set_leaf(plugin(), module_path(2, leaf), value, device()));
+        successful(requests::set_leaf(plugin(), module_path(2, leaf), value, device()));
     }
 
     void remove(const std::string &leaf) {
-        successful(ocpsm::framework::delete_node(plugin(), module_path(2, leaf), device()));
+        successful(requests::delete_node(plugin(), module_path(2, leaf), device()));
     }
 
     // The leaf's value in an answer, by a read of its own; none when it is not there.
@@ -141,8 +141,7 @@ TEST_F(RoundTrip, RandomHundredthsAreCutTowardsZero) {
             const int digit = std::uniform_int_distribution(1, 8)(random);
             const std::string written = tenths(number) + std::to_string(digit);
             SCOPED_TRACE(std::string(decimal.leaf) + " " + written);
-            const EditResult result =
-                ocpsm::framework::set_leaf(plugin(), module_path(2, decimal.leaf), written, device());
+            const EditResult result = requests::set_leaf(plugin(), module_path(2, decimal.leaf), written, device());
             EXPECT_EQ(refusal_of(result), "none");
             EXPECT_EQ(value_of(decimal.leaf), tenths(number));
         }
@@ -163,25 +162,26 @@ protected:
                            " xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\" nc:operation=\"" + operation + "\"");
     }
 
-    Answer configuration(int slot) {
-        return ocpsm::framework::read_paths(plugin(), std::vector{module_path(slot)}, Kind::get_config, device());
+    ReadResult configuration(int slot) {
+        return requests::read_paths(plugin(), std::vector{module_path(slot)}, Kind::get_config, device());
     }
 };
 
 TEST_F(WholeModule, ReplacedWithWhatWasReadStaysAsItIs) {
     for (const int slot : {1, 3}) {
-        const Answer before = configuration(slot);
+        const ReadResult before = configuration(slot);
         const LineSystem system_before = system();
-        EXPECT_THAT(changes(with_operation(before.to_xml(), "<aps-module", "replace")), IsEmpty());
-        EXPECT_THAT(changes(with_operation(before.to_xml(), "<config", "replace")), IsEmpty());
-        EXPECT_THAT(changes(before.to_json()), IsEmpty());
-        EXPECT_EQ(configuration(slot).tree, before.tree);
+        EXPECT_THAT(changes(with_operation(before.answer.print(ocpsm::Format::xml), "<aps-module", "replace")),
+                    IsEmpty());
+        EXPECT_THAT(changes(with_operation(before.answer.print(ocpsm::Format::xml), "<config", "replace")), IsEmpty());
+        EXPECT_THAT(changes(before.answer.print(ocpsm::Format::json)), IsEmpty());
+        EXPECT_EQ(configuration(slot).answer.leaves(), before.answer.leaves());
         EXPECT_EQ(system(), system_before);
     }
 }
 
 TEST_F(WholeModule, ReplacedWithTwoLeavesLosesAllOthers) {
-    const Answer other = configuration(3);
+    const ReadResult other = configuration(3);
     successful(edit(modules_text(module_text(
         "0/1-PSM-OM",
         "<config><revertive>false</revertive><secondary-switch-threshold>-1.5</secondary-switch-threshold></config>",
@@ -189,7 +189,7 @@ TEST_F(WholeModule, ReplacedWithTwoLeavesLosesAllOthers) {
     EXPECT_THAT(get_path(module_path(1), Kind::get_config),
                 ElementsAre("1/name = 0/1-PSM-OM", "1/config/name = 0/1-PSM-OM", "1/config/revertive = false",
                             "1/config/secondary-switch-threshold = -1.5"));
-    EXPECT_EQ(configuration(3).tree, other.tree);
+    EXPECT_EQ(configuration(3).answer.leaves(), other.answer.leaves());
 }
 
 TEST_F(WholeModule, ReplacedConfigurationLosesItsOtherLeavesAndKeepsThePorts) {
@@ -205,11 +205,11 @@ TEST_F(WholeModule, ReplacedConfigurationLosesItsOtherLeavesAndKeepsThePorts) {
 }
 
 TEST_F(WholeModule, AllModulesReplacedWithWhatWasReadStayAsTheyAre) {
-    const Answer all = ocpsm::framework::read_paths(plugin(), {}, Kind::get_config, device());
+    const ReadResult all = requests::read_paths(plugin(), {}, Kind::get_config, device());
     for (const char *begin :
          {"<aps-modules", "<aps xmlns=\"http://openconfig.net/yang/optical-transport-line-protection\""}) {
         const LineSystem before = system();
-        EXPECT_THAT(changes(with_operation(all.to_xml(), begin, "replace")), IsEmpty());
+        EXPECT_THAT(changes(with_operation(all.answer.print(ocpsm::Format::xml), begin, "replace")), IsEmpty());
         EXPECT_EQ(system(), before);
     }
 }

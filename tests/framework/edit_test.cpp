@@ -6,7 +6,7 @@
 
 namespace {
 
-using ocpsm::framework::EditResult;
+using ocpsm::EditResult;
 using ocpsm::line_system::LineSystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -49,8 +49,7 @@ TEST_F(EditOfALineSystem, TellsTheNativeOperationsAndWhatTheyAmountTo) {
                 ElementsAre("merge " + primary, "merge " + threshold, "merge " + threshold + "/rx-threshold = -123",
                             "merge " + node, "merge " + node + "/slot[slot-id='1']"));
     ASSERT_EQ(result.changes.size(), 1U);
-    EXPECT_EQ(result.changes[0],
-              (ocpsm::framework::Change{module_path(1, "/config/primary-switch-threshold"), "-25.0", "-12.3"}));
+    EXPECT_EQ(result.changes[0], (ocpsm::Change{module_path(1, "/config/primary-switch-threshold"), "-25.0", "-12.3"}));
     EXPECT_THAT(result.log, IsEmpty());
     EXPECT_THAT(result.trace, IsEmpty());
 }
@@ -77,10 +76,11 @@ TEST_F(EditOfALineSystem, AnEditThatSaysNothingDoesNothing) {
 }
 
 TEST_F(EditOfALineSystem, ChannelsAreKeptWhenTheyAreAskedFor) {
-    const EditResult result = ocpsm::framework::edit(plugin(), config_text("<revertive>false</revertive>"), device(),
-                                                     {.check_values = true, .log = true, .trace = true});
+    const EditResult result = requests::edit(plugin(), config_text("<revertive>false</revertive>"), device(),
+                                             ocpsm::EditOptions{{true, true, true}});
     int walks = 0;
-    for (const auto &line : result.trace) {
+    for (const std::string &text : result.trace) {
+        const auto line = ocpsm::framework::parse_trace_line(text);
         walks += line.message == "Start" && line.function == ocpsm::framework::openconfig_root_walker ? 1 : 0;
     }
     EXPECT_EQ(walks, 1); // the reads before and after it are the framework's own
@@ -130,11 +130,11 @@ TEST_F(EditOfALineSystem, AValueThatTheModelDoesNotAllowNeverReachesThePlugin) {
 // A value that is beyond the native type is found when the native edit is checked.
 TEST_F(EditOfALineSystem, ANativeCheckThatFailsIsReportedAtTheOpenConfigPath) {
     const LineSystem before = system();
-    const EditResult result = ocpsm::framework::edit(plugin(), config_text("<revertive>perhaps</revertive>"), device(),
-                                                     {.check_values = false, .log = false, .trace = false});
+    const EditResult result = requests::edit(plugin(), config_text("<revertive>perhaps</revertive>"), device(),
+                                             ocpsm::EditOptions{{false, false, false}});
     EXPECT_EQ(result.error->tag, "invalid-value");
-    EXPECT_EQ(result.error->location, module_path(1, "/config/revertive"));
-    EXPECT_THAT(result.error->message, testing::StartsWith(node + "/slot[slot-id='1']/psm/revertive/enable: "));
+    EXPECT_EQ(result.error->path, module_path(1, "/config/revertive"));
+    EXPECT_THAT(result.error->message(), testing::StartsWith(node + "/slot[slot-id='1']/psm/revertive/enable: "));
     EXPECT_EQ(system(), before);
 }
 
@@ -150,8 +150,9 @@ protected:
     // Where an edit is refused whose native node at `native_path` the device refuses.
     std::string refused_at(const std::string &native_path, const std::string &text) {
         HeldDevice held({{held_module, ""}});
-        held.refusal = ocpsm::Error(ocpsm::Error::Source::refused, "resource-denied", "", "not now").at_native(native_path);
-        return refusal_of(ocpsm::framework::edit(plugin(), text, held));
+        held.refusal =
+            ocpsm::Error(ocpsm::Error::Source::refused, "resource-denied", "", "not now").at_native(native_path);
+        return refusal_of(requests::edit(plugin(), text, held));
     }
 };
 
@@ -190,7 +191,7 @@ TEST_F(EditOfAHeldDevice, AlsoWithinAWholeSubtree) {
 
 TEST_F(EditOfAHeldDevice, AnAcceptedEditReachesTheDeviceOnce) {
     HeldDevice held({{held_module, ""}});
-    const EditResult result = ocpsm::framework::edit(plugin(), config_text("<revertive>true</revertive>"), held);
+    const EditResult result = requests::edit(plugin(), config_text("<revertive>true</revertive>"), held);
     EXPECT_EQ(refusal_of(result), "none");
     EXPECT_THAT(held.edits, ElementsAre(primary, node, node + "/slot[slot-id='1']",
                                         node + "/slot[slot-id='1']/psm/revertive/enable"));

@@ -4,16 +4,16 @@
 #include <optional>
 
 #include "framework/error.hpp"
-#include "framework/translation.hpp"
 #include "simulator/database/client_library.hpp"
 #include "simulator/line_system/temporary_state.hpp"
+#include "translate.hpp"
 
 namespace {
 
-using ocpsm::framework::Kind;
+using ocpsm::Kind;
+using ocpsm::Options;
 using ocpsm::framework::Plugin;
 using ocpsm::framework::Translation;
-using ocpsm::framework::TranslationOptions;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -70,9 +70,10 @@ protected:
         return loaded;
     }
 
-    static Translation translate(const std::string &text, Kind kind, const TranslationOptions &options = {}) {
-        return ocpsm::framework::translate(plugin().callback(ocpsm::framework::openconfig_root_walker), text, kind,
-                                           options);
+    static Translation translate(const std::string &text, Kind kind, const Options &options = {},
+                                 const std::vector<std::string> &fitted_modules = {}) {
+        return ::translate(plugin().callback(ocpsm::framework::openconfig_root_walker), text, kind, options,
+                           fitted_modules);
     }
 
     static std::vector<std::string> read(const std::string &text, Kind kind) {
@@ -90,10 +91,10 @@ protected:
         if (!translation.error) {
             return translation.result_name;
         }
-        EXPECT_NE(translation.error->message, "");
+        EXPECT_NE(translation.error->message(), "");
         EXPECT_THAT(translation.warnings, IsEmpty());
-        return translation.result_name + "|" + translation.error->tag + "|" + translation.error->location + "|" +
-               translation.error->offending_node;
+        return translation.result_name + "|" + translation.error->tag + "|" + translation.error->path + "|" +
+               translation.error->node;
     }
 
     std::optional<ocpsm::sysdb::Client> client_;
@@ -288,12 +289,10 @@ TEST_F(EndToEnd, DeleteOfAModule) {
 }
 
 TEST_F(EndToEnd, DeleteOfAllModules) {
-    TranslationOptions options;
-    options.fitted_modules = {"0/3-PSM-OM"};
     const Translation translation =
         translate("<aps xmlns=\"http://openconfig.net/yang/optical-transport-line-protection\" "
                   "xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\" nc:operation=\"delete\"/>",
-                  Kind::edit, options);
+                  Kind::edit, {}, {"0/3-PSM-OM"});
     EXPECT_THAT(net(translation), emptied("3"));
 }
 
@@ -370,7 +369,7 @@ TEST_F(EndToEnd, WhatAReadDoesNotKnowIsPassedOver) {
 // ---- channels ----
 
 TEST_F(EndToEnd, EveryAddBearsTheNamesOfItsFunctions) {
-    TranslationOptions options;
+    Options options;
     options.trace = true;
     const Translation translation = translate(config("<force-to-port>SECONDARY</force-to-port>"), Kind::edit, options);
     const std::string walker = "ymap_o2n_oc_opt_psm_openconfigtransportlineprotection_lvla_aps_";
@@ -389,7 +388,7 @@ TEST_F(EndToEnd, EveryAddBearsTheNamesOfItsFunctions) {
 }
 
 TEST_F(EndToEnd, TheLogHoldsThePluginsErrors) {
-    TranslationOptions options;
+    Options options;
     options.log = true;
     const Translation translation = translate(config("<colour>1</colour>"), Kind::edit, options);
     std::vector<std::string> errors;

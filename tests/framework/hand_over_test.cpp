@@ -8,7 +8,7 @@
 
 namespace {
 
-using ocpsm::framework::Kind;
+using ocpsm::Kind;
 using ocpsm::framework::RequestNode;
 
 const std::vector<std::string> fitted{"0/1-PSM-OM", "0/3-PSM-OM"};

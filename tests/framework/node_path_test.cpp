@@ -7,8 +7,8 @@
 
 namespace {
 
+using ocpsm::Kind;
 using ocpsm::framework::deletion_of;
-using ocpsm::framework::Kind;
 using ocpsm::framework::read_of;
 using ocpsm::framework::setting_of;
 

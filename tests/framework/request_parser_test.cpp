@@ -10,7 +10,7 @@
 
 namespace {
 
-using ocpsm::framework::Kind;
+using ocpsm::Kind;
 using ocpsm::framework::parse_request;
 using ocpsm::framework::WrittenNode;
 using testing::StartsWith;

@@ -7,7 +7,7 @@
 
 namespace {
 
-using ocpsm::framework::Kind;
+using ocpsm::Kind;
 using ocpsm::framework::parse_request;
 using ocpsm::framework::type_request;
 

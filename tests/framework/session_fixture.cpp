@@ -5,10 +5,9 @@
 #include "framework/models/models.hpp"
 #include "framework/native/native_path.hpp"
 
-using ocpsm::framework::Answer;
-using ocpsm::framework::AnswerNode;
-using ocpsm::framework::EditResult;
-using ocpsm::framework::Outcome;
+using ocpsm::EditResult;
+using ocpsm::Outcome;
+using ocpsm::ReadResult;
 using ocpsm::framework::Plugin;
 
 namespace {
@@ -82,20 +81,60 @@ void hold(std::vector<ocpsm::native::DataNode> &nodes, const lysc_node *parent, 
 
 } // namespace
 
-Lines leaves_of(const std::vector<AnswerNode> &tops) {
+namespace requests {
+
+ReadResult read(const Plugin &plugin, const std::string &text, Kind kind, DeviceTransaction &device,
+                const Options &options) {
+    return answer_read(plugin, ocpsm::framework::typed(ocpsm::Text{text}, kind), kind, device, options);
+}
+
+ReadResult read_paths(const Plugin &plugin, const std::vector<std::string> &paths, Kind kind, DeviceTransaction &device,
+                      const Options &options) {
+    return answer_read(plugin, ocpsm::framework::typed(ocpsm::Paths{paths}, kind), kind, device, options);
+}
+
+namespace {
+
+EditResult edit(const Plugin &plugin, const ocpsm::Edit &edit, DeviceTransaction &device, const EditOptions &options) {
+    return carry_out(plugin, ocpsm::framework::typed(edit, options), device, options);
+}
+
+} // namespace
+
+EditResult edit(const Plugin &plugin, const std::string &text, DeviceTransaction &device, const EditOptions &options) {
+    return edit(plugin, ocpsm::Edit(ocpsm::Text{text}), device, options);
+}
+
+EditResult set_leaf(const Plugin &plugin, const std::string &path, const std::string &value,
+                    DeviceTransaction &device) {
+    return edit(plugin, ocpsm::Edit(ocpsm::PathEdit{path, ocpsm::Operation::merge, value}), device, {});
+}
+
+EditResult delete_node(const Plugin &plugin, const std::string &path, DeviceTransaction &device) {
+    return edit(plugin, ocpsm::Edit(ocpsm::PathEdit{path, ocpsm::Operation::delete_existing}), device, {});
+}
+
+} // namespace requests
+
+Lines leaves_of(const ocpsm::Answer &answer) {
     Lines lines;
-    ocpsm::framework::for_each_leaf(tops, [&lines](const std::string &path, const AnswerNode &leaf) {
-        lines.push_back(short_path(path) + " = " + leaf.value.value_or("(no value)"));
-    });
+    for (const ocpsm::Leaf &leaf : answer.leaves()) {
+        lines.push_back(short_path(leaf.path) + " = " + leaf.value);
+    }
     return lines;
+}
+
+Lines leaves_of(const std::vector<ocpsm::framework::AnswerNode> &tops) {
+    return leaves_of(ocpsm::Answer(std::make_shared<ocpsm::Answer::Data>(ocpsm::Answer::Data{tops})));
 }
 
 std::string refusal_of(const Outcome &outcome) {
     if (!outcome.error) {
         return "none";
     }
-    return outcome.error->tag + "|" + outcome.error->location + "|" + outcome.error->message + "|" +
-           outcome.error->advice + "|" + outcome.error->offending_node;
+    const ocpsm::Error &error = *outcome.error;
+    const std::string native = error.native_path.empty() ? "" : " (native: " + error.native_path + ")";
+    return error.tag + "|" + error.path + "|" + error.message() + native + "|" + error.advice + "|" + error.node;
 }
 
 Lines changes_of(const EditResult &result) {
@@ -126,26 +165,26 @@ void SessionFixture::TearDown() {
     state_.reset();
 }
 
-Lines SessionFixture::answered(const Answer &answer) {
+Lines SessionFixture::answered(const ReadResult &answer) {
     EXPECT_EQ(refusal_of(answer), "none");
     EXPECT_THAT(answer.warnings, testing::IsEmpty());
-    return leaves_of(answer.tree);
+    return leaves_of(answer.answer);
 }
 
 Lines SessionFixture::get(const std::string &text) {
-    return answered(ocpsm::framework::read(plugin(), text, Kind::get, device()));
+    return answered(requests::read(plugin(), text, Kind::get, device()));
 }
 
 Lines SessionFixture::get_config(const std::string &text) {
-    return answered(ocpsm::framework::read(plugin(), text, Kind::get_config, device()));
+    return answered(requests::read(plugin(), text, Kind::get_config, device()));
 }
 
 Lines SessionFixture::get_path(const std::string &path, Kind kind) {
-    return answered(ocpsm::framework::read_paths(plugin(), std::vector{path}, kind, device()));
+    return answered(requests::read_paths(plugin(), std::vector{path}, kind, device()));
 }
 
 EditResult SessionFixture::edit(const std::string &text) {
-    return ocpsm::framework::edit(plugin(), text, device());
+    return requests::edit(plugin(), text, device());
 }
 
 EditResult SessionFixture::successful(EditResult result) {

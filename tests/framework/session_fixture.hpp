@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "framework/native/native_data.hpp"
-#include "framework/session.hpp"
+#include "framework/requests.hpp"
 #include "simulator/database/client_library.hpp"
 #include "simulator/line_system/line_system_device.hpp"
 #include "simulator/line_system/storage.hpp"
@@ -35,18 +35,41 @@ inline std::string module_path(int slot, const std::string &below = {}) {
     return "/aps/aps-modules/aps-module[name='0/" + std::to_string(slot) + "-PSM-OM']" + below;
 }
 
+// Requests in a transaction, from the text to the result.
+namespace requests {
+
+using ocpsm::DeviceTransaction;
+using ocpsm::EditOptions;
+using ocpsm::EditResult;
+using ocpsm::Kind;
+using ocpsm::Options;
+using ocpsm::ReadResult;
+using ocpsm::framework::Plugin;
+
+ReadResult read(const Plugin &plugin, const std::string &text, Kind kind, DeviceTransaction &device,
+                const Options &options = {});
+ReadResult read_paths(const Plugin &plugin, const std::vector<std::string> &paths, Kind kind, DeviceTransaction &device,
+                      const Options &options = {});
+EditResult edit(const Plugin &plugin, const std::string &text, DeviceTransaction &device,
+                const EditOptions &options = {});
+EditResult set_leaf(const Plugin &plugin, const std::string &path, const std::string &value, DeviceTransaction &device);
+EditResult delete_node(const Plugin &plugin, const std::string &path, DeviceTransaction &device);
+
+} // namespace requests
+
 // The leaves of an answer below its modules, in document order: "1/config/revertive = true" in the slot of the module.
+Lines leaves_of(const ocpsm::Answer &answer);
 Lines leaves_of(const std::vector<ocpsm::framework::AnswerNode> &tops);
 
 // "tag|location|message|advice|offending node"; "none" without an error.
-std::string refusal_of(const ocpsm::framework::Outcome &outcome);
+std::string refusal_of(const ocpsm::Outcome &outcome);
 
 // The changes of an edit: "1/config/revertive: true -> -".
-Lines changes_of(const ocpsm::framework::EditResult &result);
+Lines changes_of(const ocpsm::EditResult &result);
 
 class SessionFixture : public testing::Test {
 protected:
-    using Kind = ocpsm::framework::Kind;
+    using Kind = ocpsm::Kind;
     using LineSystem = ocpsm::line_system::LineSystem;
 
     // The plug-in stays loaded, so that a leak report can name its functions.
@@ -63,16 +86,16 @@ protected:
     Lines get_config(const std::string &text);
     Lines get_path(const std::string &path, Kind kind = Kind::get);
 
-    ocpsm::framework::EditResult edit(const std::string &text);
+    ocpsm::EditResult edit(const std::string &text);
 
     // The changes of an edit that must succeed.
     Lines changes(const std::string &text) { return changes_of(successful(edit(text))); }
-    static ocpsm::framework::EditResult successful(ocpsm::framework::EditResult result);
+    static ocpsm::EditResult successful(ocpsm::EditResult result);
 
     void TearDown() override;
 
 private:
-    Lines answered(const ocpsm::framework::Answer &answer);
+    Lines answered(const ocpsm::ReadResult &result);
 
     std::optional<ocpsm::sysdb::Client> client_;
     std::optional<ocpsm::line_system::TemporaryState> state_;

@@ -1,4 +1,4 @@
-#include "framework/translation.hpp"
+#include "translate.hpp"
 
 #include <gmock/gmock.h>
 
@@ -9,11 +9,11 @@
 
 namespace {
 
+using ocpsm::Kind;
 using ocpsm::framework::AddRecord;
-using ocpsm::framework::Kind;
-using ocpsm::framework::translate;
+
+using ocpsm::Options;
 using ocpsm::framework::Translation;
-using ocpsm::framework::TranslationOptions;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -72,9 +72,9 @@ std::string refusal(const Translation &translation) {
     if (!translation.error) {
         return translation.result_name + "|no error";
     }
-    const ocpsm::framework::Refusal &error = *translation.error;
-    return translation.result_name + "|" + error.tag + "|" + error.message + "|" + error.location + "|" +
-           error.offending_node + "|" + error.advice;
+    const ocpsm::Error &error = *translation.error;
+    return translation.result_name + "|" + error.tag + "|" + error.message() + "|" + error.path + "|" + error.node +
+           "|" + error.advice;
 }
 
 kerrno succeeds(yfw_map_ctx, const Node *, Node *) {
@@ -177,7 +177,7 @@ TEST(Translation, BothChannelsAreOffUnlessTheyAreAskedFor) {
 }
 
 TEST(Translation, EachChannelIsSwitchedOnByItself) {
-    TranslationOptions log;
+    Options log;
     log.log = true;
     const Translation logged = translate(speaks, modules(""), Kind::get, log);
     ASSERT_EQ(logged.log.size(), 1U);
@@ -185,7 +185,7 @@ TEST(Translation, EachChannelIsSwitchedOnByItself) {
     EXPECT_TRUE(logged.log[0].error);
     EXPECT_THAT(logged.trace, IsEmpty());
 
-    TranslationOptions trace;
+    Options trace;
     trace.trace = true;
     const Translation traced = translate(speaks, modules(""), Kind::get, trace);
     EXPECT_THAT(traced.log, IsEmpty());
@@ -369,7 +369,7 @@ TEST(Refusal, TheFirstOneEndsARead) {
     EXPECT_EQ(translation.handed_over[0].result, KERR_SUCCESS);
     EXPECT_EQ(translation.handed_over[1].result, YMAP_ERR_UNSUPPORTED);
     EXPECT_EQ(translation.result, YMAP_ERR_UNSUPPORTED);
-    EXPECT_EQ(translation.error->location, "/aps/aps-modules/aps-module[name='b']/name");
+    EXPECT_EQ(translation.error->path, "/aps/aps-modules/aps-module[name='b']/name");
 }
 
 kerrno leaves_things_behind(yfw_map_ctx ctx, const Node *source, Node *) {

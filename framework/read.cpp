@@ -1,0 +1,117 @@
+// Reads: from the request to the answer.
+#include <algorithm>
+#include <iterator>
+#include <optional>
+#include <utility>
+
+#include "framework/answer/cut.hpp"
+#include "framework/answer/walk.hpp"
+#include "framework/request/hand_over.hpp"
+#include "framework/request/instance_read.hpp"
+#include "framework/request/node_path.hpp"
+#include "framework/request/parse.hpp"
+#include "framework/request/type.hpp"
+#include "framework/requests.hpp"
+
+namespace ocpsm::framework {
+
+namespace {
+
+std::vector<WrittenNode> written(const Paths &selection) {
+    std::vector<WrittenNode> tops;
+    for (const std::string &path : selection.paths) {
+        std::vector<WrittenNode> selected = read_of(path);
+        std::move(selected.begin(), selected.end(), std::back_inserter(tops));
+    }
+    return selection.paths.empty() ? read_of("/") : tops;
+}
+
+template <class Lines>
+void append_texts(const Lines &lines, std::vector<std::string> &texts) {
+    for (const auto &line : lines) {
+        texts.push_back(line.text);
+    }
+}
+
+// Has the device answer what was handed over, and the plug-in map it back.
+std::vector<AnswerNode> answer_one(const Plugin &plugin, Kind kind, const HandedOver &handed, DeviceTransaction &device,
+                                   Channels &channels, const Options &options) {
+    const native::NativeData data = device.answer(handed.native.net());
+    return cut(walk_answer(plugin, kind, handed.request, data, channels, options), {handed.request});
+}
+
+void answer_all(const Plugin &plugin, Kind kind, const Translation &translation, DeviceTransaction &device,
+                const Options &options, ReadResult &result) {
+    Channels channels;
+    std::vector<AnswerNode> tops;
+    try {
+        for (const HandedOver &handed : translation.handed_over) {
+            if (!handed.nothing_supported) {
+                join(tops, answer_one(plugin, kind, handed, device, channels, options));
+            }
+        }
+        if (!tops.empty()) {
+            result.answer = Answer(std::make_shared<Answer::Data>(std::move(tops)));
+        }
+    } catch (const Error &error) {
+        result.error = error;
+    }
+    append_texts(channels.log(), result.log);
+    append_texts(channels.trace(), result.trace);
+}
+
+} // namespace
+
+std::vector<RequestNode> typed(const Selection &selection, Kind kind) {
+    const auto *text = std::get_if<Text>(&selection);
+    return type_request(text != nullptr ? parse_request(text->text, kind) : written(std::get<Paths>(selection)), kind,
+                        true);
+}
+
+void take_messages(Outcome &outcome, Translation &translation) {
+    outcome.warnings = std::move(translation.warnings);
+    append_texts(translation.log, outcome.log);
+    append_texts(translation.trace, outcome.trace);
+    outcome.error = std::move(translation.error);
+}
+
+ReadResult answer_read(const Plugin &plugin, const std::vector<RequestNode> &tops, Kind kind, DeviceTransaction &device,
+                       const Options &options) {
+    Translation translation =
+        translate_trees(plugin.callback(openconfig_root_walker), hand_over_read(tops), kind, options);
+    ReadResult result;
+    take_messages(result, translation);
+    if (!result.error) {
+        answer_all(plugin, kind, translation, device, options, result);
+    }
+    return result;
+}
+
+std::vector<AnswerNode> configuration(const Plugin &plugin, DeviceTransaction &device,
+                                      const std::optional<std::vector<std::string>> &modules) {
+    std::vector<RequestNode> selected;
+    if (modules) {
+        std::transform(modules->begin(), modules->end(), std::back_inserter(selected), read_of_instance);
+    } else {
+        selected = typed(Paths{}, Kind::get_config);
+    }
+    ReadResult result = answer_read(plugin, selected, Kind::get_config, device, {});
+    if (result.error) {
+        throw Error(*result.error);
+    }
+    return result.answer.empty() ? std::vector<AnswerNode>() : result.answer.data().tops;
+}
+
+std::vector<std::string> modules_in(const std::vector<AnswerNode> &tops) {
+    std::vector<std::string> names;
+    for (const AnswerNode &top : tops) {
+        for (const AnswerNode &list : top.children) {
+            for (const AnswerNode &module : list.children) {
+                names.push_back(find_child(module, "name")->value.value_or(""));
+            }
+        }
+    }
+    return names;
+}
+
+} // namespace ocpsm::framework

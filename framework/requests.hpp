@@ -1,0 +1,51 @@
+// Requests within one transaction of a device.
+#ifndef OCPSM_FRAMEWORK_REQUESTS_HPP
+#define OCPSM_FRAMEWORK_REQUESTS_HPP
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "framework/answer/node.hpp"
+#include "framework/device.hpp"
+#include "framework/host/plugin.hpp"
+#include "framework/request/node.hpp"
+#include "framework/service.hpp"
+#include "framework/translation.hpp"
+
+namespace ocpsm {
+
+// What an answer holds: top nodes, at least one.
+struct Answer::Data {
+    std::vector<framework::AnswerNode> tops;
+};
+
+namespace framework {
+
+// The typed nodes of a read, and of an edit. Throw Error for what cannot be read and what the model does not allow.
+std::vector<RequestNode> typed(const Selection &selection, Kind kind);
+std::vector<RequestNode> typed(const Edit &edit, const EditOptions &options);
+
+// Answers a typed read.
+ReadResult answer_read(const Plugin &plugin, const std::vector<RequestNode> &tops, Kind kind, DeviceTransaction &device,
+                       const Options &options);
+
+// Carries out a typed edit in a transaction: without an error the caller may commit it, or show it and drop it; with
+// one it has to drop it.
+EditResult carry_out(const Plugin &plugin, std::vector<RequestNode> tops, DeviceTransaction &device,
+                     const EditOptions &options);
+
+// The configuration of the named modules, without names of all. Throws Error when it cannot be read.
+std::vector<AnswerNode> configuration(const Plugin &plugin, DeviceTransaction &device,
+                                      const std::optional<std::vector<std::string>> &modules);
+
+// Names of the modules in an answer.
+std::vector<std::string> modules_in(const std::vector<AnswerNode> &tops);
+
+// Takes over what a translation says, but its result.
+void take_messages(Outcome &outcome, Translation &translation);
+
+} // namespace framework
+} // namespace ocpsm
+
+#endif

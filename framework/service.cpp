@@ -1,0 +1,154 @@
+#include "framework/service.hpp"
+
+#include <algorithm>
+#include <iterator>
+#include <stdexcept>
+#include <utility>
+
+#include "framework/answer/print.hpp"
+#include "framework/host/codes.hpp"
+#include "framework/request/existence.hpp"
+#include "framework/request/hand_over.hpp"
+#include "framework/request/parse.hpp"
+#include "framework/request/type.hpp"
+#include "framework/requests.hpp"
+
+namespace ocpsm {
+
+// ---- answers ----
+
+Answer::Answer() = default;
+
+Answer::Answer(std::shared_ptr<const Data> data) : data_(std::move(data)) {}
+
+bool Answer::empty() const {
+    return data_ == nullptr;
+}
+
+std::string Answer::print(Format format) const {
+    return framework::print_answer(empty() ? std::vector<framework::AnswerNode>() : data_->tops, format);
+}
+
+std::vector<Leaf> Answer::leaves() const {
+    std::vector<Leaf> leaves;
+    if (!empty()) {
+        framework::for_each_leaf(data_->tops, [&](const std::string &path, const framework::AnswerNode &leaf) {
+            leaves.push_back({path, leaf.value.value_or("")});
+        });
+    }
+    return leaves;
+}
+
+// ---- native requests ----
+
+DeviceRequest::DeviceRequest() : request_(std::make_shared<native::NetRequest>()) {}
+
+DeviceRequest::DeviceRequest(std::shared_ptr<const native::NetRequest> request) : request_(std::move(request)) {}
+
+std::vector<DeviceOperation> DeviceRequest::operations() const {
+    std::vector<DeviceOperation> operations;
+    for (native::NativeOperation &operation : request_->operations()) {
+        operations.push_back({operation.operation, std::move(operation.path), std::move(operation.value)});
+    }
+    return operations;
+}
+
+std::string DeviceRequest::print(Format format) const {
+    return format == Format::json ? request_->to_json() : request_->to_xml();
+}
+
+// ---- the service ----
+
+struct Service::Parts {
+    Parts(const std::filesystem::path &library, std::unique_ptr<Device> given)
+        : plugin(library), device(std::move(given)) {}
+
+    framework::Plugin plugin;
+    std::unique_ptr<Device> device; // null: translations only
+
+    Device &required_device() const {
+        if (!device) {
+            throw std::logic_error("a service without a device only translates");
+        }
+        return *device;
+    }
+
+    // The trees that a request is handed over as.
+    std::vector<framework::RequestNode> trees_of(const Text &request, Kind kind, const Options &options,
+                                                 DeviceTransaction *transaction) const {
+        std::vector<framework::RequestNode> tops =
+            framework::type_request(framework::parse_request(request.text, kind), kind, options.check_values);
+        if (kind != Kind::edit) {
+            return framework::hand_over_read(tops);
+        }
+        std::vector<std::string> modules;
+        if (transaction != nullptr && framework::concerns_all_modules(tops)) {
+            modules = framework::modules_in(framework::configuration(plugin, *transaction, std::nullopt));
+        }
+        return framework::hand_over_edit(std::move(tops), modules);
+    }
+};
+
+namespace {
+
+Addition addition_of(framework::AddRecord &&add) {
+    Addition addition;
+    addition.path = std::move(add.path);
+    addition.namespace_uri = std::move(add.namespace_uri);
+    addition.value = std::move(add.value);
+    if (add.source_operation) {
+        addition.source_operation = static_cast<Operation>(*add.source_operation);
+    }
+    addition.first_flag = add.first_flag;
+    addition.second_flag = add.second_flag;
+    addition.relative = add.relative;
+    addition.walker = std::move(add.walker);
+    addition.conversion = std::move(add.conversion);
+    addition.result = framework::name_of(add.result);
+    return addition;
+}
+
+} // namespace
+
+Service::Service(const std::filesystem::path &plugin, std::unique_ptr<Device> device)
+    : parts_(std::make_unique<const Parts>(plugin, std::move(device))) {}
+
+Service::~Service() = default;
+
+ReadResult Service::read(const Selection &selection, Kind kind, const Options &options) const {
+    const std::vector<framework::RequestNode> tops = framework::typed(selection, kind);
+    const auto transaction = parts_->required_device().read();
+    return framework::answer_read(parts_->plugin, tops, kind, *transaction, options);
+}
+
+EditResult Service::edit(const Edit &edit, const EditOptions &options) const {
+    std::vector<framework::RequestNode> tops = framework::typed(edit, options);
+    const auto transaction = parts_->required_device().write();
+    EditResult result = framework::carry_out(parts_->plugin, std::move(tops), *transaction, options);
+    if (!result.error && !options.dry_run) {
+        transaction->commit();
+    }
+    return result;
+}
+
+TranslateResult Service::translate(const Text &request, Kind kind, const Options &options) const {
+    const auto transaction = parts_->device ? parts_->device->read() : nullptr;
+    framework::Translation translation =
+        framework::translate_trees(parts_->plugin.callback(framework::openconfig_root_walker),
+                                   parts_->trees_of(request, kind, options, transaction.get()), kind, options);
+    TranslateResult result;
+    result.result = translation.result_name;
+    for (framework::HandedOver &handed : translation.handed_over) {
+        result.requests.emplace_back(std::make_shared<native::NetRequest>(handed.native.net()));
+        std::transform(std::make_move_iterator(handed.adds.begin()), std::make_move_iterator(handed.adds.end()),
+                       std::back_inserter(result.additions), addition_of);
+    }
+    framework::take_messages(result, translation);
+    return result;
+}
+
+void *Service::find(const std::string &name) const {
+    return parts_->plugin.find(name);
+}
+
+} // namespace ocpsm
