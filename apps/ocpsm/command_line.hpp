@@ -2,6 +2,7 @@
 #ifndef OCPSM_COMMAND_LINE_HPP
 #define OCPSM_COMMAND_LINE_HPP
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <iosfwd>
@@ -35,6 +36,9 @@ void add_device_commands(CLI::App &app, Program &program);  // device, watch
 
 // One of these words; the type name in the help says already what is allowed.
 CLI::Validator one_of(const std::vector<std::string> &values);
+
+// A whole number within these bounds; a text that is none is told from a number that is too small or too large.
+CLI::Validator whole_number(std::uint32_t minimum, std::uint32_t maximum);
 
 // --state DIR of a command that works on a line system.
 void add_state_option(CLI::App &command, std::optional<std::string> &state);

@@ -77,7 +77,7 @@ void add_slot(CLI::App &command, DeviceLine &line) {
     command.add_option("slot", line.options.slot, "The slot, 1 to 3")
         ->type_name("SLOT")
         ->required()
-        ->check(CLI::Range(1, 3).description(""));
+        ->check(whole_number(1, 3));
 }
 
 void add_line(CLI::App &command, DeviceLine &line) {
@@ -113,7 +113,7 @@ void add_device_commands(CLI::App &app, Program &program) {
         ->type_name("SLOT,...")
         ->delimiter(',')
         ->capture_default_str()
-        ->check(CLI::Range(1, 3).description(""));
+        ->check(whole_number(1, 3));
     add_device_command(*device, program, "show",
                        "Print the lines of all modules: powers and thresholds in dBm, attenuations in dB", line,
                        device_show_command);
@@ -141,7 +141,7 @@ void add_device_commands(CLI::App &app, Program &program) {
         ->add_option("milliseconds", line->options.milliseconds, "How long, in milliseconds, a day (86400000) at most")
         ->type_name("MILLISECONDS")
         ->required()
-        ->check(CLI::Range(0U, longest_tick).description(""));
+        ->check(whole_number(0, longest_tick));
 
     CLI::App *watch = app.add_subcommand("watch", "Show the table of device show live in a terminal");
     watch->footer(watch_footer);

@@ -1,7 +1,11 @@
+#include <unistd.h>
+
 #include <exception>
 #include <iostream>
+#include <new>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "command_line.hpp"
@@ -76,8 +80,7 @@ Error usage_error(const CLI::App &app, const CLI::ParseError &error) {
     return {Error::Source::input, {}, {}, what, full_name(given) + " --help tells the usage"};
 }
 
-int run_program(int argc, char **argv) {
-    CommandLine line;
+int run_command(CommandLine &line, int argc, char **argv) {
     try {
         line.app.parse(argc, argv);
         const int result = line.program.chosen(std::cout, std::cerr);
@@ -91,9 +94,21 @@ int run_program(int argc, char **argv) {
         return print_error(std::cerr, usage_error(line.app, error));
     } catch (const Error &error) {
         return print_error(std::cerr, error);
+    }
+}
+
+int run_program(int argc, char **argv) {
+    try {
+        CommandLine line;
+        return run_command(line, argc, argv);
+    } catch (const std::bad_alloc &) {
+        // Nothing that takes memory.
+        constexpr std::string_view text = "ocpsm: error: resource-denied: there is not enough memory\n";
+        static_cast<void>(write(STDERR_FILENO, text.data(), text.size()) == 0);
     } catch (const std::exception &error) {
         return print_error(std::cerr, {Error::Source::input, "operation-failed", {}, error.what()});
     }
+    return exit_bad_input;
 }
 
 } // namespace

@@ -7,15 +7,21 @@ namespace ocpsm {
 namespace {
 
 volatile std::sig_atomic_t received_signal = 0;
+volatile std::sig_atomic_t wanted_suspension = 0;
 
 void take_note(int signal) {
-    received_signal = signal;
+    if (signal == SIGTSTP) {
+        wanted_suspension = 1;
+    } else {
+        received_signal = signal;
+    }
 }
 
 } // namespace
 
 StopSignals::StopSignals() {
     received_signal = 0;
+    wanted_suspension = 0;
     sigset_t mask{};
     sigemptyset(&mask);
     for (const int signal : signals) {
@@ -53,6 +59,26 @@ bool StopSignals::wait_for_input(std::chrono::milliseconds longest) const {
 
 int StopSignals::received() {
     return received_signal;
+}
+
+bool StopSignals::suspension_wanted() {
+    return wanted_suspension != 0;
+}
+
+// With the signal's own effect, which is none where nobody could let the process go on.
+void StopSignals::suspend() {
+    wanted_suspension = 0;
+    struct sigaction noted {};
+    struct sigaction effective {};
+    effective.sa_handler = SIG_DFL; // NOLINT(cppcoreguidelines-pro-type-cstyle-cast)
+    sigset_t arriving{};
+    sigemptyset(&arriving);
+    sigaddset(&arriving, SIGTSTP);
+    sigaction(SIGTSTP, &effective, &noted);
+    std::raise(SIGTSTP);
+    sigprocmask(SIG_UNBLOCK, &arriving, nullptr);
+    sigprocmask(SIG_BLOCK, &arriving, nullptr);
+    sigaction(SIGTSTP, &noted, nullptr);
 }
 
 } // namespace ocpsm

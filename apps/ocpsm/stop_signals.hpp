@@ -1,4 +1,4 @@
-// The signals that ask a program to end, taken note of while it has something to tidy up.
+// The signals that ask a program to end or to stop, taken note of while it has something to tidy up.
 #ifndef OCPSM_STOP_SIGNALS_HPP
 #define OCPSM_STOP_SIGNALS_HPP
 
@@ -8,8 +8,9 @@
 
 namespace ocpsm {
 
-// While this lives, SIGINT, SIGTERM and SIGHUP arrive only in wait_for_input, and end nothing. One object at a time, in
-// a program with one thread. Its end gives everything back; it does not deliver a signal that has come.
+// While this lives, SIGINT, SIGTERM, SIGHUP and SIGTSTP arrive only in wait_for_input, and neither end nor stop
+// anything. One object at a time, in a program with one thread. Its end gives everything back; it does not deliver a
+// signal that has come.
 class StopSignals {
 public:
     StopSignals();
@@ -21,11 +22,17 @@ public:
     // has ended: the terminal is gone.
     bool wait_for_input(std::chrono::milliseconds longest) const;
 
-    // The signal that has come, 0 when none has.
+    // The signal that has come and asks for the end, 0 when none has.
     static int received();
 
+    // Whether somebody wants the process stopped for a while.
+    static bool suspension_wanted();
+
+    // Stops it, and returns when it goes on.
+    static void suspend();
+
 private:
-    static constexpr std::array<int, 3> signals = {SIGINT, SIGTERM, SIGHUP};
+    static constexpr std::array<int, 4> signals = {SIGINT, SIGTERM, SIGHUP, SIGTSTP};
 
     sigset_t mask_before_{};
     std::array<struct sigaction, signals.size()> actions_before_{};

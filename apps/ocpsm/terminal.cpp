@@ -2,7 +2,9 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #define NCURSES_NOMACROS 1
@@ -19,11 +21,28 @@ using ocpsm::Error;
 // Of a key that may begin an escape sequence: long enough for a slow line, short enough not to be noticed.
 constexpr int escape_delay = 50; // milliseconds
 
-SCREEN *open_screen() {
+// Rows or columns. The screen library keeps every cell of a screen several times, and gives up on a large one without a
+// reason.
+constexpr unsigned most_cells_across = 1000;
+
+void require_terminal() {
     if (isatty(STDIN_FILENO) == 0 || isatty(STDOUT_FILENO) == 0) {
         throw Error(Error::Source::input, {}, {}, "standard input and output are no terminal",
                     "run it in a terminal, or print the table once with ocpsm device show");
     }
+    struct winsize size {};
+    const bool known = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0; // NOLINT(cppcoreguidelines-pro-type-vararg)
+    if (known && (size.ws_row > most_cells_across || size.ws_col > most_cells_across)) {
+        throw Error(Error::Source::input, {}, {},
+                    "the terminal is too large: it has " + std::to_string(size.ws_row) + " rows and " +
+                        std::to_string(size.ws_col) + " columns",
+                    "make it " + std::to_string(most_cells_across) +
+                        " or less each way, or print the table once with ocpsm device show");
+    }
+}
+
+SCREEN *open_screen() {
+    require_terminal();
     const char *type = std::getenv("TERM"); // NOLINT(concurrency-mt-unsafe)
     // Asked first, because opening the screen of an unknown type loses memory.
     SCREEN *screen = terminal_type_is_known() ? newterm(nullptr, stdout, stdin) : nullptr;
@@ -76,6 +95,10 @@ void Terminal::show(const std::vector<ScreenLine> &lines) const {
     }
     wattrset(stdscr, static_cast<int>(A_NORMAL));
     wrefresh(stdscr);
+}
+
+void Terminal::leave() {
+    endwin();
 }
 
 Key Terminal::key() {

@@ -35,6 +35,9 @@ public:
     // Replaces what is on the screen.
     void show(const std::vector<ScreenLine> &lines) const;
 
+    // Gives the terminal back as it was found, until the next `show`.
+    static void leave();
+
     // The next key that has been pressed; does not wait.
     Key key();
 

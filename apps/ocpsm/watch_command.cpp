@@ -24,7 +24,9 @@ constexpr std::chrono::milliseconds step{line_system::tick_step};
 
 class Watch {
 public:
-    Watch(const OpenLineSystem &opened, const StopSignals &signals) : opened_(opened), signals_(signals) {
+    Watch(const OpenLineSystem &opened, const std::filesystem::path &state, const StopSignals &signals)
+        : opened_(opened), state_(state), signals_(signals) {
+        lock_.emplace(state_);
         screen_.update(view(opened_.load()));
     }
 
@@ -35,6 +37,10 @@ public:
             terminal_.show(screen_.lines(terminal_.size()));
             const auto left = std::chrono::ceil<std::chrono::milliseconds>(next - Clock::now());
             quit_ = !signals_.wait_for_input(std::max(left, std::chrono::milliseconds(0)));
+            if (StopSignals::suspension_wanted()) {
+                suspend();
+                next = Clock::now() + step;
+            }
             for (Key key = terminal_.key(); key != Key::none && !quit_; key = terminal_.key()) {
                 press(key);
             }
@@ -47,6 +53,14 @@ public:
     }
 
 private:
+    // While it is stopped, another process may let the time pass; when it is to go on, that one must have ended.
+    void suspend() {
+        Terminal::leave();
+        lock_.reset();
+        StopSignals::suspend();
+        lock_.emplace(state_);
+    }
+
     void press(Key key) {
         switch (key) {
         case Key::up:
@@ -97,6 +111,8 @@ private:
     }
 
     const OpenLineSystem &opened_;
+    const std::filesystem::path &state_;
+    std::optional<ClockLock> lock_;
     const StopSignals &signals_;
     Terminal terminal_;
     WatchScreen screen_;
@@ -109,10 +125,9 @@ int watch_command(const std::filesystem::path &state) {
     int signal = 0;
     {
         const OpenLineSystem opened(state);
-        const ClockLock lock(state);
         // Before the screen library, which leaves alone what is taken care of already.
         const StopSignals signals;
-        Watch(opened, signals).run();
+        Watch(opened, state, signals).run();
         signal = StopSignals::received();
     }
     if (signal != 0) {

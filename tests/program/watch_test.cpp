@@ -214,6 +214,55 @@ TEST_F(Watch, LetsOneProcessMoveTheTime) {
         child.wait_until([](const Screen &screen) { return shows(screen, "  secondary    -40.00     -28.00"); }));
 }
 
+// Stopped by the job control of a shell, it leaves the terminal and the time to others until it goes on.
+TEST_F(Watch, LeavesTheTimeToOthersWhileItIsStopped) {
+    const std::string in_use = "ocpsm: error: in-use: ";
+    TerminalChild shell({"/bin/bash", "--norc", "--noprofile", "-i"});
+    shell.type("'" + program() + "' watch --state '" + state() + "'\n");
+    ASSERT_TRUE(shell.wait_until([](const Screen &screen) { return shows(screen, "time 0.2 s"); }));
+    EXPECT_EQ(run("device tick 100").substr(0, in_use.size()), in_use);
+
+    shell.type("\x1a");
+    ASSERT_TRUE(shell.wait_until([&](const Screen &) { return shell.output().find("Stopped") != std::string::npos; }));
+    EXPECT_FALSE(shell.screen().alternate());
+    EXPECT_EQ(run("device tick 100").substr(0, 5), "time ");
+
+    shell.type("fg\n");
+    ASSERT_TRUE(shell.wait_until([](const Screen &screen) { return screen.alternate() && shows(screen, "q quit"); }));
+    EXPECT_EQ(run("device tick 100").substr(0, in_use.size()), in_use);
+    shell.type("q");
+    ASSERT_TRUE(shell.wait_until([](const Screen &screen) { return !screen.alternate(); }));
+    shell.type("exit\n");
+    EXPECT_EQ(shell.wait_for_end(), 0);
+}
+
+// What moves the time meanwhile is named when it is to go on.
+TEST_F(Watch, EndsWhenTheTimeIsMovedByAnotherWhenItIsToGoOn) {
+    TerminalChild shell({"/bin/bash", "--norc", "--noprofile", "-i"});
+    shell.type("'" + program() + "' watch --state '" + state() + "'\n");
+    ASSERT_TRUE(shell.wait_until([](const Screen &screen) { return shows(screen, "q quit"); }));
+    shell.type("\x1a");
+    ASSERT_TRUE(shell.wait_until([&](const Screen &) { return shell.output().find("Stopped") != std::string::npos; }));
+    TerminalChild other(command());
+    ASSERT_TRUE(other.wait_until([](const Screen &screen) { return shows(screen, "q quit"); }));
+    shell.type("fg\n");
+    EXPECT_TRUE(shell.wait_until([&](const Screen &) {
+        return shell.output().find("ocpsm: error: in-use: the time of the line system in " + state() +
+                                   " is being moved already by process ") != std::string::npos;
+    }));
+    EXPECT_FALSE(shell.screen().alternate());
+    shell.type("exit\n");
+    EXPECT_EQ(WEXITSTATUS(shell.wait_for_end()), 1);
+}
+
+TEST_F(Watch, RefusesATerminalThatIsTooLarge) {
+    TerminalChild shell(
+        {"/bin/sh", "-c", "stty rows 65000 cols 65000; exec '" + program() + "' watch --state '" + state() + "'"});
+    EXPECT_EQ(WEXITSTATUS(shell.wait_for_end()), 2);
+    EXPECT_EQ(shell.output(), "ocpsm: error: the terminal is too large: it has 65000 rows and 65000 columns; make it "
+                              "1000 or less each way, or print the table once with ocpsm device show\r\n");
+}
+
 TEST_F(Watch, RefusesATerminalOfUnknownType) {
     TerminalChild child(command(), "no-such-terminal");
     const termios before = child.settings();
