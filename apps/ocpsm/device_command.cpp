@@ -5,10 +5,11 @@
 #include <ostream>
 
 #include "clock_lock.hpp"
-#include "line_system_view.hpp"
+#include "line_table.hpp"
 #include "open_line_system.hpp"
 #include "simulator/line_system/line_system_device.hpp"
 #include "simulator/line_system/operations.hpp"
+#include "simulator/line_system/view.hpp"
 
 namespace ocpsm {
 namespace {

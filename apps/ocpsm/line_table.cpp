@@ -1,7 +1,7 @@
 #include "line_table.hpp"
 
 #include <algorithm>
-#include <cstdlib>
+#include <array>
 #include <string_view>
 
 namespace ocpsm {
@@ -10,32 +10,40 @@ namespace {
 constexpr std::array<std::string_view, 2> line_names = {"primary", "secondary"};
 constexpr std::array<std::string_view, 2> path_names = {"PRIMARY", "SECONDARY"};
 
-// The measured columns, in the order of the table.
-struct Column {
-    std::array<std::string_view, 3> heading; // what it is about, what it is, in which unit
-    std::string_view name;                   // in JSON and XML
-    std::optional<int> LineRow::*value;
-    std::size_t width;
-};
-
-constexpr Column columns[] = {
-    {{"receive", "power", "dBm"}, "receive-power", &LineRow::received, 10},
-    {{"switch", "threshold", "dBm"}, "switch-threshold", &LineRow::threshold, 11},
-    {{"receive", "attenuation", "dB"}, "receive-attenuation", &LineRow::rx_attenuation, 13},
-    {{"transmit", "power", "dBm"}, "transmit-power", &LineRow::sent, 10},
-    {{"transmit", "attenuation", "dB"}, "transmit-attenuation", &LineRow::tx_attenuation, 13},
-};
-
-constexpr std::size_t name_width = 11; // of a line, with what marks the active one
+constexpr std::size_t gap = 2;           // in front of a column
+constexpr std::size_t longest_value = 8; // "-1234.56"
+constexpr std::size_t name_width = 11;   // of a line, with what marks the active one
 
 std::string right(std::string_view text, std::size_t width) {
     return std::string(width - std::min(width, text.size()), ' ').append(text);
 }
 
+std::size_t width_of(const LineColumn &column) {
+    std::size_t longest = longest_value;
+    for (const std::string_view word : column) {
+        longest = std::max(longest, word.size());
+    }
+    return gap + longest;
+}
+
+// In JSON and XML, "receive-power".
+std::string name_of(const LineColumn &column) {
+    return std::string(column[0]).append("-").append(column[1]);
+}
+
+// Visits a line's columns with their values, in the order of the table.
+template <class Visit>
+void for_each_value(const LineRow &row, Visit visit) {
+    const std::vector<LineColumn> &columns = line_columns();
+    for (std::size_t index = 0; index < columns.size(); ++index) {
+        visit(columns[index], index < row.measured.size() ? row.measured[index] : std::nullopt);
+    }
+}
+
 std::string heading(std::size_t row, std::string_view last) {
     std::string text(name_width, ' ');
-    for (const Column &column : columns) {
-        text += right(column.heading.at(row), column.width);
+    for (const LineColumn &column : line_columns()) {
+        text += right(column.at(row), width_of(column));
     }
     return last.empty() ? text : text.append("  ").append(last);
 }
@@ -43,10 +51,9 @@ std::string heading(std::size_t row, std::string_view last) {
 std::string line_text(const LineRow &row, std::size_t line) {
     std::string text(row.active ? "* " : "  ");
     text.append(line_names.at(line)).resize(name_width, ' ');
-    for (const Column &column : columns) {
-        const std::optional<int> &value = row.*column.value;
-        text += right(value ? hundredths(*value) : "-", column.width);
-    }
+    for_each_value(row, [&](const LineColumn &column, const std::optional<int> &value) {
+        text += right(value ? hundredths(*value) : "-", width_of(column));
+    });
     return text.append("  ").append(row.cut ? "cut" : "whole");
 }
 
@@ -56,24 +63,13 @@ std::size_t active_line(const ModuleRow &module) {
 
 } // namespace
 
-std::string hundredths(int value) {
-    const unsigned magnitude = value < 0 ? 0U - static_cast<unsigned>(value) : static_cast<unsigned>(value);
-    const std::string fraction = std::to_string(magnitude % 100);
-    return (value < 0 ? "-" : "") + std::to_string(magnitude / 100) + (fraction.size() == 1 ? ".0" : ".") + fraction;
-}
-
-std::string seconds(std::uint64_t milliseconds) {
-    std::string fraction = std::to_string(milliseconds % 1000 + 1000).substr(1);
-    fraction.erase(std::max<std::size_t>(fraction.find_last_not_of('0') + 1, 1));
-    return std::to_string(milliseconds / 1000) + "." + fraction + " s";
-}
-
 std::vector<TableText> to_text(const LineTable &table) {
     std::vector<TableText> lines;
     lines.push_back({"time " + seconds(table.clock)});
     lines.push_back({""});
-    for (std::size_t row = 0; row < columns[0].heading.size(); ++row) {
-        lines.push_back({heading(row, row + 1 == columns[0].heading.size() ? "fibre" : "")});
+    constexpr std::size_t headings = std::tuple_size_v<LineColumn>;
+    for (std::size_t row = 0; row < headings; ++row) {
+        lines.push_back({heading(row, row + 1 == headings ? "fibre" : "")});
     }
     for (std::size_t i = 0; i < table.modules.size(); ++i) {
         const ModuleRow &module = table.modules[i];
@@ -103,11 +99,9 @@ std::string to_json(const LineTable &table) {
             const LineRow &row = module.lines.at(line);
             text += std::string(line == 0 ? "\n" : ",\n") + "        {\"name\": \"" + std::string(line_names.at(line)) +
                     "\"";
-            for (const Column &column : columns) {
-                if (const std::optional<int> &value = row.*column.value) {
-                    text += ", \"" + std::string(column.name) + "\": " + hundredths(*value);
-                }
-            }
+            for_each_value(row, [&](const LineColumn &column, const std::optional<int> &value) {
+                text += value ? ", \"" + name_of(column) + "\": " + hundredths(*value) : "";
+            });
             text += std::string(", \"fibre\": \"") + (row.cut ? "cut" : "whole") + "\"}";
         }
         text += "\n      ]\n    }";
@@ -126,11 +120,9 @@ std::string to_xml(const LineTable &table) {
         for (std::size_t line = 0; line < module.lines.size(); ++line) {
             const LineRow &row = module.lines.at(line);
             text += "    <line>\n      " + element("name", line_names.at(line));
-            for (const Column &column : columns) {
-                if (const std::optional<int> &value = row.*column.value) {
-                    text += "      " + element(column.name, hundredths(*value));
-                }
-            }
+            for_each_value(row, [&](const LineColumn &column, const std::optional<int> &value) {
+                text += value ? "      " + element(name_of(column), hundredths(*value)) : "";
+            });
             text += "      " + element("fibre", row.cut ? "cut" : "whole") + "    </line>\n";
         }
         text += "  </module>\n";

@@ -28,11 +28,6 @@ int transmitted(int source, int attenuation, int offset) {
     return source <= dark ? dark : bounded(std::max<std::int64_t>(dark, std::int64_t{source} - attenuation + offset));
 }
 
-std::optional<int> low_threshold_of(const LineSettings &line) {
-    const auto entry = line.rx_thresholds.find(low_threshold);
-    return entry == line.rx_thresholds.end() ? std::nullopt : entry->second;
-}
-
 Lockout lockout(const std::optional<std::string> &from) {
     if (from == "working") {
         return Lockout::working;
@@ -43,11 +38,8 @@ Lockout lockout(const std::optional<std::string> &from) {
 void read_line(Readings &readings, const Attenuators &attenuators, const LineSettings &settings) {
     readings.rx_attenuation = attenuators.rx;
     readings.tx_attenuation = attenuators.tx;
-    readings.rx_low_threshold = low_threshold_of(settings);
+    readings.rx_low_threshold = low_threshold_of(settings.rx_thresholds);
     readings.rx_low_threshold_delta = settings.rx_low_threshold_delta;
-    readings.configured_rx_attenuation = settings.rx_attenuation;
-    readings.configured_tx_attenuation = settings.tx_attenuation;
-    readings.configured_rx_threshold = low_threshold_of(settings);
 }
 
 } // namespace
@@ -90,13 +82,18 @@ Readings readings(const Slot &slot, std::size_t port) {
     return readings;
 }
 
+std::optional<int> low_threshold_of(const Thresholds &thresholds) {
+    const auto entry = thresholds.find(low_threshold);
+    return entry == thresholds.end() ? std::nullopt : entry->second;
+}
+
 SwitchSettings switch_settings(const Slot &slot) {
     const SlotSettings &settings = slot.settings;
     return {.lockout = lockout(settings.lockout_from),
             .relative_threshold = hundredths(settings.relative_threshold.value_or(0)),
             .relative_offset = hundredths(settings.relative_offset.value_or(0)),
-            .primary_threshold = hundredths(low_threshold_of(slot.lines[0])),
-            .secondary_threshold = hundredths(low_threshold_of(slot.lines[1])),
+            .primary_threshold = hundredths(low_threshold_of(slot.lines[0].rx_thresholds)),
+            .secondary_threshold = hundredths(low_threshold_of(slot.lines[1].rx_thresholds)),
             .hysteresis = hundredths(slot.lines[0].rx_low_threshold_delta.value_or(0)),
             .revertive = settings.revertive.value_or(false),
             .wait_to_restore = settings.wait_to_restore.value_or(0)};

@@ -28,10 +28,6 @@ struct Readings {
     std::optional<int> rx_low_threshold = {};       // as it stands, tenths of a dBm
     std::optional<int> rx_low_threshold_delta = {}; // as it stands, tenths of a dB
 
-    std::optional<int> configured_rx_attenuation = {}; // tenths of a dB
-    std::optional<int> configured_tx_attenuation = {};
-    std::optional<int> configured_rx_threshold = {}; // tenths of a dBm
-
     std::optional<Statistics> received = {};    // last full interval of 30 seconds
     std::optional<Statistics> transmitted = {}; // last full interval of 30 seconds
 
@@ -43,6 +39,9 @@ std::array<Power, port_count> powers(const Slot &slot);
 
 // The readings of port 0, 1 or 2 (std::out_of_range); all absent when no module is fitted.
 Readings readings(const Slot &slot, std::size_t port);
+
+// The threshold of a line that counts for the switch, tenths of a dBm.
+std::optional<int> low_threshold_of(const Thresholds &thresholds);
 
 // The settings as the switch takes them.
 SwitchSettings switch_settings(const Slot &slot);

@@ -1,14 +1,16 @@
 #include "simulator/line_system/database_items.hpp"
 
-#include <array>
+#include <algorithm>
 #include <cstddef>
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <variant>
 
 #include "simulator/bag/encoder.hpp"
+#include "simulator/line_system.hpp"
+#include "simulator/line_system/settings.hpp"
 
 namespace ocpsm::line_system {
 namespace {
@@ -21,64 +23,60 @@ constexpr std::string_view inventory = "/oper/inventory/gl/entity/";
 // The width to which a device pads the values of its history.
 constexpr std::size_t history_text_width = 10;
 
-using Reading = std::optional<int> Readings::*;
-
-// An integer field of a bag.
-struct FieldRow {
-    std::string_view name;
-    Reading value;
-};
-
-constexpr std::array threshold_fields{FieldRow{"RxLowThreshold", &Readings::rx_low_threshold}};
-
-constexpr std::array lane_fields{
-    FieldRow{"ReceivePower", &Readings::receive_power},
-    FieldRow{"ReceivePowerDbm", &Readings::receive_power},
-    FieldRow{"TransmitPower", &Readings::transmit_power},
-    FieldRow{"TransmitPowerDbm", &Readings::transmit_power},
-};
-
-constexpr std::array attenuation_fields{
-    FieldRow{"RxVoaAttenuation", &Readings::rx_attenuation},
-    FieldRow{"TxVoaAttenuation", &Readings::tx_attenuation},
-};
-
-// A configured value is an item of its own.
-constexpr std::array configured_items{
-    FieldRow{"/Optics/rx_attenuation", &Readings::configured_rx_attenuation},
-    FieldRow{"/Optics/tx_attenuation", &Readings::configured_tx_attenuation},
-    FieldRow{"/Optics/rx_threshold/0x1", &Readings::configured_rx_threshold},
-};
-
-struct StatisticsRow {
-    std::string_view name;
-    int Statistics::*value;
-};
-
-constexpr std::array statistics_fields{
-    StatisticsRow{"Average", &Statistics::average},
-    StatisticsRow{"Minimum", &Statistics::minimum},
-    StatisticsRow{"Maximum", &Statistics::maximum},
-};
-
-template <class Rows>
-bool any(const Rows &rows, const Readings &port) {
-    for (const FieldRow &row : rows) {
-        if (port.*row.value) {
-            return true;
-        }
-    }
-    return false;
-}
-
-template <class Rows>
-void put_fields(bag::Encoder &encoder, const Rows &rows, const Readings &port) {
-    for (const FieldRow &row : rows) {
-        if (const auto value = port.*row.value) {
-            encoder.int32(row.name, *value);
+template <class Visit>
+void for_each_field(RecordPart part, Visit visit) {
+    for (const ReadingRow &row : reading_rows) {
+        if (row.part == part) {
+            visit(row);
         }
     }
 }
+
+struct IsThere {
+    const Readings &port;
+
+    bool operator()(std::optional<int> Readings::*value) const { return (port.*value).has_value(); }
+    bool operator()(const History &field) const { return (port.*field.power).has_value(); }
+    bool operator()(PortStatus) const { return false; }
+};
+
+bool any(RecordPart part, const Readings &port) {
+    bool found = false;
+    for_each_field(part, [&](const ReadingRow &row) { found = found || std::visit(IsThere{port}, row.member); });
+    return found;
+}
+
+struct PutField {
+    bag::Encoder &encoder;
+    std::string_view name;
+    const Readings &port;
+
+    void operator()(std::optional<int> Readings::*value) const { encoder.int32(name, (port.*value).value()); }
+    void operator()(const History &field) const {
+        encoder.text(name, history_text((port.*field.power).value().*field.value));
+    }
+    void operator()(PortStatus) const {}
+};
+
+void put_fields(bag::Encoder &encoder, RecordPart part, const Readings &port) {
+    for_each_field(part, [&](const ReadingRow &row) {
+        if (std::visit(IsThere{port}, row.member)) {
+            std::visit(PutField{encoder, row.field, port}, row.member);
+        }
+    });
+}
+
+// What a setting of a line is set to; a slot's settings are no controller's.
+struct Configured {
+    const LineSettings &line;
+
+    std::optional<int> operator()(std::optional<int> LineSettings::*member) const { return line.*member; }
+    std::optional<int> operator()(Thresholds LineSettings::*member) const { return low_threshold_of(line.*member); }
+    template <class Member>
+    std::optional<int> operator()(Member) const {
+        return std::nullopt;
+    }
+};
 
 std::string join(std::string_view subtree, std::string_view key, std::string_view item) {
     return std::string(subtree).append(key).append(item);
@@ -95,24 +93,30 @@ std::string inventory_key(int slot) {
     return name.replace(name.find('/'), 1, "%2f");
 }
 
-void put_statistics(bag::Encoder &encoder, std::string_view name, const std::optional<Statistics> &statistics) {
-    if (!statistics) {
-        return;
+void put_struct(bag::Encoder &encoder, std::string_view name, RecordPart part, const Readings &port) {
+    if (any(part, port)) {
+        encoder.begin_struct(name);
+        put_fields(encoder, part, port);
+        encoder.end_struct();
     }
-    encoder.begin_struct(name);
-    for (const StatisticsRow &row : statistics_fields) {
-        encoder.text(row.name, history_text(*statistics.*row.value));
-    }
-    encoder.end_struct();
 }
 
 class Items {
 public:
-    void add_port(const std::string &key, const Readings &port) {
+    void add_readings(const std::string &key, const Readings &port) {
         add_optics_info(key, port);
         add_ots_info(key, port);
-        add_configuration(key, port);
         add_history(key, port);
+    }
+
+    // A configured value is an item of its own.
+    void add_configuration(const std::string &key, const LineSettings &line) {
+        for (const SettingRow &row : setting_rows) {
+            const std::optional<int> value = std::visit(Configured{line}, row.member);
+            if (value && !row.item.empty()) {
+                add(join(configuration, key, row.item), SYSDB_ITEM_INT32, sysdb::int32_data(*value));
+            }
+        }
     }
 
     void add_inventory(int slot, const std::string &name) {
@@ -129,51 +133,37 @@ private:
     }
 
     void add_optics_info(const std::string &key, const Readings &port) {
-        if (!any(threshold_fields, port)) {
+        if (!any(RecordPart::thresholds, port)) {
             return;
         }
         bag::Encoder encoder("optics_info", 1, 0);
-        encoder.begin_struct("optics_edm_info");
-        put_fields(encoder, threshold_fields, port);
-        encoder.end_struct();
+        put_struct(encoder, "optics_edm_info", RecordPart::thresholds, port);
         add(join(operational, key, "/optics_info"), SYSDB_ITEM_BAG, encoder.finish());
     }
 
     // The record names the part with the attenuations with a capital letter.
     void add_ots_info(const std::string &key, const Readings &port) {
-        if (!any(lane_fields, port) && !any(attenuation_fields, port)) {
+        if (!any(RecordPart::lane, port) && !any(RecordPart::attenuators, port)) {
             return;
         }
         bag::Encoder encoder("ots_info", 1, 0);
-        if (any(lane_fields, port)) {
+        if (any(RecordPart::lane, port)) {
             encoder.begin_struct("ots_edm_info").begin_array("LaneData").begin_struct(bag::unnamed);
-            put_fields(encoder, lane_fields, port);
+            put_fields(encoder, RecordPart::lane, port);
             encoder.end_struct().end_array().end_struct();
         }
-        if (any(attenuation_fields, port)) {
-            encoder.begin_struct("Ots_edm_info");
-            put_fields(encoder, attenuation_fields, port);
-            encoder.end_struct();
-        }
+        put_struct(encoder, "Ots_edm_info", RecordPart::attenuators, port);
         add(join(operational, key, "/ots_info"), SYSDB_ITEM_BAG, encoder.finish());
     }
 
-    void add_configuration(const std::string &key, const Readings &port) {
-        for (const FieldRow &row : configured_items) {
-            if (const auto value = port.*row.value) {
-                add(join(configuration, key, row.name), SYSDB_ITEM_INT32, sysdb::int32_data(*value));
-            }
-        }
-    }
-
     void add_history(const std::string &key, const Readings &port) {
-        if (!port.received && !port.transmitted) {
+        if (!any(RecordPart::received, port) && !any(RecordPart::transmitted, port)) {
             return;
         }
         bag::Encoder encoder("pm_optics_paras", 1, 0);
         encoder.begin_struct("pm_optics_paras");
-        put_statistics(encoder, "OPR", port.received);
-        put_statistics(encoder, "OPT", port.transmitted);
+        put_struct(encoder, "OPR", RecordPart::received, port);
+        put_struct(encoder, "OPT", RecordPart::transmitted, port);
         encoder.end_struct();
         add(join(history, key, "/30sec/optics/1/timeline_rev/0x1"), SYSDB_ITEM_BAG, encoder.finish());
     }
@@ -184,27 +174,26 @@ private:
 } // namespace
 
 std::string history_text(int hundredths_of_dbm) {
-    const long long magnitude = std::llabs(hundredths_of_dbm);
-    const long long places = magnitude % 100;
-    std::string text = hundredths_of_dbm < 0 ? "-" : "";
-    text += std::to_string(magnitude / 100) + (places < 10 ? ".0" : ".") + std::to_string(places) + " ";
-    if (text.size() < history_text_width) {
-        text.insert(0, history_text_width - text.size(), ' ');
-    }
-    return text;
+    const std::string text = hundredths(hundredths_of_dbm) + " ";
+    return std::string(history_text_width - std::min(history_text_width, text.size()), ' ') + text;
 }
 
 std::vector<sysdb::Item> port_items(int slot, std::size_t port, const Readings &readings) {
     Items items;
-    items.add_port(controller_key(slot, port), readings);
+    items.add_readings(controller_key(slot, port), readings);
     return items.take();
 }
 
 std::vector<sysdb::Item> database_items(const LineSystem &system) {
     Items items;
     for (const int number : fitted_slots(system)) {
+        const Slot &fitted = slot(system, number);
         for (std::size_t port = 0; port < port_count; ++port) {
-            items.add_port(controller_key(number, port), readings(slot(system, number), port));
+            const std::string key = controller_key(number, port);
+            items.add_readings(key, readings(fitted, port));
+            if (port != 0) {
+                items.add_configuration(key, fitted.lines.at(port - 1));
+            }
         }
         items.add_inventory(number, module_name(number));
     }

@@ -12,11 +12,12 @@
 
 namespace ocpsm::line_system {
 
-// The items of all fitted modules: per port those of its readings, per module its inventory.
+// The items of all fitted modules: per port those of its readings, per line what is configured, per module its
+// inventory.
 std::vector<sysdb::Item> database_items(const LineSystem &system);
 
-// The items of one port's readings: the operational records, the configured values and the history of the last 30
-// seconds. A value that is absent has no field, a record without fields no item.
+// The items of one port's readings: the operational records and the history of the last 30 seconds. A value that is
+// absent has no field, a record without fields no item.
 std::vector<sysdb::Item> port_items(int slot, std::size_t port, const Readings &readings);
 
 // A power of the history as a device stores it: two places, padded with blanks on both sides, e.g. "   -12.30 ".

@@ -87,12 +87,14 @@ struct SlotSettings {
     bool operator==(const SlotSettings &) const = default;
 };
 
+using Thresholds = std::map<std::string, std::optional<int>>; // by type: tenths of a dBm
+
 // Configuration of a line's controller. What is not configured is absent.
 struct LineSettings {
-    std::map<std::string, std::optional<int>> rx_thresholds = {}; // by type: tenths of a dBm
-    std::optional<int> rx_low_threshold_delta = {};               // tenths of a dB
-    std::optional<int> rx_attenuation = {};                       // tenths of a dB
-    std::optional<int> tx_attenuation = {};                       // tenths of a dB
+    Thresholds rx_thresholds = {};
+    std::optional<int> rx_low_threshold_delta = {}; // tenths of a dB
+    std::optional<int> rx_attenuation = {};         // tenths of a dB
+    std::optional<int> tx_attenuation = {};         // tenths of a dB
 
     bool operator==(const LineSettings &) const = default;
 };

@@ -15,7 +15,9 @@ void LineSystemDevice::apply(const native::NetRequest &edit) {
     if (transaction_ == nullptr) {
         throw std::logic_error("an edit needs a write transaction");
     }
-    save(*transaction_, line_system::apply(load(*transaction_), edit));
+    const Edited edited = carry_out(load(*transaction_), edit);
+    save(*transaction_, edited.system);
+    require_kept(edited, load(*transaction_));
 }
 
 void LineSystemDevice::commit() {

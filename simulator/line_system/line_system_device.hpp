@@ -21,7 +21,8 @@ public:
 
     native::NativeData answer(const native::NetRequest &read) override;
 
-    // A refused edit leaves the transaction as it was. Throws Error, with the native path,.
+    // Throws Error with the native path of the node that is refused, operation-failed for one whose value is not there
+    // afterwards. After a refusal of that kind the transaction must not be committed; any other leaves it as it was.
     void apply(const native::NetRequest &edit) override;
 
     void commit() override;

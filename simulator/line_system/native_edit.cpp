@@ -36,6 +36,7 @@ public:
     }
 
     LineSystem take() { return std::move(system_); }
+    std::vector<SetLeaf> take_set() { return std::move(set_); }
 
 private:
     void apply_single(const NetNode &node, const Place &place, const std::string &path) {
@@ -112,6 +113,7 @@ private:
         require_in_range(row, *value, path);
         require_known_line(row, *value, path);
         set_value(row.field, system_, place, value);
+        set_.push_back({path, row.field, place, *value});
     }
 
     static void require_in_range(const LeafRow &row, const std::string &value, const std::string &path) {
@@ -123,13 +125,14 @@ private:
         if (number < row.range->minimum || number > row.range->maximum) {
             refuse("invalid-value", path,
                    value + " is not within " + std::to_string(row.range->minimum) + " to " +
-                       std::to_string(row.range->maximum) + " " + std::string(row.range->unit));
+                       std::to_string(row.range->maximum) + " " + std::string(row.unit));
         }
     }
 
     static void require_known_line(const LeafRow &row, const std::string &value, const std::string &path) {
-        if (std::holds_alternative<std::optional<std::string> SlotSettings::*>(row.field) && value != "working" &&
-            value != "protected" && !value.empty()) {
+        const SettingMember *setting = std::get_if<SettingMember>(&row.field);
+        const bool names_a_line = setting != nullptr && *setting == SettingMember(&SlotSettings::lockout_from);
+        if (names_a_line && value != "working" && value != "protected" && !value.empty()) {
             refuse("invalid-value", path,
                    "'" + one_line(value) + "' is none of 'working', 'protected' and the empty text");
         }
@@ -201,6 +204,7 @@ private:
     }
 
     LineSystem system_;
+    std::vector<SetLeaf> set_;
     const NativeTable &table_ = NativeTable::device();
 };
 
@@ -224,12 +228,27 @@ void move_attenuators(LineSystem &after, const LineSystem &before) {
 
 } // namespace
 
-LineSystem apply(const LineSystem &system, const native::NetRequest &edit) {
+Edited carry_out(const LineSystem &system, const native::NetRequest &edit) {
     Edit run(system);
     run.apply(edit.roots, {}, "");
-    LineSystem after = run.take();
-    move_attenuators(after, system);
-    return after;
+    Edited edited{run.take(), run.take_set()};
+    move_attenuators(edited.system, system);
+    return edited;
+}
+
+LineSystem apply(const LineSystem &system, const native::NetRequest &edit) {
+    return carry_out(system, edit).system;
+}
+
+void require_kept(const Edited &edited, const LineSystem &stored) {
+    for (const SetLeaf &leaf : edited.set) {
+        if (value_of(leaf.field, stored, leaf.place) != leaf.value) {
+            refuse("operation-failed", leaf.path, "the device has not kept the value");
+        }
+    }
+    if (stored != edited.system) {
+        refuse("operation-failed", "", "the device has not kept the edit");
+    }
 }
 
 } // namespace ocpsm::line_system

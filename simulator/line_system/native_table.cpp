@@ -11,42 +11,6 @@
 namespace ocpsm::line_system {
 namespace {
 
-constexpr std::string_view db = "tenths of a dB";
-constexpr std::string_view dbm = "tenths of a dBm";
-
-// The settings, with what the hardware can be set to, and what is measured.
-constexpr std::array leaf_table{
-    // clang-format off
-    LeafRow{"/psm-relative-switch-threshold",          &SlotSettings::relative_threshold,     Range{-400, 400, db}},
-    LeafRow{"/psm-relative-switch-threshold-offset",   &SlotSettings::relative_offset,        Range{-400, 400, db}},
-    LeafRow{"/psm/revertive/enable",                   &SlotSettings::revertive},
-    LeafRow{"/psm/revertive/wtr",                      &SlotSettings::wait_to_restore},
-    LeafRow{"/psm/lockout-from",                       &SlotSettings::lockout_from},
-
-    LeafRow{"/rx-threshold/rx-threshold",              Threshold{},                           Range{-400, 300, dbm}},
-    LeafRow{"/optics/optics-ots-rx-low-threshold-delta", &LineSettings::rx_low_threshold_delta, Range{0, 300, db}},
-    LeafRow{"/optics/optics-ots-rx-voa-attenuation",   &LineSettings::rx_attenuation,         Range{0, 300, db}},
-    LeafRow{"/optics/optics-ots-tx-voa-attenuation",   &LineSettings::tx_attenuation,         Range{0, 300, db}},
-
-    LeafRow{"/ots-info/lane-data/receive-power",       &Readings::receive_power},
-    LeafRow{"/ots-info/lane-data/receive-power-dbm",   &Readings::receive_power},
-    LeafRow{"/ots-info/lane-data/transmit-power",      &Readings::transmit_power},
-    LeafRow{"/ots-info/lane-data/transmit-power-dbm",  &Readings::transmit_power},
-    LeafRow{"/ots-info/rx-voa-attenuation",            &Readings::rx_attenuation},
-    LeafRow{"/ots-info/tx-voa-attenuation",            &Readings::tx_attenuation},
-    LeafRow{"/ots-info/port-status",                   PortStatus{}},
-    LeafRow{"/ots-info/rx-low-threshold",              &Readings::rx_low_threshold},
-    LeafRow{"/ots-info/rx-thr-fail-low-delta-val",     &Readings::rx_low_threshold_delta},
-
-    LeafRow{"/opr/average",                            History{&Readings::received,    &Statistics::average}},
-    LeafRow{"/opr/minimum",                            History{&Readings::received,    &Statistics::minimum}},
-    LeafRow{"/opr/maximum",                            History{&Readings::received,    &Statistics::maximum}},
-    LeafRow{"/opt/average",                            History{&Readings::transmitted, &Statistics::average}},
-    LeafRow{"/opt/minimum",                            History{&Readings::transmitted, &Statistics::minimum}},
-    LeafRow{"/opt/maximum",                            History{&Readings::transmitted, &Statistics::maximum}},
-    // clang-format on
-};
-
 #define PORT_HISTORY                                                                                                   \
     "/performance-management-history/global/periodic/optics-history/optics-port-histories/optics-port-history"
 #define SECOND30_HISTORY                                                                                               \
@@ -181,6 +145,9 @@ struct Get {
     const LineSystem &system;
     const Place &place;
 
+    std::optional<std::string> operator()(const SettingMember &member) const { return std::visit(*this, member); }
+    std::optional<std::string> operator()(const ReadingMember &member) const { return std::visit(*this, member); }
+
     template <class Value>
     std::optional<std::string> operator()(std::optional<Value> SlotSettings::*field) const {
         return text_of(slot(system, place.slot).settings.*field);
@@ -188,13 +155,13 @@ struct Get {
     std::optional<std::string> operator()(std::optional<int> LineSettings::*field) const {
         return text_of(slot(system, place.slot).lines.at(place.port - 1).*field);
     }
+    std::optional<std::string> operator()(Thresholds LineSettings::*field) const {
+        const Thresholds &all = slot(system, place.slot).lines.at(place.port - 1).*field;
+        const auto entry = all.find(place.threshold);
+        return entry == all.end() ? std::nullopt : text_of(entry->second);
+    }
     std::optional<std::string> operator()(std::optional<int> Readings::*field) const {
         return text_of(readings(slot(system, place.slot), place.port).*field);
-    }
-    std::optional<std::string> operator()(Threshold) const {
-        const LineSettings &line = slot(system, place.slot).lines.at(place.port - 1);
-        const auto entry = line.rx_thresholds.find(place.threshold);
-        return entry == line.rx_thresholds.end() ? std::nullopt : text_of(entry->second);
     }
     std::optional<std::string> operator()(PortStatus) const {
         const Slot &each = slot(system, place.slot);
@@ -220,21 +187,24 @@ struct Set {
     void operator()(std::optional<int> LineSettings::*field) const {
         assign(slot(system, place.slot).lines.at(place.port - 1).*field, text);
     }
-    void operator()(Threshold) const {
-        auto &all = slot(system, place.slot).lines.at(place.port - 1).rx_thresholds;
+    void operator()(Thresholds LineSettings::*field) const {
+        Thresholds &all = slot(system, place.slot).lines.at(place.port - 1).*field;
         if (text || all.contains(place.threshold)) {
             assign(all[place.threshold], text);
         }
     }
-    template <class Value>
-    void operator()(std::optional<Value> Readings::*) const {
-        refuse();
-    }
-    void operator()(PortStatus) const { refuse(); }
-    void operator()(const History &) const { refuse(); }
-
-    [[noreturn]] static void refuse() { throw std::logic_error("operational state is not set"); }
 };
+
+std::vector<LeafRow> make_leaf_rows() {
+    std::vector<LeafRow> rows;
+    for (const SettingRow &row : setting_rows) {
+        rows.push_back({row.native, row.member, row.unit, row.range});
+    }
+    for (const ReadingRow &row : reading_rows) {
+        rows.push_back({row.native, row.member});
+    }
+    return rows;
+}
 
 // The row that a path belongs to; there must be one and no other.
 template <class Row, class Matches>
@@ -275,7 +245,8 @@ bool is_key(const lysc_node &node) {
 }
 
 std::span<const LeafRow> leaf_rows() {
-    return leaf_table;
+    static const std::vector<LeafRow> rows = make_leaf_rows();
+    return rows;
 }
 
 std::span<const ListRow> list_rows() {
@@ -283,7 +254,7 @@ std::span<const ListRow> list_rows() {
 }
 
 const NativeTable &NativeTable::device() {
-    static const NativeTable table(models::Schema::native(), leaf_table, list_table);
+    static const NativeTable table(models::Schema::native(), leaf_rows(), list_table);
     return table;
 }
 
@@ -343,7 +314,11 @@ std::optional<std::string> value_of(const Field &field, const LineSystem &system
 }
 
 void set_value(const Field &field, LineSystem &system, const Place &place, const std::optional<std::string> &value) {
-    std::visit(Set{system, place, value}, field);
+    const SettingMember *setting = std::get_if<SettingMember>(&field);
+    if (setting == nullptr) {
+        throw std::logic_error("operational state is not set");
+    }
+    std::visit(Set{system, place, value}, *setting);
 }
 
 } // namespace ocpsm::line_system

@@ -4,7 +4,6 @@
 #define OCPSM_SIMULATOR_LINE_SYSTEM_NATIVE_TABLE_HPP
 
 #include <cstddef>
-#include <cstdint>
 #include <map>
 #include <optional>
 #include <span>
@@ -14,8 +13,8 @@
 #include <vector>
 
 #include "framework/models/models.hpp"
-#include "simulator/line_system/controllers.hpp"
 #include "simulator/line_system/line_system.hpp"
+#include "simulator/line_system/settings.hpp"
 
 namespace ocpsm::line_system {
 
@@ -27,27 +26,12 @@ struct Place {
 };
 
 // What a leaf shows. Settings can be edited, the rest is operational state.
-struct Threshold {};  // the rx-threshold of the place
-struct PortStatus {}; // which of the lines carries the traffic
-struct History {
-    std::optional<Statistics> Readings::*power;
-    int Statistics::*value;
-};
-using Field =
-    std::variant<std::optional<bool> SlotSettings::*, std::optional<std::uint32_t> SlotSettings::*,
-                 std::optional<int> SlotSettings::*, std::optional<std::string> SlotSettings::*,
-                 std::optional<int> LineSettings::*, std::optional<int> Readings::*, Threshold, PortStatus, History>;
-
-// The numbers that a controller can be set to.
-struct Range {
-    std::int64_t minimum;
-    std::int64_t maximum;
-    std::string_view unit;
-};
+using Field = std::variant<SettingMember, ReadingMember>;
 
 struct LeafRow {
     std::string_view path; // the schema paths of its leaves end so
     Field field;
+    std::string_view unit = {};
     std::optional<Range> range = {}; // none: whatever the model allows
 };
 
@@ -102,7 +86,7 @@ private:
 // Whether a node is a key leaf.
 bool is_key(const lysc_node &node);
 
-// The rows of the device's own models.
+// The rows of the device's own models; those of leaves are made from the settings and readings.
 std::span<const LeafRow> leaf_rows();
 std::span<const ListRow> list_rows();
 

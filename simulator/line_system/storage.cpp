@@ -2,16 +2,17 @@
 
 #include <charconv>
 #include <cstddef>
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <system_error>
 #include <type_traits>
+#include <variant>
 
 #include "framework/error.hpp"
 #include "simulator/database/item.hpp"
 #include "simulator/line_system/database_items.hpp"
+#include "simulator/line_system/settings.hpp"
 
 namespace ocpsm::line_system {
 namespace {
@@ -72,15 +73,23 @@ public:
     }
 
     template <class Number>
-    void number(const std::string &record, const std::optional<Number> &value) {
+    void setting(const std::string &record, const std::optional<Number> &value) {
         if (value) {
             numbers(record, *value);
         }
     }
 
-    void text(const std::string &record, const std::optional<std::string> &value) {
+    void setting(const std::string &record, const std::optional<std::string> &value) {
         if (value) {
             put(record, *value);
+        }
+    }
+
+    // A record for each: the number, or "-" for none, a blank, and the name, which can be of any kind.
+    void setting(const std::string &record, const Thresholds &values) {
+        std::size_t index = 0;
+        for (const auto &[name, value] : values) {
+            put(record + "/" + std::to_string(index++), (value ? std::to_string(*value) : "-") + " " + name);
         }
     }
 
@@ -89,14 +98,6 @@ public:
     void when_there(const std::string & /*record*/, const std::optional<Value> &value, Transfer transfer) {
         if (value) {
             transfer(*value);
-        }
-    }
-
-    // A record for each: the number, or "-" for none, a blank, and the name, which can be of any kind.
-    void thresholds(const std::string &records, const std::map<std::string, std::optional<int>> &values) {
-        std::size_t index = 0;
-        for (const auto &[name, value] : values) {
-            put(records + std::to_string(index++), (value ? std::to_string(*value) : "-") + " " + name);
         }
     }
 
@@ -126,13 +127,13 @@ public:
     }
 
     template <class Number>
-    void number(const std::string &record, std::optional<Number> &value) const {
+    void setting(const std::string &record, std::optional<Number> &value) const {
         if (transaction_.get(Table::line_system, record)) {
             numbers(record, value.emplace());
         }
     }
 
-    void text(const std::string &record, std::optional<std::string> &value) const {
+    void setting(const std::string &record, std::optional<std::string> &value) const {
         if (const auto text = transaction_.get(Table::line_system, record)) {
             value = *text;
         }
@@ -145,8 +146,8 @@ public:
         }
     }
 
-    void thresholds(const std::string &records, std::map<std::string, std::optional<int>> &values) const {
-        transaction_.for_each(Table::line_system, records, [&](std::string_view record, std::string_view text) {
+    void setting(const std::string &records, Thresholds &values) const {
+        transaction_.for_each(Table::line_system, records + "/", [&](std::string_view record, std::string_view text) {
             add_threshold(std::string(record), text, values);
             return true;
         });
@@ -166,8 +167,7 @@ private:
         text.remove_prefix(1);
     }
 
-    static void add_threshold(const std::string &record, std::string_view text,
-                              std::map<std::string, std::optional<int>> &values) {
+    static void add_threshold(const std::string &record, std::string_view text, Thresholds &values) {
         std::optional<int> value;
         if (text.substr(0, 2) == "- ") {
             text.remove_prefix(1);
@@ -183,22 +183,18 @@ private:
     const sysdb::ReadTransaction &transaction_;
 };
 
-// The records, for both directions: those of a slot stand below "slot/1/".
+// The records, for both directions: those of a slot stand below "slot/1/". Of a slot's or a line's settings, those of
+// the rows that belong to it.
 template <class Archive, class Settings>
 void transfer_settings(Archive &archive, const std::string &records, Settings &settings) {
-    archive.number(records + "revertive", settings.revertive);
-    archive.number(records + "wait-to-restore", settings.wait_to_restore);
-    archive.number(records + "relative-threshold", settings.relative_threshold);
-    archive.number(records + "relative-offset", settings.relative_offset);
-    archive.text(records + "lockout-from", settings.lockout_from);
-}
-
-template <class Archive, class Line>
-void transfer_line(Archive &archive, const std::string &records, Line &line) {
-    archive.thresholds(records + "rx-threshold/", line.rx_thresholds);
-    archive.number(records + "rx-low-threshold-delta", line.rx_low_threshold_delta);
-    archive.number(records + "rx-attenuation", line.rx_attenuation);
-    archive.number(records + "tx-attenuation", line.tx_attenuation);
+    for (const SettingRow &row : setting_rows) {
+        const auto transfer_one = [&](auto member) {
+            if constexpr (std::is_invocable_v<decltype(member), Settings &>) {
+                archive.setting(records + std::string(row.record), settings.*member);
+            }
+        };
+        std::visit(transfer_one, row.member);
+    }
 }
 
 template <class Archive, class History>
@@ -217,7 +213,7 @@ void transfer_protection(Archive &archive, const std::string &records, Protectio
     if constexpr (!std::is_const_v<Protection>) {
         protection.active = on_secondary ? Path::secondary : Path::primary;
     }
-    archive.number(records + "restorable-since", protection.restorable_since);
+    archive.setting(records + "restorable-since", protection.restorable_since);
 }
 
 template <class Archive, class Fitted>
@@ -252,7 +248,7 @@ void transfer_slot(Archive &archive, const std::string &records, Place &slot) {
     archive.numbers(records + "provisioned", slot.provisioned);
     transfer_settings(archive, records + "settings/", slot.settings);
     for (std::size_t line = 0; line < line_count; ++line) {
-        transfer_line(archive, records + "line/" + std::to_string(line) + "/", slot.lines.at(line));
+        transfer_settings(archive, records + "line/" + std::to_string(line) + "/", slot.lines.at(line));
     }
     transfer_cabling(archive, records + "cabling/", slot.cabling);
     archive.when_there(records + "module/fitted-at", slot.module,

@@ -98,9 +98,6 @@ TEST(Readings, OfTheExampleAreWhatItsFibresDeliver) {
                                             .tx_attenuation = 100,
                                             .rx_low_threshold = -250,
                                             .rx_low_threshold_delta = 10,
-                                            .configured_rx_attenuation = 25,
-                                            .configured_tx_attenuation = 10,
-                                            .configured_rx_threshold = -250,
                                             .received = Statistics{-1230, -1251, -1218},
                                             .transmitted = Statistics{-214, -220, -209}}));
     const Slot &third = slot(example(), 3);
@@ -113,9 +110,6 @@ TEST(Readings, OfTheExampleAreWhatItsFibresDeliver) {
                                             .rx_attenuation = 75,
                                             .tx_attenuation = 0,
                                             .rx_low_threshold = -300,
-                                            .configured_rx_attenuation = 8,
-                                            .configured_tx_attenuation = 0,
-                                            .configured_rx_threshold = -300,
                                             .received = Statistics{-1661, -1683, -1640},
                                             .transmitted = Statistics{-247, -255, -240}}));
 }

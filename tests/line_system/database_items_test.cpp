@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "shown_item.hpp"
+#include "simulator/line_system/operations.hpp"
 
 namespace {
 
@@ -15,8 +16,12 @@ using ocpsm::line_system::LineSystem;
 using ocpsm::line_system::port_items;
 using ocpsm::line_system::Readings;
 using ocpsm::line_system::Statistics;
+using testing::AllOf;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::StartsWith;
+using testing::UnorderedElementsAre;
 
 // Of the secondary line of slot 2.
 std::vector<std::string> shown_items(const Readings &readings) {
@@ -32,7 +37,7 @@ TEST(ExampleLineSystem, HasModulesInSlots1And3) {
 TEST(ExampleLineSystem, StoresTheItemsOfItsControllers) {
     EXPECT_THAT(
         shown(database_items(example())),
-        ElementsAre(
+        UnorderedElementsAre(
             "/oper/ots/if/Ots0_1_0_0/ots_info: ots_info 1.0 ots_edm_info{ LaneData[ { ReceivePower=105 "
             "ReceivePowerDbm=105 TransmitPower=-1482 TransmitPowerDbm=-1482 } ] }",
             "/oper/perfmgmt/gl/periodic/optics/interface/Ots0_1_0_0/30sec/optics/1/timeline_rev/0x1: pm_optics_paras "
@@ -103,13 +108,21 @@ TEST(DatabaseItems, HoldOnlyTheFieldsThatAreThere) {
                             "ReceivePowerDbm=0 } ] }"));
     EXPECT_THAT(shown_items({.tx_attenuation = 0}),
                 ElementsAre("/oper/ots/if/Ots0_2_0_2/ots_info: ots_info 1.0 Ots_edm_info{ TxVoaAttenuation=0 }"));
-    EXPECT_THAT(shown_items({.configured_tx_attenuation = -1}),
-                ElementsAre("/cfg/if/act/Ots0_2_0_2/Optics/tx_attenuation: -1"));
     // Nothing of the received side may be found where only the transmitted one is recorded.
     EXPECT_THAT(shown_items({.transmitted = Statistics{1, 2, 3}}),
                 ElementsAre("/oper/perfmgmt/gl/periodic/optics/interface/Ots0_2_0_2/30sec/optics/1/timeline_rev/0x1: "
                             "pm_optics_paras 1.0 pm_optics_paras{ OPT{ Average='     0.01 ' Minimum='     0.02 ' "
                             "Maximum='     0.03 ' } }"));
+}
+
+// Of the thresholds, the one that counts for the switch.
+TEST(DatabaseItems, HoldWhatIsConfigured) {
+    LineSystem system = ocpsm::line_system::fit({}, 2);
+    system.slots[1].lines[1] = {
+        .rx_thresholds = {{"high", 7}}, .rx_low_threshold_delta = 5, .rx_attenuation = 0, .tx_attenuation = -1};
+    EXPECT_THAT(shown(database_items(system)), AllOf(Contains("/cfg/if/act/Ots0_2_0_2/Optics/rx_attenuation: 0"),
+                                                     Contains("/cfg/if/act/Ots0_2_0_2/Optics/tx_attenuation: -1"),
+                                                     Contains(StartsWith("/cfg/")).Times(2)));
 }
 
 TEST(DatabaseItems, WriteHistoryAsPaddedTexts) {

@@ -122,6 +122,55 @@ TEST_F(LineSystemDeviceTest, LeavesTheTransactionAloneWhenItRefuses) {
     EXPECT_EQ(records(), before);
 }
 
+// A store that loses the records with this key.
+class ForgetfulTransaction : public ocpsm::sysdb::WriteTransaction {
+public:
+    ForgetfulTransaction(ocpsm::sysdb::WriteTransaction &kept, std::string lost)
+        : kept_(kept), lost_(std::move(lost)) {}
+
+    std::optional<std::string_view> get(Table table, std::string_view key) const override {
+        return kept_.get(table, key);
+    }
+    void for_each(Table table, std::string_view prefix, const Visitor &visit) const override {
+        kept_.for_each(table, prefix, visit);
+    }
+    std::optional<std::string_view> lower_bound(Table table, std::string_view key) const override {
+        return kept_.lower_bound(table, key);
+    }
+    void put(Table table, std::string_view key, std::string_view value) override {
+        if (key != lost_) {
+            kept_.put(table, key, value);
+        }
+    }
+    bool erase(Table table, std::string_view key) override { return kept_.erase(table, key); }
+    std::size_t erase_all(Table table, std::string_view prefix) override { return kept_.erase_all(table, prefix); }
+    void commit() override { kept_.commit(); }
+
+private:
+    ocpsm::sysdb::WriteTransaction &kept_;
+    std::string lost_;
+};
+
+// Otherwise the answer to the client would be that nothing has changed.
+TEST_F(LineSystemDeviceTest, RefusesAnEditThatTheStoreDoesNotKeep) {
+    const auto refusal_when_losing = [&](const char *record) -> std::string {
+        const auto transaction = store.write();
+        ForgetfulTransaction forgetful(*transaction, record);
+        try {
+            LineSystemDevice(forgetful).apply(waiting("1", "7").net());
+        } catch (const ocpsm::Error &refusal) {
+            return refusal.tag + " at " + refusal.native_path + ": " + refusal.message();
+        }
+        return "none";
+    };
+    EXPECT_EQ(refusal_when_losing("slot/1/settings/wait-to-restore"),
+              "operation-failed at /active-nodes/active-node[node-name='0/RP0/CPU0']/slot[slot-id='1']/psm/revertive/"
+              "wtr: the device has not kept the value");
+    EXPECT_EQ(refusal_when_losing("slot/3/settings/wait-to-restore"),
+              "operation-failed at : the device has not kept the edit");
+    EXPECT_EQ(refusal_when_losing("no such record"), "none");
+}
+
 TEST_F(LineSystemDeviceTest, KeepsItemsInStepWithTheLineSystem) {
     const auto transaction = store.write();
     Request request = edit();

@@ -16,7 +16,9 @@ using ocpsm::line_system::list_rows;
 using ocpsm::line_system::ListKind;
 using ocpsm::line_system::ListRow;
 using ocpsm::line_system::NativeTable;
+using ocpsm::line_system::ReadingMember;
 using ocpsm::line_system::Readings;
+using ocpsm::line_system::SettingMember;
 using ocpsm::models::Schema;
 
 // What is wrong with the device's table after a change.
@@ -48,7 +50,7 @@ TEST(NativeTable, NamesALeafOrAListWithoutARow) {
 
 TEST(NativeTable, NamesANodeWithTwoRows) {
     EXPECT_EQ(complaint([](auto &leaves, auto &) {
-                  leaves.push_back({"/psm/lockout-from", &LineSettings::rx_attenuation});
+                  leaves.push_back({"/psm/lockout-from", SettingMember(&LineSettings::rx_attenuation)});
               }),
               "two rows of the native table are for /active-nodes/active-node/slot/psm/lockout-from");
     EXPECT_EQ(complaint([](auto &, auto &lists) {
@@ -59,7 +61,7 @@ TEST(NativeTable, NamesANodeWithTwoRows) {
 
 TEST(NativeTable, NamesARowWithoutANode) {
     EXPECT_EQ(complaint([](auto &leaves, auto &) {
-                  leaves.push_back({"/no/such/leaf", &Readings::receive_power});
+                  leaves.push_back({"/no/such/leaf", ReadingMember(&Readings::receive_power)});
               }),
               "no node for the row of the native table for /no/such/leaf");
     EXPECT_EQ(complaint([](auto &, auto &lists) {
@@ -70,11 +72,13 @@ TEST(NativeTable, NamesARowWithoutANode) {
 
 TEST(NativeTable, SetsNoOperationalState) {
     LineSystem system;
-    EXPECT_THROW(set_value(&Readings::receive_power, system, {1, 1}, "1"), std::logic_error);
-    EXPECT_THROW(set_value(ocpsm::line_system::PortStatus{}, system, {1, 1}, "active"), std::logic_error);
-    EXPECT_THROW(set_value(ocpsm::line_system::History{&Readings::received, nullptr}, system, {1, 1}, "1"),
+    EXPECT_THROW(set_value(ReadingMember(&Readings::receive_power), system, {1, 1}, "1"), std::logic_error);
+    EXPECT_THROW(set_value(ReadingMember(ocpsm::line_system::PortStatus{}), system, {1, 1}, "active"),
                  std::logic_error);
-    EXPECT_THROW(set_value(&LineSettings::rx_attenuation, system, {1, 1}, "1.5"), std::logic_error);
+    EXPECT_THROW(
+        set_value(ReadingMember(ocpsm::line_system::History{&Readings::received, nullptr}), system, {1, 1}, "1"),
+        std::logic_error);
+    EXPECT_THROW(set_value(SettingMember(&LineSettings::rx_attenuation), system, {1, 1}, "1.5"), std::logic_error);
 }
 
 } // namespace

@@ -4,6 +4,8 @@
 
 namespace line_system = ocpsm::line_system;
 
+// Each structure is filled by its bindings: one that gets a new member does not compile here until it is filled too.
+
 // Small numbers and the ends of the range are as likely as all the others.
 template <class Number>
 Number RandomSystems::number() {
@@ -38,60 +40,79 @@ std::optional<int> RandomSystems::maybe_number() {
 
 line_system::PowerHistory RandomSystems::history() {
     line_system::PowerHistory history;
-    history.running = {number<std::uint32_t>(), number<std::int64_t>(), number<int>(), number<int>()};
+    auto &[running, last] = history;
+    auto &[count, sum, minimum, maximum] = running;
+    count = number<std::uint32_t>();
+    sum = number<std::int64_t>();
+    minimum = number<int>();
+    maximum = number<int>();
     if (one_in(2)) {
-        history.last = {number<int>(), number<int>(), number<int>()};
+        auto &[average, lowest, highest] = last.emplace();
+        average = number<int>();
+        lowest = number<int>();
+        highest = number<int>();
     }
     return history;
 }
 
 line_system::Module RandomSystems::module() {
     line_system::Module module;
-    module.protection.active = one_in(2) ? line_system::Path::primary : line_system::Path::secondary;
+    auto &[protection, all_attenuators, histories, fitted_at] = module;
+    auto &[active, restorable_since] = protection;
+    active = one_in(2) ? line_system::Path::primary : line_system::Path::secondary;
     if (one_in(2)) {
-        module.protection.restorable_since = number<std::uint64_t>();
+        restorable_since = number<std::uint64_t>();
     }
-    for (line_system::Attenuators &attenuators : module.attenuators) {
-        attenuators = {number<int>(), number<int>()};
+    for (auto &[rx, tx] : all_attenuators) {
+        rx = number<int>();
+        tx = number<int>();
     }
-    for (line_system::PortHistory &port : module.histories) {
-        port = {history(), history()};
+    for (auto &[received, transmitted] : histories) {
+        received = history();
+        transmitted = history();
     }
-    module.fitted_at = number<std::uint64_t>();
+    fitted_at = number<std::uint64_t>();
     return module;
 }
 
 line_system::LineSettings RandomSystems::line_settings() {
-    line_system::LineSettings settings{{}, maybe_number(), maybe_number(), maybe_number()};
+    line_system::LineSettings settings;
+    auto &[rx_thresholds, rx_low_threshold_delta, rx_attenuation, tx_attenuation] = settings;
+    rx_low_threshold_delta = maybe_number();
+    rx_attenuation = maybe_number();
+    tx_attenuation = maybe_number();
     while (!one_in(3)) {
-        settings.rx_thresholds[one_in(3) ? line_system::low_threshold : text()] = maybe_number();
+        rx_thresholds[one_in(3) ? line_system::low_threshold : text()] = maybe_number();
     }
     return settings;
 }
 
 line_system::SlotSettings RandomSystems::slot_settings() {
     line_system::SlotSettings settings;
+    auto &[revertive, wait_to_restore, relative_threshold, relative_offset, lockout_from] = settings;
     if (one_in(2)) {
-        settings.revertive = one_in(2);
+        revertive = one_in(2);
     }
     if (one_in(2)) {
-        settings.wait_to_restore = number<std::uint32_t>();
+        wait_to_restore = number<std::uint32_t>();
     }
-    settings.relative_threshold = maybe_number();
-    settings.relative_offset = maybe_number();
+    relative_threshold = maybe_number();
+    relative_offset = maybe_number();
     if (one_in(2)) {
-        settings.lockout_from = text();
+        lockout_from = text();
     }
     return settings;
 }
 
 line_system::Cabling RandomSystems::cabling() {
     line_system::Cabling cabling;
-    cabling.client_light = number<int>();
-    for (line_system::Fibre &fibre : cabling.fibres) {
-        fibre = {number<int>(), one_in(2)};
+    auto &[client_light, fibres, transmit_offsets] = cabling;
+    client_light = number<int>();
+    for (auto &[light, cut] : fibres) {
+        light = number<int>();
+        cut = one_in(2);
     }
-    for (int &offset : cabling.transmit_offsets) {
+    for (int &offset : transmit_offsets) {
         offset = number<int>();
     }
     return cabling;
@@ -99,21 +120,23 @@ line_system::Cabling RandomSystems::cabling() {
 
 line_system::Slot RandomSystems::slot() {
     line_system::Slot slot;
-    slot.provisioned = one_in(2);
+    auto &[provisioned, fitted, settings, lines, cabled] = slot;
+    provisioned = one_in(2);
     if (one_in(2)) {
-        slot.module = module();
+        fitted = module();
     }
-    slot.settings = slot_settings();
-    slot.lines = {line_settings(), line_settings()};
-    slot.cabling = cabling();
+    settings = slot_settings();
+    lines = {line_settings(), line_settings()};
+    cabled = cabling();
     return slot;
 }
 
 line_system::LineSystem RandomSystems::next() {
     line_system::LineSystem system;
-    for (line_system::Slot &each : system.slots) {
+    auto &[slots, clock] = system;
+    for (line_system::Slot &each : slots) {
         each = slot();
     }
-    system.clock = number<std::uint64_t>();
+    clock = number<std::uint64_t>();
     return system;
 }

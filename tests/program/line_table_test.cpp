@@ -6,10 +6,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "line_system_view.hpp"
 #include "line_table.hpp"
 #include "simulator/line_system/line_system.hpp"
 #include "simulator/line_system/operations.hpp"
+#include "simulator/line_system/view.hpp"
 
 namespace ocpsm {
 namespace {
@@ -35,13 +35,7 @@ LineTable one_module() {
     table.clock = 61'234;
     table.modules.push_back({2, "0/2-PSM-OM", "not revertive", {}});
     table.modules[0].lines[0].active = true;
-    table.modules[0].lines[1] = {.active = false,
-                                 .received = -4000,
-                                 .threshold = -5,
-                                 .rx_attenuation = 0,
-                                 .sent = 12345,
-                                 .tx_attenuation = 100,
-                                 .cut = true};
+    table.modules[0].lines[1] = {.active = false, .measured = {-4000, -5, 0, 12345, 100}, .cut = true};
     return table;
 }
 

@@ -5,9 +5,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "line_system_view.hpp"
 #include "simulator/line_system/line_system.hpp"
 #include "simulator/line_system/operations.hpp"
+#include "simulator/line_system/view.hpp"
 #include "watch_screen.hpp"
 
 namespace ocpsm {
