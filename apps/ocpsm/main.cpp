@@ -1,5 +1,6 @@
 #include <unistd.h>
 
+#include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <new>
@@ -80,6 +81,28 @@ Error usage_error(const CLI::App &app, const CLI::ParseError &error) {
     return {Error::Source::input, {}, {}, what, full_name(given) + " --help tells the usage"};
 }
 
+// Ends the program with words where memory is short; takes none itself.
+[[noreturn]] void end_without_memory() {
+    constexpr std::string_view text = "ocpsm: error: resource-denied: there is not enough memory\n";
+    static_cast<void>(write(STDERR_FILENO, text.data(), text.size()) == 0);
+    _exit(exit_bad_input);
+}
+
+// Before any other object of the program is made: the parser of command lines has some that take memory.
+[[gnu::constructor(101)]] void end_in_words() {
+    std::set_terminate([] {
+        try {
+            if (const auto thrown = std::current_exception()) {
+                std::rethrow_exception(thrown);
+            }
+        } catch (const std::bad_alloc &) {
+            end_without_memory();
+        } catch (...) {
+        }
+        std::abort();
+    });
+}
+
 int run_command(CommandLine &line, int argc, char **argv) {
     try {
         line.app.parse(argc, argv);
@@ -102,9 +125,7 @@ int run_program(int argc, char **argv) {
         CommandLine line;
         return run_command(line, argc, argv);
     } catch (const std::bad_alloc &) {
-        // Nothing that takes memory.
-        constexpr std::string_view text = "ocpsm: error: resource-denied: there is not enough memory\n";
-        static_cast<void>(write(STDERR_FILENO, text.data(), text.size()) == 0);
+        end_without_memory();
     } catch (const std::exception &error) {
         return print_error(std::cerr, {Error::Source::input, "operation-failed", {}, error.what()});
     }
