@@ -14,6 +14,10 @@ namespace ymap {
 inline constexpr std::size_t path_size = 200;   // the tag path of a tree search
 inline constexpr std::size_t psm_key_size = 20; // a module key or a system database key
 
+// Levels below its start node that a tree search goes down. A path that fits its buffer has 200 levels at the most; a
+// tree may have any number, and the stack has an end.
+inline constexpr int search_depth = 1000;
+
 } // namespace ymap
 
 extern "C" {
@@ -58,8 +62,9 @@ YMAP_EXPORT char *strstrip(char *text);
 YMAP_EXPORT const char *replace_str(const char *text, const char *pattern, const char *replacement);
 
 // ---- tree searches ----
-// Depth first, by the tags from the start node down, joined by slashes. A node that is not in use hides what is below.
-// `path` is a buffer of 200 bytes, empty at the start.
+// Depth first, by the tags from the start node down, joined by slashes. A node that is not in use hides what is below;
+// what is more than 1000 levels below the start node is not looked at. `path` is a buffer of 200 bytes, empty at the
+// start.
 
 // Copies the value of the first node with this path into `value` of 200 bytes and returns 1; 0 when there is none.
 YMAP_EXPORT int compare_path(yfw_map_ctx ctx, const kidl_yfw_datatree *node, const char *path_to_find, char *path,

@@ -29,6 +29,16 @@ bool is_equal(const char *first, const char *second) {
     return std::strcmp(first, second) == 0;
 }
 
+// A node that is looked at; what is too deep is passed over like what is not in use.
+bool is_visited(const Node *node, int depth) {
+    return is_in_use(node) && depth <= search_depth;
+}
+
+// Paths only grow on the way down, so that nothing below a node is found unless its path begins what is looked for.
+bool leads_to(const char *path, const char *path_to_find) {
+    return std::strncmp(path, path_to_find, std::strlen(path)) == 0;
+}
+
 // Searches the children with `search(child)`, each with the path of its parent and a slash in the same buffer, which is
 // given back as it was.
 template <typename Search>
@@ -41,6 +51,29 @@ int search_children(const Node &node, char *path, Search search) {
             return 1;
         }
         yfw_strcpy_s(path, path_size, parent_path);
+    }
+    return 0;
+}
+
+int find_value(const Node *node, const char *path_to_find, char *path, char *value, int depth) {
+    if (!is_visited(node, depth)) {
+        return 0;
+    }
+    append_tag(path, *node);
+    if (has_value(*node) && is_equal(path, path_to_find)) {
+        yfw_strcpy_s(value, 200, node->value);
+        return 1;
+    }
+    yfw_strcat_s(path, path_size, "/");
+    if (!leads_to(path, path_to_find)) {
+        return 0;
+    }
+    for (const Node &child : children_of(*node)) {
+        char child_path[path_size] = {};
+        yfw_strcpy_s(child_path, path_size, path);
+        if (find_value(&child, path_to_find, child_path, value, depth + 1) == 1) {
+            return 1;
+        }
     }
     return 0;
 }
@@ -61,42 +94,9 @@ bool holds_data(const Function &function, yfw_map_ctx ctx, const Node &node, con
     return true;
 }
 
-} // namespace
-
-extern "C" {
-
-int compare_path(yfw_map_ctx ctx, const Node *node, const char *path_to_find, char *path, char *value) {
-    if (!is_in_use(node)) {
-        return 0;
-    }
-    append_tag(path, *node);
-    if (has_value(*node) && is_equal(path, path_to_find)) {
-        yfw_strcpy_s(value, 200, node->value);
-        return 1;
-    }
-    yfw_strcat_s(path, path_size, "/");
-    for (const Node &child : children_of(*node)) {
-        char child_path[path_size] = {};
-        yfw_strcpy_s(child_path, path_size, path);
-        if (compare_path(ctx, &child, path_to_find, child_path, value) == 1) {
-            return 1;
-        }
-    }
-    return 0;
-}
-
-int search_data_in_response(yfw_map_ctx ctx, const Node *node, const char *path_to_find, char *path,
-                            const char *value_to_find) {
-    static constexpr Function function{"search_data_in_response",
-                                       "int search_data_in_response(yfw_map_ctx, const struct kidl_yfw_datatree *, "
-                                       "const char *, char *, const char *)",
-                                       YMAP_SOURCE("utility")};
-    if (node == nullptr) {
-        YMAP_ASSERT_CONTEXT(function, ctx);
-        YMAP_ERROR(function, ctx, "return, req is NULL");
-        return 0;
-    }
-    if (!is_in_use(node)) {
+int find_data(const Function &function, yfw_map_ctx ctx, const Node *node, const char *path_to_find, char *path,
+              const char *value_to_find, int depth) {
+    if (!is_visited(node, depth)) {
         return 0;
     }
     YMAP_ASSERT_CONTEXT(function, ctx);
@@ -107,8 +107,49 @@ int search_data_in_response(yfw_map_ctx ctx, const Node *node, const char *path_
     }
     YMAP_TRACE(function, ctx, "subtree_count %d", node->child_count);
     return search_children(*node, path, [&](const Node &child) {
-        return search_data_in_response(ctx, &child, path_to_find, path, value_to_find);
+        return find_data(function, ctx, &child, path_to_find, path, value_to_find, depth + 1);
     });
+}
+
+int find_path(const Node *node, const char *path_to_find, char *path, int depth) {
+    if (!is_visited(node, depth)) {
+        return 0;
+    }
+    append_tag(path, *node);
+    if (is_equal(path, path_to_find)) {
+        return 1;
+    }
+    if (!leads_to(path, path_to_find)) {
+        return 0;
+    }
+    return search_children(*node, path,
+                           [&](const Node &child) { return find_path(&child, path_to_find, path, depth + 1); });
+}
+
+int refuse_no_node(const Function &function, yfw_map_ctx ctx) {
+    YMAP_ASSERT_CONTEXT(function, ctx);
+    YMAP_ERROR(function, ctx, "return, req is NULL");
+    return 0;
+}
+
+} // namespace
+
+extern "C" {
+
+int compare_path(yfw_map_ctx, const Node *node, const char *path_to_find, char *path, char *value) {
+    return find_value(node, path_to_find, path, value, 0);
+}
+
+int search_data_in_response(yfw_map_ctx ctx, const Node *node, const char *path_to_find, char *path,
+                            const char *value_to_find) {
+    static constexpr Function function{"search_data_in_response",
+                                       "int search_data_in_response(yfw_map_ctx, const struct kidl_yfw_datatree *, "
+                                       "const char *, char *, const char *)",
+                                       YMAP_SOURCE("utility")};
+    if (node == nullptr) {
+        return refuse_no_node(function, ctx);
+    }
+    return find_data(function, ctx, node, path_to_find, path, value_to_find, 0);
 }
 
 int check_request_type_3(yfw_map_ctx ctx, const Node *node, const char *path_to_find, char *path) {
@@ -117,19 +158,9 @@ int check_request_type_3(yfw_map_ctx ctx, const Node *node, const char *path_to_
         "int check_request_type_3(yfw_map_ctx, const struct kidl_yfw_datatree *, const char *, char *)",
         YMAP_SOURCE("utility")};
     if (node == nullptr) {
-        YMAP_ASSERT_CONTEXT(function, ctx);
-        YMAP_ERROR(function, ctx, "return, req is NULL");
-        return 0;
+        return refuse_no_node(function, ctx);
     }
-    if (!is_in_use(node)) {
-        return 0;
-    }
-    append_tag(path, *node);
-    if (is_equal(path, path_to_find)) {
-        return 1;
-    }
-    return search_children(*node, path,
-                           [&](const Node &child) { return check_request_type_3(ctx, &child, path_to_find, path); });
+    return find_path(node, path_to_find, path, 0);
 }
 
 int check_request_type(yfw_map_ctx ctx, const Node *node, const char *path_to_find) {
