@@ -22,24 +22,24 @@ constexpr std::string_view leaf_conversion(std::string_view conversion) {
     return conversion == "none" ? "" : conversion;
 }
 
-// The row macros of one model, whose YMAP_NATIVE_MODULE and OCPSM_MODEL the includer has defined.
-#define OCPSM_ROW(kind, suffix, parent, tag, conversion)                                                               \
-    {OCPSM_MODEL, OCPSM_EXPANDED_TEXT(YMAP_NATIVE_MODULE), NativeKind::kind, #suffix, parent, tag, conversion},
+#define OCPSM_ROW(kind, suffix, parent, tag, conversion, augmented)                                                    \
+    {ymap::native_model(OCPSM_EXPANDED_TEXT(YMAP_NATIVE_MODULE)).module,                                               \
+     OCPSM_EXPANDED_TEXT(YMAP_NATIVE_MODULE),                                                                          \
+     NativeKind::kind,                                                                                                 \
+     #suffix,                                                                                                          \
+     parent,                                                                                                           \
+     tag,                                                                                                              \
+     conversion,                                                                                                       \
+     augmented},
 
 constexpr NativeRow native_table[] = {
+#define YMAP_AUGMENT(suffix, list) OCPSM_ROW(augment, suffix, "none", "", "", list)
+#define YMAP_CONTAINER(suffix, parent, tag) OCPSM_ROW(container, suffix, #parent, tag, "", "")
+#define YMAP_LIST(suffix, parent, tag, callback, keys, path)                                                           \
+    OCPSM_ROW(list, suffix, #parent, tag, list_conversion(#callback), "")
+#define YMAP_LEAF(suffix, parent, tag, conversion)                                                                     \
+    OCPSM_ROW(leaf, suffix, #parent, tag, leaf_conversion(OCPSM_EXPANDED_TEXT(conversion)), "")
 #include "native_nodes.inc"
-};
-
-// A native module that adds to a list of another one.
-struct Augmented {
-    std::string_view suffix;
-    std::string_view list;
-};
-
-constexpr Augmented augmented_lists[] = {
-    {"augment_lvla_interface_configuration", YMAP_INTERFACE},
-    {"augment_lvla_active_node", YMAP_NODE},
-    {"augment_lvla_preconfigured_node", "/preconfigured-nodes/preconfigured-node"},
 };
 
 // ---- what the conversions write ----
@@ -145,9 +145,7 @@ const std::vector<AnswerRow> &answer_rows() {
 
 std::string native_path(std::span<const NativeRow> rows, const NativeRow &row) {
     if (row.kind == NativeKind::augment) {
-        const auto *const found = std::find_if(std::begin(augmented_lists), std::end(augmented_lists),
-                                               [&](const Augmented &list) { return list.suffix == row.suffix; });
-        return found == std::end(augmented_lists) ? std::string() : std::string(found->list);
+        return std::string(row.augmented);
     }
     // A parent stands before its children, so that a row can never be above itself.
     const auto above = rows.first(static_cast<std::size_t>(&row - rows.data()));

@@ -21,6 +21,7 @@ struct NativeRow {
     std::string_view parent;     // suffix of the node above, "none" at the top
     std::string_view tag;        // empty for an augment entry
     std::string_view conversion; // of a leaf and of the list that opens modules; empty: accepted, not translated
+    std::string_view augmented;  // of an augment entry: schema path of the list that it adds to; else empty
 };
 
 // One OpenConfig node that a conversion writes.

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "coverage.hpp"
+#include "native_entries.hpp"
 
 namespace ocpsm {
 
@@ -51,9 +52,9 @@ protected:
     };
     std::vector<UnsupportedRow> unsupported = {{"state/hold-off-time", "there is none"}};
     std::vector<NativeRow> native = {
-        {"native", "nat", NativeKind::container, "n", "none", "slots", ""},
-        {"native", "nat", NativeKind::list, "o", "n", "slot", "slot_to_high"},
-        {"native", "nat", NativeKind::leaf, "p", "o", "revertive", "revertive_to_high"},
+        {"native", "nat", NativeKind::container, "n", "none", "slots", "", ""},
+        {"native", "nat", NativeKind::list, "o", "n", "slot", "slot_to_high", ""},
+        {"native", "nat", NativeKind::leaf, "p", "o", "revertive", "revertive_to_high", ""},
     };
     std::vector<AnswerRow> answers = {
         {"slot_to_high", module, "key", "slot"},
@@ -253,6 +254,28 @@ TEST(AnswerTable, HasEveryNodeWithAWalker) {
     EXPECT_EQ(count(NativeKind::list), 10);
     EXPECT_EQ(count(NativeKind::container), 26);
     EXPECT_EQ(count(NativeKind::leaf), 30);
+}
+
+// Tops of answers first; a subtree's walker with the list that it adds to.
+TEST(NativeEntries, AreTheWalkersThatTheFrameworkCalls) {
+    std::vector<std::string> entries;
+    for (const ymap::NativeEntry &entry : ymap::native_entries) {
+        entries.push_back(std::string(entry.list).append("/").append(entry.tag).append(" ").append(entry.walker));
+    }
+    const std::string start = "ymap_n2o_oc_opt_psm_";
+    EXPECT_THAT(
+        entries,
+        ElementsAre("/interface-configurations " + start + "vexloorbitifmgrcfg_lvla_interfaceconfigurations",
+                    "/active-nodes " + start + "vexloorbitconfigmdacfg_lvla_activenodes",
+                    "/ots-oper " + start + "vexloorbitcontrollertlm2200otsoper_lvla_otsoper",
+                    "/optics-oper " + start + "vexloorbitcontrolleropticsoper_lvla_opticsoper",
+                    "/performance-management-history " + start +
+                        "vexloorbitpmengineoper_lvla_performancemanagementhistory",
+                    "/active-nodes/active-node/slot " + start + "vexloorbittlm2200otscfg_augment_lvla_active_node",
+                    "/preconfigured-nodes/preconfigured-node/slot " + start +
+                        "vexloorbittlm2200otscfg_augment_lvla_preconfigured_node",
+                    "/interface-configurations/interface-configuration/optics " + start +
+                        "vexloorbitcontrolleropticscfg_augment_lvla_interface_configuration"));
 }
 
 // What each conversion writes, below an aps-module.

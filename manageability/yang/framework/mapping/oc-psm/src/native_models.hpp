@@ -2,6 +2,8 @@
 #ifndef OC_PSM_NATIVE_MODELS_HPP
 #define OC_PSM_NATIVE_MODELS_HPP
 
+#include <string_view>
+
 // Macros, because the tables join them with the rest of a path.
 #define YMAP_NODE "/active-nodes/active-node"
 #define YMAP_SLOT YMAP_NODE "/slot"
@@ -21,18 +23,38 @@
 
 namespace ymap {
 
-#define YMAP_NATIVE_NAMESPACE "http://vexlo.example/ns/yang/Vexlo-ORBIT-"
-
+// The namespaces.
 inline constexpr char openconfig[] = "http://openconfig.net/yang/optical-transport-line-protection";
-inline constexpr char ots_cfg[] = YMAP_NATIVE_NAMESPACE "tlm2200-ots-cfg";
-inline constexpr char mda_cfg[] = YMAP_NATIVE_NAMESPACE "config-mda-cfg";
-inline constexpr char ifmgr_cfg[] = YMAP_NATIVE_NAMESPACE "ifmgr-cfg";
-inline constexpr char optics_cfg[] = YMAP_NATIVE_NAMESPACE "controller-optics-cfg";
-inline constexpr char ots_oper[] = YMAP_NATIVE_NAMESPACE "controller-tlm2200-ots-oper";
-inline constexpr char optics_oper[] = YMAP_NATIVE_NAMESPACE "controller-optics-oper";
-inline constexpr char pmengine_oper[] = YMAP_NATIVE_NAMESPACE "pmengine-oper";
+#define YMAP_NATIVE_MODEL(model, module, names, stem, access)                                                          \
+    inline constexpr char model[] = "http://vexlo.example/ns/yang/" module;
+#include "native_models.def"
+#undef YMAP_NATIVE_MODEL
 
-#undef YMAP_NATIVE_NAMESPACE
+enum class NativeAccess { configuration, operational };
+
+// A row of the table of native models.
+struct NativeModelRow {
+    std::string_view module; // YANG module
+    std::string_view names;  // its part of the exported names
+    std::string_view stem;   // of its node table and its sources
+    const char *namespace_uri;
+    NativeAccess access;
+};
+
+inline constexpr NativeModelRow native_models[] = {
+#define YMAP_NATIVE_MODEL(model, module, names, stem, access) {module, #names, #stem, model, NativeAccess::access},
+#include "native_models.def"
+#undef YMAP_NATIVE_MODEL
+};
+
+// The model with this part of the exported names; there must be one.
+consteval const NativeModelRow &native_model(std::string_view names) {
+    const NativeModelRow *row = native_models;
+    while (row->names != names) {
+        ++row;
+    }
+    return *row;
+}
 
 } // namespace ymap
 

@@ -1,4 +1,5 @@
-// The exported names of a native model's walkers, callbacks and hooks, made from YMAP_NATIVE_MODULE and a row's suffix.
+// The exported names of a native model's walkers, callbacks and hooks, made from YMAP_NATIVE_MODULE and a row's
+// suffix, and the names of its files.
 #ifndef OC_PSM_NATIVE_NAMES_HPP
 #define OC_PSM_NATIVE_NAMES_HPP
 
@@ -10,6 +11,12 @@
 #define YMAP_NATIVE_LIST(suffix) YMAP_NATIVE_NAME(YMAP_NATIVE_MODULE, list_##suffix)
 #define YMAP_NATIVE_LEAF(suffix) YMAP_NATIVE_NAME(YMAP_NATIVE_MODULE, leaf_##suffix)
 #define YMAP_NATIVE_HOOK(suffix) YMAP_NATIVE_NAME(YMAP_NATIVE_MODULE, suffix##_parse_augments)
+
+// The name of a file of the model that YMAP_NATIVE_STEM names.
+#define YMAP_NATIVE_FILE_TEXT(name) #name
+#define YMAP_NATIVE_FILE_OF(stem, ending) YMAP_NATIVE_FILE_TEXT(ymap_oc_opt_psm_##stem##_##ending)
+#define YMAP_NATIVE_FILE_JOIN(stem, ending) YMAP_NATIVE_FILE_OF(stem, ending)
+#define YMAP_NATIVE_FILE(ending) YMAP_NATIVE_FILE_JOIN(YMAP_NATIVE_STEM, ending)
 
 // A leaf callback that is written by hand.
 #define YMAP_MAN_LEAF(suffix) YMAP_NATIVE_NAME(YMAP_NATIVE_MODULE, man_leaf_##suffix)

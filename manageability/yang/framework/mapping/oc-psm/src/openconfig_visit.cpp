@@ -1,6 +1,8 @@
 #include "openconfig_visit.hpp"
 
 #include <array>
+#include <cstddef>
+#include <iterator>
 
 namespace ymap {
 
@@ -14,8 +16,10 @@ constexpr Walker walkers[] = {
     { YMAP_STRING(YMAP_WALKER(suffix)), YMAP_CALLBACK_PROTOTYPE(YMAP_WALKER(suffix)), YMAP_OPENCONFIG_SOURCE("parser") }
 #define YMAP_CONTAINER(suffix, parent, tag, access)                                                                    \
     {NodeId::suffix,                                                                                                   \
-     NodeKind::container,                                                                                              \
+     NodeId::parent,                                                                                                   \
+     RowKind::container,                                                                                               \
      Access::access,                                                                                                   \
+     tag,                                                                                                              \
      YMAP_WALKER_FUNCTION(suffix),                                                                                     \
      YMAP_WALKER(suffix),                                                                                              \
      YMAP_CONTAINER_CALLBACK(suffix),                                                                                  \
@@ -23,27 +27,33 @@ constexpr Walker walkers[] = {
      YMAP_AUGMENT_HOOK(suffix)},
 #define YMAP_LIST(suffix, parent, tag, access, conversion)                                                             \
     {NodeId::suffix,                                                                                                   \
-     NodeKind::list,                                                                                                   \
+     NodeId::parent,                                                                                                   \
+     RowKind::list,                                                                                                    \
      Access::access,                                                                                                   \
+     tag,                                                                                                              \
      YMAP_WALKER_FUNCTION(suffix),                                                                                     \
      YMAP_WALKER(suffix),                                                                                              \
      nullptr,                                                                                                          \
      YMAP_LIST_CALLBACK(suffix),                                                                                       \
      YMAP_AUGMENT_HOOK(suffix)},
-#define YMAP_LEAF_ROW(suffix, kind, access)                                                                            \
+#define YMAP_LEAF_ROW(suffix, parent, kind, tag, access)                                                               \
     {NodeId::suffix,                                                                                                   \
-     NodeKind::kind,                                                                                                   \
+     NodeId::parent,                                                                                                   \
+     RowKind::kind,                                                                                                    \
      Access::access,                                                                                                   \
+     tag,                                                                                                              \
      YMAP_WALKER_FUNCTION(suffix),                                                                                     \
      YMAP_WALKER(suffix),                                                                                              \
      nullptr,                                                                                                          \
      YMAP_LEAF_CALLBACK(suffix),                                                                                       \
      nullptr},
-#define YMAP_KEY(suffix, parent, tag, access, conversion) YMAP_LEAF_ROW(suffix, key, access)
-#define YMAP_LEAF(suffix, parent, tag, access, conversion) YMAP_LEAF_ROW(suffix, leaf, access)
-#define YMAP_REFUSED(suffix, parent, tag, access) YMAP_LEAF_ROW(suffix, refused, access)
+#define YMAP_KEY(suffix, parent, tag, access, conversion) YMAP_LEAF_ROW(suffix, parent, key, tag, access)
+#define YMAP_LEAF(suffix, parent, tag, access, conversion) YMAP_LEAF_ROW(suffix, parent, leaf, tag, access)
+#define YMAP_REFUSED(suffix, parent, tag, access) YMAP_LEAF_ROW(suffix, parent, leaf, tag, access)
 #include "openconfig_table.inc"
 };
+
+constexpr std::size_t node_count = std::size(walkers);
 
 // The table's rows ordered by parent, and where each parent's children begin.
 struct Families {
@@ -56,8 +66,8 @@ constexpr Families families = [] {
     std::size_t next = 0;
     for (std::size_t parent = 0; parent < node_count; ++parent) {
         result.begins[parent] = next;
-        for (const NodeRow &row : node_rows) {
-            if (row.parent == node_rows[parent].id) {
+        for (const Walker &row : walkers) {
+            if (row.parent == walkers[parent].id) {
                 result.children[next++] = row.id;
             }
         }
@@ -79,7 +89,7 @@ std::span<const NodeId> children_of(NodeId id) {
 }
 
 void Visit::enter() {
-    const bool list = self.kind == NodeKind::list;
+    const bool list = self.kind == RowKind::list;
     yfw_map_add_to_node_hierarchy(ctx, &node, list ? 2 : 1);
     set_hierarchy_kind(list ? YFW_KIND_LIST : YFW_KIND_CONTAINER);
     if (is_read(ctx)) {
@@ -98,10 +108,10 @@ void Visit::set_hierarchy_kind(std::uint32_t kind) {
 
 const Walker *Visit::known_child(const char *tag) const {
     for (const NodeId id : children_of(self.id)) {
-        const NodeRow &row = row_of(id);
-        if (match(tag, row.tag)) {
-            const bool served = row.access == Access::configuration || is_operational_read(ctx);
-            return served ? &walker_of(id) : nullptr;
+        const Walker &walker = walker_of(id);
+        if (match(tag, walker.tag)) {
+            const bool served = walker.access == Access::configuration || is_operational_read(ctx);
+            return served ? &walker : nullptr;
         }
     }
     return nullptr;
@@ -120,7 +130,7 @@ kerrno Visit::dispatch_unknown(Node &child) {
     if (!match(child.namespace_uri, openconfig)) {
         return self.hook(ctx, &child, destination);
     }
-    if (self.kind == NodeKind::list) {
+    if (self.kind == RowKind::list) {
         YMAP_ERROR(self.function, ctx, "Unsupported tag `%s`is specified in the request.", child.tag);
     } else {
         YMAP_ERROR(self.function, ctx, "Unsupported tag `%s` is specified in the request.", child.tag);
@@ -134,8 +144,9 @@ kerrno Visit::dispatch_unknown(Node &child) {
 }
 
 void Visit::spread_to(NodeId child) {
-    if (row_of(child).access == Access::configuration || is_operational_read(ctx)) {
-        walker_of(child).walker(ctx, &node, destination);
+    const Walker &walker = walker_of(child);
+    if (walker.access == Access::configuration || is_operational_read(ctx)) {
+        walker.walker(ctx, &node, destination);
     }
 }
 

@@ -6,15 +6,30 @@
 
 #include "native_models.hpp"
 #include "openconfig_callbacks.hpp"
-#include "openconfig_nodes.hpp"
 
 namespace ymap {
+
+enum class RowKind { container, list, key, leaf };
+enum class Access { configuration, state };
+
+// A node's place in the table, named by its suffix.
+enum class NodeId {
+    none = -1,
+#define YMAP_CONTAINER(suffix, parent, tag, access) suffix,
+#define YMAP_LIST(suffix, parent, tag, access, conversion) suffix,
+#define YMAP_KEY(suffix, parent, tag, access, conversion) suffix,
+#define YMAP_LEAF(suffix, parent, tag, access, conversion) suffix,
+#define YMAP_REFUSED(suffix, parent, tag, access) suffix,
+#include "openconfig_table.inc"
+};
 
 // A row of the node table with the functions that belong to it.
 struct Walker {
     NodeId id;
-    NodeKind kind;
+    NodeId parent;
+    RowKind kind;
     Access access;
+    const char *tag;                       // schema name
     Function function;                     // the walker, as messages name it
     Callback *walker;                      // the walker itself
     ContainerCallback *container_callback; // of a container, else null

@@ -160,7 +160,7 @@ kerrno walk_entry_children(Visit &visit, Pass pass) {
         kerrno result = KERR_SUCCESS;
         if (known == nullptr) {
             result = visit.dispatch_unknown(child);
-        } else if (known->kind == NodeKind::key) {
+        } else if (known->kind == RowKind::key) {
             result = walk_key(visit, child);
         } else if (pass != Pass::remove) {
             // The remove pass takes the entry's own content away; what the request holds comes in the merge pass.
@@ -182,7 +182,7 @@ void spread_keyed_entry(Visit &visit, bool removes) {
     {
         const HiddenChildren hidden(visit.node);
         for (const NodeId child : children_of(visit.self.id)) {
-            if (row_of(child).kind != NodeKind::key) {
+            if (walker_of(child).kind != RowKind::key) {
                 visit.spread_to(child);
             }
         }
@@ -201,7 +201,7 @@ void spread_bare_entry(Visit &visit, bool removes) {
     }
     for (const Access access : {Access::configuration, Access::state}) {
         for (const NodeId child : children_of(visit.self.id)) {
-            if (row_of(child).access == access) {
+            if (walker_of(child).access == access) {
                 visit.spread_to(child);
             }
         }
@@ -333,7 +333,7 @@ kerrno walk_leaf(const Walker &self, yfw_map_ctx ctx, const Node *source, Node *
     Visit visit(self, ctx, *source, destination);
     if (!visit.whole && visit.request.delete_walk == 0) {
         visit.set_hierarchy_kind(YFW_KIND_LEAF);
-        if (self.kind != NodeKind::key && is_read(ctx)) {
+        if (self.kind != RowKind::key && is_read(ctx)) {
             note_read_selection(visit);
         }
     }

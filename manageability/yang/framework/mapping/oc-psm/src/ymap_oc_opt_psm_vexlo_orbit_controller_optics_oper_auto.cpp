@@ -1,5 +1,4 @@
 // The node callbacks of Vexlo-ORBIT-controller-optics-oper.
 #define YMAP_NATIVE_MODULE vexloorbitcontrolleropticsoper
-#define YMAP_NODES "ymap_oc_opt_psm_vexlo_orbit_controller_optics_oper_nodes.def"
-#define YMAP_FILE "ymap_oc_opt_psm_vexlo_orbit_controller_optics_oper_auto"
+#define YMAP_NATIVE_STEM vexlo_orbit_controller_optics_oper
 #include "native_callbacks.inc"

@@ -1,5 +1,4 @@
 // The node callbacks of Vexlo-ORBIT-pmengine-oper.
 #define YMAP_NATIVE_MODULE vexloorbitpmengineoper
-#define YMAP_NODES "ymap_oc_opt_psm_vexlo_orbit_pmengine_oper_nodes.def"
-#define YMAP_FILE "ymap_oc_opt_psm_vexlo_orbit_pmengine_oper_auto"
+#define YMAP_NATIVE_STEM vexlo_orbit_pmengine_oper
 #include "native_callbacks.inc"
