@@ -1,6 +1,7 @@
 #include "answer_table.hpp"
 
 #include <algorithm>
+#include <initializer_list>
 
 #include "native_models.hpp"
 #include "native_names.hpp"
@@ -13,9 +14,13 @@ namespace {
 #define OCPSM_TEXT(...) #__VA_ARGS__
 #define OCPSM_EXPANDED_TEXT(...) OCPSM_TEXT(__VA_ARGS__)
 
-// The list callbacks by their names in the tables: the conversion that is behind them, if any.
+// A leaf callback that is written by hand stands in front of a conversion.
+#undef YMAP_MAN_LEAF
+#define YMAP_MAN_LEAF(suffix, conversion) conversion
+
+// A list's callback may be a conversion, or what is done with an entry that is not translated.
 constexpr std::string_view list_conversion(std::string_view callback) {
-    return callback == "interface_configuration" ? "oc_opt_psm_if_list_cfg_to_high" : "";
+    return callback.ends_with("_to_high") ? callback : "";
 }
 
 constexpr std::string_view leaf_conversion(std::string_view conversion) {
@@ -44,93 +49,23 @@ constexpr NativeRow native_table[] = {
 
 // ---- what the conversions write ----
 
-std::string below_module(std::string_view path) {
-    return std::string(YMAP_MODULE).append(path);
-}
-
-class Rows {
-public:
-    Rows() {
-#define YMAP_SLOT_TO_HIGH(conversion, slot_list, value, leaf) add_slot(#conversion, #value, leaf);
-#define YMAP_OPTICS_TO_HIGH(conversion, writes, primary, secondary)                                                    \
-    add_optics(#conversion, #writes, primary, secondary);
-#define YMAP_PORT_TO_HIGH(conversion, entry, direction, divisor, leaf, reader, ports, config_reader, others)           \
-    add_ports(#conversion, #direction, divisor, leaf, #ports, #config_reader);
-#define YMAP_MODULE_TO_HIGH(conversion, steps, primary, secondary) add_module(#conversion, #steps, primary, secondary);
+std::vector<AnswerRow> make_answer_rows() {
+    std::vector<AnswerRow> rows;
+    const auto add = [&rows](std::string_view conversion, std::string_view others,
+                             std::initializer_list<AnswerRow> written) {
+        for (AnswerRow row : written) {
+            row.conversion = conversion;
+            row.others = others;
+            rows.push_back(row);
+        }
+    };
+#define YMAP_WRITES(path, source, reader, value, kinds, manner)                                                        \
+    {{}, YMAP_MODULE path, #source, #reader, #value, #kinds, #manner, {}},
+#define YMAP_TO_HIGH(conversion, steps, key_list, others, ...) add(#conversion, #others, {__VA_ARGS__});
 #include "to_high_tables.inc"
-        add_names();
-    }
-
-    std::vector<AnswerRow> take() {
-        return std::move(rows_);
-    }
-
-private:
-    void add(std::string_view conversion, std::string_view path, std::string_view value, std::string_view source,
-             bool operational_only = false) {
-        rows_.push_back({std::string(conversion), below_module(path), std::string(value), source, operational_only});
-    }
-
-    void add_slot(std::string_view conversion, std::string_view value, std::string_view leaf) {
-        add(conversion, std::string("/config/").append(leaf), value, "slot");
-        add(conversion, std::string("/state/").append(leaf), value, "slot", true);
-    }
-
-    void add_optics(std::string_view conversion, std::string_view writes, const char *primary, const char *secondary) {
-        const std::string_view sources[] = {"primary", "secondary"};
-        const char *const paths[] = {primary, secondary};
-        for (std::size_t port = 0; port < 2; ++port) {
-            if (paths[port] == nullptr) {
-                continue;
-            }
-            if (writes == "setting") {
-                add(conversion, paths[port], "tenths", sources[port]);
-                continue;
-            }
-            add(conversion, std::string(paths[port]) + "/config/target-attenuation", "tenths", sources[port]);
-            add(conversion, std::string(paths[port]) + "/state/target-attenuation", "tenths", sources[port], true);
-        }
-    }
-
-    // The primary port's value stands in the answer, the others are read while it is handled.
-    void add_ports(std::string_view conversion, std::string_view direction, int divisor, std::string_view leaf,
-                   std::string_view ports, std::string_view config_reader) {
-        const std::string end = direction == "receive" ? "-in" : "-out";
-        const std::string state = "/state/" + std::string(leaf);
-        const std::string_view value = divisor == 100 ? "hundredths" : "text";
-        add(conversion, "/ports/line-primary" + end + state, value, "primary");
-        add(conversion, "/ports/line-secondary" + end + state, value, "database");
-        if (ports == "all") {
-            add(conversion, "/ports/common-output" + state, value, "database");
-        }
-        if (config_reader != "no_reader") {
-            add(conversion, "/ports/line-secondary" + end + "/config/target-attenuation", "tenths", "database");
-            add(conversion, "/ports/line-secondary" + end + "/state/target-attenuation", "tenths", "database", true);
-        }
-    }
-
-    void add_module(std::string_view conversion, std::string_view steps, const char *primary, const char *secondary) {
-        const bool is_name = steps == "module_name";
-        const std::string_view value = is_name ? "key" : steps == "active_path" ? "port-status" : "tenths";
-        add(conversion, primary, value, "primary", is_name);
-        if (secondary != nullptr) {
-            add(conversion, secondary, value, "secondary");
-        }
-    }
-
-    // Written by hand in the plug-in, from the names of the controllers that are configured.
-    void add_names() {
-        const char *const leaf_callback = OCPSM_EXPANDED_TEXT(YMAP_NATIVE_JOIN(
-            vexloorbitifmgrcfg, man_leaf_lvla_interfaceconfigurations_interfaceconfiguration_interfacename));
-        add("oc_opt_psm_if_list_cfg_to_high", "", "key", "controller");
-        for (const char *conversion : {"oc_opt_psm_if_list_cfg_to_high", leaf_callback}) {
-            add(conversion, "/name", "key", "controller");
-            add(conversion, "/config/name", "key", "controller");
-        }
-    }
-
-    std::vector<AnswerRow> rows_;
-};
+#undef YMAP_WRITES
+    return rows;
+}
 
 } // namespace
 
@@ -138,8 +73,8 @@ std::span<const NativeRow> native_rows() {
     return native_table;
 }
 
-const std::vector<AnswerRow> &answer_rows() {
-    static const std::vector<AnswerRow> rows = Rows().take();
+std::span<const AnswerRow> answer_rows() {
+    static const std::vector<AnswerRow> rows = make_answer_rows();
     return rows;
 }
 
@@ -188,29 +123,43 @@ std::string describe_answer_value(std::string_view value, std::string_view units
     if (value == "hundredths") {
         return scaled("0.01", "/100");
     }
+    if (value == "units") {
+        return scaled("1", "/1");
+    }
     if (value == "lockout") {
         return "protected: PRIMARY, working: SECONDARY, else NONE";
     }
-    if (value == "port-status") {
+    if (value == "status") {
         return "active: PRIMARY, else SECONDARY";
     }
-    if (value == "key") {
+    if (value == "module") {
         return "the module of the controller";
     }
     return units.empty() ? std::string("as it stands") : std::string(units).append(", as it stands");
 }
 
-std::string_view describe_source(std::string_view source) {
-    if (source == "slot") {
+std::string describe_source(const AnswerRow &row) {
+    if (row.reader != "answer") {
+        return std::string(row.reader)
+            .append(" of the ")
+            .append(row.source)
+            .append(" port, with the primary port's answer");
+    }
+    if (row.source == "slot") {
         return "the answer for the slot";
     }
-    if (source == "database") {
-        return "the system database, with the primary port's answer";
+    return row.source == "controller" ? std::string("the name of the controller")
+                                      : std::string("the answer for the ").append(row.source).append(" port");
+}
+
+std::string_view describe_kinds(std::string_view kinds) {
+    if (kinds == "unless_state_only") {
+        return "not where only state leaves are named";
     }
-    if (source == "controller") {
-        return "the name of the controller";
+    if (kinds == "with_state") {
+        return "not in a read of configuration only";
     }
-    return source == "primary" ? "the answer for the primary port" : "the answer for the secondary port";
+    return kinds == "without_state" ? "only in a read of configuration" : "";
 }
 
 } // namespace ocpsm

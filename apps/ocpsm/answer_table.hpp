@@ -24,17 +24,20 @@ struct NativeRow {
     std::string_view augmented;  // of an augment entry: schema path of the list that it adds to; else empty
 };
 
-// One OpenConfig node that a conversion writes.
+// One OpenConfig node that a conversion writes. The words are those of the plug-in's tables, see its answer_rows.hpp.
 struct AnswerRow {
-    std::string conversion;
-    std::string path;              // schema path
-    std::string value;             // "tenths", "hundredths", "text", "lockout", "port-status", "key"
-    std::string_view source;       // where the value is read: "slot", "controller", "primary", "secondary", "database"
-    bool operational_only = false; // written only by the read that includes operational state
+    std::string_view conversion;
+    std::string_view path;   // schema path
+    std::string_view source; // what the value belongs to: "slot", "controller", "primary", "secondary", "common"
+    std::string_view reader; // of the system database; "answer": the native leaf holds the value
+    std::string_view value;  // "tenths", "hundredths", "units", "text", "lockout", "status", "module"
+    std::string_view kinds; // reads that it is written in: "always", "unless_state_only", "with_state", "without_state"
+    std::string_view manner; // "added", "stitched", "opened"
+    std::string_view others; // what an entry of no primary port gives: "keep", "keep_secondary", "skip"
 };
 
 std::span<const NativeRow> native_rows();
-const std::vector<AnswerRow> &answer_rows();
+std::span<const AnswerRow> answer_rows();
 
 // The schema path of a native row, the list that an augment entry adds to included.
 std::string native_path(std::span<const NativeRow> rows, const NativeRow &row);
@@ -47,7 +50,10 @@ std::vector<std::string> exported_names(const NativeRow &row);
 std::string describe_answer_value(std::string_view value, std::string_view units);
 
 // Where the value comes from, in words.
-std::string_view describe_source(std::string_view source);
+std::string describe_source(const AnswerRow &row);
+
+// Where it is written, in words; empty for everywhere.
+std::string_view describe_kinds(std::string_view kinds);
 
 } // namespace ocpsm
 

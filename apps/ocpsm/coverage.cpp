@@ -48,8 +48,8 @@ private:
             called_.insert(std::string(row.conversion));
         }
         for (const AnswerRow &row : input_.answers) {
-            if (called_.contains(row.conversion)) {
-                written_.insert(row.path);
+            if (called_.contains(std::string(row.conversion))) {
+                written_.insert(std::string(row.path));
             }
         }
     }
@@ -155,16 +155,18 @@ private:
     }
 
     void check_answer_rows() {
-        const auto is_served = [&](const std::string &path) {
+        const auto is_served = [&](std::string_view path) {
             return std::any_of(input_.nodes.begin(), input_.nodes.end(),
                                [&](const NodeRow &row) { return schema_path(input_.nodes, row) == path; });
         };
         for (const AnswerRow &row : input_.answers) {
             if (!is_served(row.path)) {
-                report(row.path, "is written by " + row.conversion + " but is not in the mapping table");
+                report(std::string(row.path),
+                       "is written by " + std::string(row.conversion) + " but is not in the mapping table");
             }
-            if (!called_.contains(row.conversion)) {
-                report(row.path, "is written by " + row.conversion + ", which no native node calls");
+            if (!called_.contains(std::string(row.conversion))) {
+                report(std::string(row.path),
+                       "is written by " + std::string(row.conversion) + ", which no native node calls");
             }
         }
     }

@@ -11,7 +11,7 @@
 
 #include "answer_table.hpp"
 #include "mapping_table.hpp"
-#include "native_models.hpp"
+#include "native_entries.hpp"
 #include "openconfig_model.hpp"
 
 namespace ocpsm {
@@ -30,6 +30,8 @@ struct Line {
 
 constexpr std::string_view headings[] = {"OpenConfig node", "access", "conversion",   "native leaf",
                                          "native value",    "port",   "what is added"};
+
+constexpr std::string_view entry_headings[] = {"native model", "node", "walker"};
 
 using Units = std::map<std::string, std::string>;
 
@@ -101,11 +103,11 @@ std::vector<AnswerLine> lines_of_answers(const std::vector<SchemaNode> &model) {
                 if (row.path != node.path || native.conversion != row.conversion) {
                     continue;
                 }
-                lines.push_back({short_path(row.path),
-                                 std::string(native.model) + ":" + native_path(native_rows(), native), row.conversion,
-                                 describe_answer_value(row.value, node.units),
-                                 std::string(describe_source(row.source)) +
-                                     (row.operational_only ? "; not in a read of configuration only" : "")});
+                const std::string_view kinds = describe_kinds(row.kinds);
+                lines.push_back({short_path(std::string(row.path)),
+                                 std::string(native.model) + ":" + native_path(native_rows(), native),
+                                 std::string(row.conversion), describe_answer_value(row.value, node.units),
+                                 describe_source(row) + (kinds.empty() ? "" : "; ") + std::string(kinds)});
             }
         }
     }
@@ -159,6 +161,18 @@ void print_headings(std::span<const std::string_view> names, std::ostream &outpu
     output << '\n';
 }
 
+void print_entries(std::ostream &output) {
+    output << "\n## Where an answer begins\n\n"
+              "The framework calls these walkers by name: the first for whole answers, the others for subtrees that a\n"
+              "model adds to another model's list.\n\n";
+    print_headings(entry_headings, output);
+    for (const ymap::NativeEntry &entry : ymap::native_entries) {
+        print_row({code(std::string(entry.module)), code(std::string(entry.list).append("/").append(entry.tag)),
+                   code(std::string(entry.walker))},
+                  output);
+    }
+}
+
 void print_markdown(const std::vector<Line> &lines, const std::vector<AnswerLine> &answers, std::ostream &output) {
     output
         << "# Mapping reference\n\n"
@@ -186,6 +200,7 @@ void print_markdown(const std::vector<Line> &lines, const std::vector<AnswerLine
     for (const AnswerLine &line : answers) {
         print_row({code(line.path), code(line.native), code(line.conversion), line.value, line.source}, output);
     }
+    print_entries(output);
     output << "\n## Nodes without support\n\n"
               "A read passes them over, an edit that names one is refused.\n\n| OpenConfig node | reason "
               "|\n|---|---|\n";

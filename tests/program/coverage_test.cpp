@@ -28,6 +28,10 @@ constexpr char module[] = "/aps/aps-modules/aps-module";
 
 class Coverage : public testing::Test {
 protected:
+    static AnswerRow written(std::string_view conversion, std::string_view path, std::string_view value) {
+        return {conversion, path, "slot", "answer", value, "always", "added", "keep"};
+    }
+
     std::vector<SchemaNode> model = {
         {"/aps", NodeKind::container, false, true, ""},
         {"/aps/aps-modules", NodeKind::container, false, true, ""},
@@ -57,9 +61,9 @@ protected:
         {"native", "nat", NativeKind::leaf, "p", "o", "revertive", "revertive_to_high", ""},
     };
     std::vector<AnswerRow> answers = {
-        {"slot_to_high", module, "key", "slot"},
-        {"slot_to_high", std::string(module) + "/name", "key", "slot"},
-        {"revertive_to_high", std::string(module) + "/state/revertive", "text", "slot"},
+        written("slot_to_high", "/aps/aps-modules/aps-module", "module"),
+        written("slot_to_high", "/aps/aps-modules/aps-module/name", "module"),
+        written("revertive_to_high", "/aps/aps-modules/aps-module/state/revertive", "text"),
     };
     std::set<std::string> missing_names;
     // In the order of the kinds: container, list, leaf.
@@ -185,7 +189,7 @@ TEST_F(Coverage, NamesAListEntryThatNoAnswerOpens) {
 }
 
 TEST_F(Coverage, DoesNotCountWhatABrotherOfAContainerIsWritten) {
-    answers.back().path = std::string(module) + "/state-of-things/revertive";
+    answers.back().path = "/aps/aps-modules/aps-module/state-of-things/revertive";
     EXPECT_THAT(check().findings,
                 ElementsAre(below_module("/state", "is written by no answer conversion"),
                             below_module("/state/revertive", "is written by no answer conversion"),
@@ -194,14 +198,14 @@ TEST_F(Coverage, DoesNotCountWhatABrotherOfAContainerIsWritten) {
 }
 
 TEST_F(Coverage, NamesAnAnswerThatIsWrittenToAnUnsupportedNode) {
-    answers.push_back({"revertive_to_high", std::string(module) + "/state/hold-off-time", "text", "slot"});
+    answers.push_back(written("revertive_to_high", "/aps/aps-modules/aps-module/state/hold-off-time", "text"));
     EXPECT_THAT(check().findings,
                 ElementsAre(below_module("/state/hold-off-time",
                                          "is written by revertive_to_high but is not in the mapping table")));
 }
 
 TEST_F(Coverage, AcceptsAnAnswerThatIsWrittenToARefusedLeaf) {
-    answers.push_back({"revertive_to_high", std::string(module) + "/state/attenuation", "text", "slot"});
+    answers.push_back(written("revertive_to_high", "/aps/aps-modules/aps-module/state/attenuation", "text"));
     EXPECT_THAT(check().findings, IsEmpty());
 }
 
@@ -284,37 +288,54 @@ TEST(AnswerTable, KnowsAllThatIsWritten) {
         std::vector<std::string> paths;
         for (const AnswerRow &row : answer_rows()) {
             if (row.conversion == conversion) {
-                paths.push_back(row.path.substr(sizeof module - 1) + " " + row.value + " " + std::string(row.source) +
-                                (row.operational_only ? " operational" : ""));
+                std::string text(row.path.substr(sizeof module - 1));
+                for (const std::string_view word :
+                     {row.source, row.reader, row.value, row.kinds, row.manner, row.others}) {
+                    text.append(" ").append(word);
+                }
+                paths.push_back(text);
             }
         }
         return paths;
     };
     EXPECT_THAT(written("oc_opt_psm_cfg_lockout_from_to_high"),
-                ElementsAre("/config/force-to-port lockout slot", "/state/force-to-port lockout slot operational"));
+                ElementsAre("/config/force-to-port slot answer lockout unless_state_only added keep",
+                            "/state/force-to-port slot answer lockout with_state added keep"));
     EXPECT_THAT(written("oc_opt_psm_cfg_th_hyst_to_high"),
-                ElementsAre("/config/primary-switch-hysteresis tenths primary"));
-    EXPECT_THAT(written("oc_opt_psm_cfg_tx_attenuation_to_high"),
-                ElementsAre("/ports/line-primary-out/config/target-attenuation tenths primary",
-                            "/ports/line-primary-out/state/target-attenuation tenths primary operational",
-                            "/ports/line-secondary-out/config/target-attenuation tenths secondary",
-                            "/ports/line-secondary-out/state/target-attenuation tenths secondary operational"));
+                ElementsAre("/config/primary-switch-hysteresis primary answer tenths always added keep"));
+    EXPECT_THAT(
+        written("oc_opt_psm_cfg_tx_attenuation_to_high"),
+        ElementsAre(
+            "/ports/line-primary-out/config/target-attenuation primary answer tenths unless_state_only added keep",
+            "/ports/line-primary-out/state/target-attenuation primary answer tenths with_state stitched keep",
+            "/ports/line-secondary-out/config/target-attenuation secondary answer tenths unless_state_only added keep",
+            "/ports/line-secondary-out/state/target-attenuation secondary answer tenths with_state stitched keep"));
     EXPECT_THAT(written("oc_opt_psm_state_rx_attenuation_to_high"),
-                ElementsAre("/ports/line-primary-in/state/attenuation hundredths primary",
-                            "/ports/line-secondary-in/state/attenuation hundredths database",
-                            "/ports/line-secondary-in/config/target-attenuation tenths database",
-                            "/ports/line-secondary-in/state/target-attenuation tenths database operational"));
+                ElementsAre("/ports/line-primary-in/state/attenuation primary answer hundredths always stitched "
+                            "keep_secondary",
+                            "/ports/line-secondary-in/state/attenuation secondary sysdb_get_psm_state_rx_attenuation "
+                            "hundredths always stitched keep_secondary",
+                            "/ports/line-secondary-in/config/target-attenuation secondary "
+                            "sysdb_get_psm_config_rx_attenuation tenths unless_state_only added keep_secondary",
+                            "/ports/line-secondary-in/state/target-attenuation secondary "
+                            "sysdb_get_psm_config_rx_attenuation tenths with_state stitched keep_secondary"));
     EXPECT_THAT(written("oc_opt_psm_state_tx_max_power_to_high"),
-                ElementsAre("/ports/line-primary-out/state/optical-power/max text primary",
-                            "/ports/line-secondary-out/state/optical-power/max text database",
-                            "/ports/common-output/state/optical-power/max text database"));
-    EXPECT_THAT(written("oc_opt_psm_state_active_path_to_high"), ElementsAre("/state/active-path port-status primary"));
+                ElementsAre("/ports/line-primary-out/state/optical-power/max primary answer units always stitched skip",
+                            "/ports/line-secondary-out/state/optical-power/max secondary "
+                            "sysdb_get_tx_pm_30sec_max_power units always stitched skip",
+                            "/ports/common-output/state/optical-power/max common "
+                            "sysdb_get_tx_pm_30sec_max_power units always stitched skip"));
+    EXPECT_THAT(written("oc_opt_psm_state_active_path_to_high"),
+                ElementsAre("/state/active-path primary answer status always stitched keep_secondary"));
     EXPECT_THAT(written("oc_opt_psm_state_th_to_high"),
-                ElementsAre("/state/primary-switch-threshold tenths primary",
-                            "/state/secondary-switch-threshold tenths secondary"));
-    EXPECT_THAT(written("oc_opt_psm_state_get_psm_key_to_high"), ElementsAre("/state/name key primary operational"));
+                ElementsAre("/state/primary-switch-threshold primary answer tenths always stitched keep",
+                            "/state/secondary-switch-threshold secondary answer tenths always stitched keep"));
+    EXPECT_THAT(written("oc_opt_psm_state_get_psm_key_to_high"),
+                ElementsAre("/state/name primary answer module with_state stitched keep_secondary"));
     EXPECT_THAT(written("oc_opt_psm_if_list_cfg_to_high"),
-                ElementsAre(" key controller", "/name key controller", "/config/name key controller"));
+                ElementsAre(" controller answer module always opened keep",
+                            "/name controller answer module without_state stitched keep",
+                            "/config/name controller answer module without_state added keep"));
 }
 
 TEST(AnswerTable, TellsUnitAndScalingOfAValue) {
@@ -323,8 +344,9 @@ TEST(AnswerTable, TellsUnitAndScalingOfAValue) {
     EXPECT_EQ(describe_answer_value("text", "milliseconds"), "milliseconds, as it stands");
     EXPECT_EQ(describe_answer_value("text", ""), "as it stands");
     EXPECT_EQ(describe_answer_value("lockout", ""), "protected: PRIMARY, working: SECONDARY, else NONE");
-    EXPECT_EQ(describe_answer_value("port-status", ""), "active: PRIMARY, else SECONDARY");
-    EXPECT_EQ(describe_answer_value("key", ""), "the module of the controller");
+    EXPECT_EQ(describe_answer_value("units", "dBm"), "1 dBm, /1");
+    EXPECT_EQ(describe_answer_value("status", ""), "active: PRIMARY, else SECONDARY");
+    EXPECT_EQ(describe_answer_value("module", ""), "the module of the controller");
 }
 
 TEST(MappingTable, HasTheWholeOfTheSystemsNodes) {

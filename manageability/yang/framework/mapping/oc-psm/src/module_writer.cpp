@@ -10,11 +10,6 @@ LineController::LineController(const char *name) {
     }
 }
 
-bool answers_configuration(yfw_map_ctx ctx) {
-    constexpr std::uint32_t selects_leaves = 2;
-    return ctx->request->selection_mode != selects_leaves || ctx->request->leaf_selection == 0;
-}
-
 kerrno add_module_leaf(yfw_map_ctx ctx, Node *destination, const char *leaf, const char *value) {
     char path[YFW_STITCH_PATH_SIZE] = {};
     std::snprintf(path, sizeof path, YMAP_MODULE "%s", leaf);

@@ -20,18 +20,6 @@ kerrno convert_to_high(const Function &function, yfw_map_ctx ctx, const Node *so
     return steps();
 }
 
-// A native number in OpenConfig units.
-class ScaledValue {
-public:
-    ScaledValue(const char *native, int divisor) {
-        convert_data_to_high(native, text_, static_cast<int>(sizeof text_), divisor);
-    }
-    const char *text() const { return text_; }
-
-private:
-    char text_[value_size] = {};
-};
-
 // A line controller's name, taken apart; -1 where it does not scan.
 struct LineController {
     int slot = -1;
@@ -39,9 +27,6 @@ struct LineController {
 
     explicit LineController(const char *name);
 };
-
-// Configuration leaves are left out of an answer to a read that names state leaves only.
-bool answers_configuration(yfw_map_ctx ctx);
 
 // Adds a leaf of the current module; `leaf` is its path below the module. The result is the framework's.
 kerrno add_module_leaf(yfw_map_ctx ctx, Node *destination, const char *leaf, const char *value);

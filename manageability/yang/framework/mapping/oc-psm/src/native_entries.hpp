@@ -15,7 +15,7 @@ namespace ymap {
 // A walker that is called from outside: for a whole answer, or for a subtree with which its model augments the entries
 // of another model's list. The texts are literals.
 struct NativeEntry {
-    std::string_view names;  // the model's part of the exported names, see native_model
+    std::string_view module; // YANG module
     std::string_view walker; // exported name
     std::string_view tag;    // of the node that the walker is called with
     std::string_view list;   // schema path of the list that is augmented; empty: the node is the top of an answer
@@ -25,7 +25,7 @@ namespace native_entry {
 
 // A node table's row as far as it tells an entry.
 struct Row {
-    std::string_view names;
+    std::string_view module;
     std::string_view suffix;
     std::string_view parent;
     std::string_view walker;
@@ -35,7 +35,12 @@ struct Row {
 
 inline constexpr Row rows[] = {
 #define YMAP_ENTRY_ROW(suffix, parent, tag, list)                                                                      \
-    {YMAP_STRING(YMAP_NATIVE_MODULE), #suffix, parent, YMAP_STRING(YMAP_NATIVE_WALKER(suffix)), tag, list},
+    {native_model(YMAP_STRING(YMAP_NATIVE_MODULE)).module,                                                             \
+     #suffix,                                                                                                          \
+     parent,                                                                                                           \
+     YMAP_STRING(YMAP_NATIVE_WALKER(suffix)),                                                                          \
+     tag,                                                                                                              \
+     list},
 #define YMAP_AUGMENT(suffix, list) YMAP_ENTRY_ROW(suffix, "", "", list)
 #define YMAP_CONTAINER(suffix, parent, tag) YMAP_ENTRY_ROW(suffix, #parent, tag, "")
 #define YMAP_LIST(suffix, parent, tag, callback, keys, path) YMAP_ENTRY_ROW(suffix, #parent, tag, "")
@@ -49,13 +54,13 @@ template <typename Visit>
 constexpr void for_each(Visit visit) {
     for (const Row &row : rows) {
         if (row.parent == "none") {
-            visit(NativeEntry{row.names, row.walker, row.tag, {}});
+            visit(NativeEntry{row.module, row.walker, row.tag, {}});
         }
     }
     for (const Row &augment : rows) {
         for (const Row &row : rows) {
-            if (!augment.list.empty() && row.names == augment.names && row.parent == augment.suffix) {
-                visit(NativeEntry{row.names, augment.walker, row.tag, augment.list});
+            if (!augment.list.empty() && row.module == augment.module && row.parent == augment.suffix) {
+                visit(NativeEntry{row.module, augment.walker, row.tag, augment.list});
             }
         }
     }

@@ -1,8 +1,6 @@
 #include "native_lists.hpp"
 
 #include "native_models.hpp"
-#include "node_callbacks.hpp"
-#include "to_high.hpp"
 #include "utility.hpp"
 
 namespace ymap::native_list {
@@ -60,10 +58,6 @@ kerrno optics_port_history(const Function &function, yfw_map_ctx ctx, const Node
     }
     const Controller controller(ctx, YMAP_HISTORY);
     return controller.primary ? open_module(ctx, controller, destination) : YMAP_ERR_SKIP;
-}
-
-kerrno interface_configuration(const Function &function, yfw_map_ctx ctx, const Node *source, Node *destination) {
-    return list_callback(function, oc_opt_psm_if_list_cfg_to_high, ctx, source, destination);
 }
 
 } // namespace ymap::native_list

@@ -2,7 +2,7 @@
 #ifndef OC_PSM_NATIVE_LISTS_HPP
 #define OC_PSM_NATIVE_LISTS_HPP
 
-#include "walk.hpp"
+#include "node_callbacks.hpp"
 
 namespace ymap::native_list {
 
@@ -16,8 +16,17 @@ kerrno ots_port(const Function &function, yfw_map_ctx ctx, const Node *source, N
 // The history of a line controller: opens the module of a primary port, skips every other.
 kerrno optics_port_history(const Function &function, yfw_map_ctx ctx, const Node *source, Node *destination);
 
-// The interface entry of a controller.
-kerrno interface_configuration(const Function &function, yfw_map_ctx ctx, const Node *source, Node *destination);
+using ListCallback = kerrno(const Function &, yfw_map_ctx, const Node *, Node *);
+
+// What a node table names for a list: one of the above, or a conversion, to which the entry is handed.
+inline kerrno run(ListCallback &callback, const Function &function, yfw_map_ctx ctx, const Node *source,
+                  Node *destination) {
+    return callback(function, ctx, source, destination);
+}
+inline kerrno run(Callback &conversion, const Function &function, yfw_map_ctx ctx, const Node *source,
+                  Node *destination) {
+    return list_callback(function, conversion, ctx, source, destination);
+}
 
 } // namespace ymap::native_list
 

@@ -18,7 +18,7 @@
 #define YMAP_NATIVE_FILE_JOIN(stem, ending) YMAP_NATIVE_FILE_OF(stem, ending)
 #define YMAP_NATIVE_FILE(ending) YMAP_NATIVE_FILE_JOIN(YMAP_NATIVE_STEM, ending)
 
-// A leaf callback that is written by hand.
-#define YMAP_MAN_LEAF(suffix) YMAP_NATIVE_NAME(YMAP_NATIVE_MODULE, man_leaf_##suffix)
+// A leaf callback that is written by hand, in front of a conversion.
+#define YMAP_MAN_LEAF(suffix, conversion) YMAP_NATIVE_NAME(YMAP_NATIVE_MODULE, man_leaf_##suffix)
 
 #endif

@@ -3,34 +3,39 @@
 #include <cstdio>
 #include <cstring>
 
-#include "module_writer.hpp"
+#include "answer_rows.hpp"
 #include "to_high.hpp"
 
 namespace {
 
 using namespace ymap;
 
-#define YMAP_IFMGR_FUNCTION(name)                                                                                      \
-    static constexpr Function function {                                                                               \
-        YMAP_STRING(name), YMAP_CALLBACK_PROTOTYPE(name), YMAP_SOURCE("ymap_oc_opt_psm_vexlo_orbit_ifmgr_cfg_man")     \
-    }
+#define YMAP_IFMGR_MAN "ymap_oc_opt_psm_vexlo_orbit_ifmgr_cfg_man"
 
 constexpr std::size_t text_size = 200;
 
-// Stitches the key of a module, which makes the module.
-void write_module_key(const Function &function, yfw_map_ctx ctx, Node *destination, const char *module) {
-    trace_module(function, ctx, module);
-    stitch_module_leaf(ctx, destination, module, "/name", module);
+// A module is made by its key: the leaf that is stitched says so in the trace.
+kerrno write(const AnswerRow &row, AnswerLeaves leaves, yfw_map_ctx ctx, Node *destination, const char *module,
+             kerrno result) {
+    for (const AnswerLeaf &leaf : leaves) {
+        if (!is_answered(ctx, leaf.kinds)) {
+            continue;
+        }
+        if (leaf.manner == Manner::stitched) {
+            trace_module(row.function, ctx, module);
+        }
+        result = write_leaf(leaf, ctx, destination, module, module, result);
+    }
+    return result;
 }
 
-kerrno name_to_high(const Function &function, yfw_map_ctx ctx, const Node *source, Node *destination) {
+kerrno name_to_high(const AnswerRow &row, yfw_map_ctx ctx, const Node *source, Node *destination) {
     char module[text_size] = {};
     const char *name = value_of(*source);
     if (check_controller_name_ots_is_good(ctx, name, module) == 1) {
-        write_module_key(function, ctx, destination, module);
-        return answers_configuration(ctx) ? add_module_leaf(ctx, destination, "/config/name", module) : KERR_SUCCESS;
+        return write(row, row.leaves, ctx, destination, module, KERR_SUCCESS);
     }
-    return check_controller_name_ots_is_good_by_port(ctx, name, module, 2) == 1 ? KERR_SUCCESS : YMAP_ERR_SKIP;
+    return answer_for_others(row.others, ctx, name, KERR_SUCCESS);
 }
 
 // True when the answer holds the primary controller of the slot that a secondary controller belongs to.
@@ -69,7 +74,8 @@ bool is_another_requested(yfw_map_ctx ctx, const char *module) {
     return requested[0] != '\0' && std::strcmp(requested, module) != 0;
 }
 
-kerrno list_to_high(const Function &function, yfw_map_ctx ctx, const Node *source, Node *destination) {
+// The first row opens the module, the others tell its key.
+kerrno list_to_high(const AnswerRow &row, yfw_map_ctx ctx, const Node *source, Node *destination) {
     char module[text_size] = {};
     if (ctx->request->hierarchy_length >= 2 && !makes_module(ctx, module)) {
         return KERR_SUCCESS;
@@ -77,37 +83,40 @@ kerrno list_to_high(const Function &function, yfw_map_ctx ctx, const Node *sourc
     if (is_another_requested(ctx, module)) {
         return YMAP_ERR_SKIP;
     }
-    kerrno result = yfw_map_datatree_add_path_flagged(ctx, destination, YMAP_MODULE, openconfig, nullptr,
-                                                      is_delete(source) ? source : nullptr, nullptr, 1, 0);
-    if (operation_kind(ctx) == YFW_KIND_GET_CONFIG) {
-        write_module_key(function, ctx, destination, module);
-        result = add_module_leaf(ctx, destination, "/config/name", module);
-    }
-    return result;
+    const kerrno opened = yfw_map_datatree_add_path_flagged(ctx, destination, YMAP_MODULE, openconfig, nullptr,
+                                                            is_delete(source) ? source : nullptr, nullptr, 1, 0);
+    return write(row, row.leaves.subspan(1), ctx, destination, module, opened);
+}
+
+kerrno interface_entry(const AnswerRow &row, yfw_map_ctx ctx, const Node *source, Node *destination) {
+    return convert_to_high(row.function, ctx, source, destination,
+                           [&] { return end(row.function, ctx, list_to_high(row, ctx, source, destination)); });
+}
+
+kerrno interface_name(const AnswerRow &row, yfw_map_ctx ctx, const Node *source, Node *destination) {
+    start(row.function, ctx);
+    return convert_to_high(row.function, ctx, source, destination,
+                           [&] { return end(row.function, ctx, name_to_high(row, ctx, source, destination)); });
 }
 
 } // namespace
 
 extern "C" {
 
-kerrno oc_opt_psm_if_list_cfg_to_high(yfw_map_ctx ctx, const Node *source, Node *destination) {
-    YMAP_IFMGR_FUNCTION(oc_opt_psm_if_list_cfg_to_high);
-    return convert_to_high(function, ctx, source, destination,
-                           [&] { return end(function, ctx, list_to_high(function, ctx, source, destination)); });
-}
-
-kerrno interface_psm_key_to_high(yfw_map_ctx ctx, const Node *source, Node *destination) {
-    YMAP_IFMGR_FUNCTION(interface_psm_key_to_high);
-    start(function, ctx);
-    return convert_to_high(function, ctx, source, destination,
-                           [&] { return end(function, ctx, name_to_high(function, ctx, source, destination)); });
-}
+#define YMAP_TO_HIGH(conversion, steps, ...)                                                                           \
+    kerrno conversion(yfw_map_ctx ctx, const Node *source, Node *destination) {                                        \
+        YMAP_ANSWER_ROW(YMAP_IFMGR_MAN, conversion, __VA_ARGS__);                                                      \
+        return steps(row, ctx, source, destination);                                                                   \
+    }
+#include "ymap_oc_opt_psm_vexlo_orbit_ifmgr_cfg_man.def"
+#undef YMAP_TO_HIGH
 
 #define YMAP_INTERFACE_NAME_LEAF                                                                                       \
     ymap_n2o_oc_opt_psm_vexloorbitifmgrcfg_man_leaf_lvla_interfaceconfigurations_interfaceconfiguration_interfacename
 
 kerrno YMAP_INTERFACE_NAME_LEAF(yfw_map_ctx ctx, const Node *source, Node *destination) {
-    YMAP_IFMGR_FUNCTION(YMAP_INTERFACE_NAME_LEAF);
+    static constexpr Function function{YMAP_STRING(YMAP_INTERFACE_NAME_LEAF),
+                                       YMAP_CALLBACK_PROTOTYPE(YMAP_INTERFACE_NAME_LEAF), YMAP_SOURCE(YMAP_IFMGR_MAN)};
     if (source == nullptr || destination == nullptr) {
         return refuse_arguments(function, ctx);
     }

@@ -6,8 +6,8 @@ using namespace ymap;
 
 extern "C" {
 
-#define YMAP_PORT_TO_HIGH(...) YMAP_DEFINE_PORT_TO_HIGH("ymap_oc_opt_psm_vexlo_orbit_pmengine_oper_man", __VA_ARGS__)
+#define YMAP_TO_HIGH(...) YMAP_DEFINE_TO_HIGH("ymap_oc_opt_psm_vexlo_orbit_pmengine_oper_man", __VA_ARGS__)
 #include "ymap_oc_opt_psm_vexlo_orbit_pmengine_oper_man.def"
-#undef YMAP_PORT_TO_HIGH
+#undef YMAP_TO_HIGH
 
 } // extern "C"
