@@ -67,6 +67,10 @@ std::vector<AnswerRow> make_answer_rows() {
     return rows;
 }
 
+std::string exported_name(const NativeRow &row, std::string_view kind) {
+    return std::string("ymap_n2o_oc_opt_psm_").append(row.module).append("_").append(kind).append(row.suffix);
+}
+
 } // namespace
 
 std::span<const NativeRow> native_rows() {
@@ -91,21 +95,16 @@ std::string native_path(std::span<const NativeRow> rows, const NativeRow &row) {
     return path.append("/").append(row.tag);
 }
 
+std::string callback_name(const NativeRow &row) {
+    return exported_name(row, row.kind == NativeKind::leaf   ? "leaf_"
+                              : row.kind == NativeKind::list ? "list_"
+                                                             : "cont_");
+}
+
 std::vector<std::string> exported_names(const NativeRow &row) {
-    const auto name = [&](std::string_view kind, std::string_view ending) {
-        return std::string("ymap_n2o_oc_opt_psm_")
-            .append(row.module)
-            .append("_")
-            .append(kind)
-            .append(row.suffix)
-            .append(ending);
-    };
-    std::vector<std::string> names = {name("", ""), name("", "_parse_augments")};
+    std::vector<std::string> names = {exported_name(row, ""), exported_name(row, "") + "_parse_augments"};
     if (row.kind != NativeKind::augment) {
-        names.push_back(name(row.kind == NativeKind::leaf   ? "leaf_"
-                             : row.kind == NativeKind::list ? "list_"
-                                                            : "cont_",
-                             ""));
+        names.push_back(callback_name(row));
     }
     if (!row.conversion.empty()) {
         names.emplace_back(row.conversion);

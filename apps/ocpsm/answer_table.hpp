@@ -45,6 +45,9 @@ std::string native_path(std::span<const NativeRow> rows, const NativeRow &row);
 // The names that a plug-in must export for a row: walker, augment hook, node callback, conversion.
 std::vector<std::string> exported_names(const NativeRow &row);
 
+// The exported name of a row's node callback; the row is no augment entry.
+std::string callback_name(const NativeRow &row);
+
 // How a native value becomes the OpenConfig one, given the units of the OpenConfig leaf (may be empty), e.g.
 // "0.1 dBm, /10".
 std::string describe_answer_value(std::string_view value, std::string_view units);

@@ -48,6 +48,7 @@ struct CoverageResult {
     size_t unsupported = 0; // nodes that it does not know
     size_t native = 0;      // native nodes that have a walker
     size_t callbacks = 0;   // names that were looked up in the plug-in
+    size_t runs = 0;        // of conversions, see check_conversions
     std::vector<Finding> findings;
 };
 
