@@ -84,8 +84,8 @@ std::optional<Culprit> find_culprit(const kidl_yfw_datatree &node, const std::st
     if (known != nullptr && test(node, models::describe(*known))) {
         return Culprit{&node, instance};
     }
-    for (const kidl_yfw_datatree *child : children_of(node)) {
-        if (auto culprit = find_culprit(*child, here, instance, test)) {
+    for (const kidl_yfw_datatree &child : children_of(node)) {
+        if (auto culprit = find_culprit(child, here, instance, test)) {
             return culprit;
         }
     }

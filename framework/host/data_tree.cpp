@@ -57,8 +57,8 @@ kidl_yfw_datatree DataTree::copy(const kidl_yfw_datatree &node) {
     if (!visible.empty()) {
         Block children;
         children.reserve(visible.size());
-        for (const kidl_yfw_datatree *child : visible) {
-            children.push_back(copy(*child));
+        for (const kidl_yfw_datatree &child : visible) {
+            children.push_back(copy(child));
         }
         Block &block = blocks_.emplace_back(std::move(children));
         made.children = block.data();
@@ -80,20 +80,17 @@ kidl_yfw_datatree &DataTree::add_child(kidl_yfw_datatree &parent, const RequestN
     return block->back();
 }
 
-std::vector<const kidl_yfw_datatree *> children_of(const kidl_yfw_datatree &node) {
-    std::vector<const kidl_yfw_datatree *> children;
-    if (node.children != nullptr) {
-        for (int32_t i = 0; i < node.child_count; ++i) {
-            children.push_back(node.children + i);
-        }
+std::span<const kidl_yfw_datatree> children_of(const kidl_yfw_datatree &node) {
+    if (node.children == nullptr || node.child_count <= 0) {
+        return {};
     }
-    return children;
+    return {node.children, static_cast<std::size_t>(node.child_count)};
 }
 
 const kidl_yfw_datatree *find_child(const kidl_yfw_datatree &node, std::string_view tag) {
-    for (const kidl_yfw_datatree *child : children_of(node)) {
-        if (child->tag != nullptr && child->tag == tag) {
-            return child;
+    for (const kidl_yfw_datatree &child : children_of(node)) {
+        if (child.tag != nullptr && child.tag == tag) {
+            return &child;
         }
     }
     return nullptr;
@@ -125,8 +122,8 @@ void print_below(const kidl_yfw_datatree &node, std::size_t depth, std::vector<s
         line.append(" operation ").append(std::to_string(node.operation));
     }
     lines.push_back(std::move(line));
-    for (const kidl_yfw_datatree *child : children_of(node)) {
-        print_below(*child, depth + 1, lines);
+    for (const kidl_yfw_datatree &child : children_of(node)) {
+        print_below(child, depth + 1, lines);
     }
 }
 

@@ -6,6 +6,7 @@
 #include <deque>
 #include <list>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -51,8 +52,8 @@ private:
     std::list<Block> blocks_; // each a child array; the first holds the root
 };
 
-// The children of a node that are not hidden; empty where the count is not above zero.
-std::vector<const kidl_yfw_datatree *> children_of(const kidl_yfw_datatree &node);
+// The children of a node that are not hidden; empty where the count is not above zero. A view of the node's own array.
+std::span<const kidl_yfw_datatree> children_of(const kidl_yfw_datatree &node);
 
 // The first child with this tag, or null.
 const kidl_yfw_datatree *find_child(const kidl_yfw_datatree &node, std::string_view tag);

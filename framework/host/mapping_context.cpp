@@ -185,10 +185,10 @@ std::string MappingContext::walked_path() const {
 }
 
 kidl_yfw_datatree &MappingContext::add_below(kidl_yfw_datatree &parent, const RequestNode &leaf) {
-    for (const kidl_yfw_datatree *child : children_of(parent)) {
-        if (child->tag != nullptr && child->tag == leaf.tag && child->namespace_uri != nullptr &&
-            child->namespace_uri == leaf.namespace_uri && value_of(*child) == leaf.value) {
-            return *(parent.children + (child - parent.children));
+    for (const kidl_yfw_datatree &child : children_of(parent)) {
+        if (child.tag != nullptr && child.tag == leaf.tag && child.namespace_uri != nullptr &&
+            child.namespace_uri == leaf.namespace_uri && value_of(child) == leaf.value) {
+            return parent.children[&child - parent.children];
         }
     }
     return tree_.add_child(parent, leaf);

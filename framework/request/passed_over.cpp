@@ -24,10 +24,10 @@ void look(const kidl_yfw_datatree &node, const std::string &schema_path, const s
         return;
     }
     bool only_keys = true;
-    for (const kidl_yfw_datatree *child : children) {
-        if ((child->flags & YFW_NODE_KEY_CONSUMED) == 0) {
+    for (const kidl_yfw_datatree &child : children) {
+        if ((child.flags & YFW_NODE_KEY_CONSUMED) == 0) {
             only_keys = false;
-            look(*child, here, instance, selections);
+            look(child, here, instance, selections);
         }
     }
     if (only_keys) {
