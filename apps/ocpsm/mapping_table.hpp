@@ -8,9 +8,11 @@
 #include <string_view>
 #include <vector>
 
+#include "framework/models/models.hpp"
+
 namespace ocpsm {
 
-enum class NodeKind { container, list, leaf };
+using models::NodeKind;
 
 // One node that the plug-in knows. An empty `conversion` in a leaf: the plug-in refuses it.
 struct NodeRow {

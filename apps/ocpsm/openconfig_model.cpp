@@ -11,21 +11,10 @@ namespace {
 
 namespace models = ocpsm::models;
 
-NodeKind kind_of(models::NodeKind kind) {
-    switch (kind) {
-    case models::NodeKind::container:
-        return NodeKind::container;
-    case models::NodeKind::list:
-        return NodeKind::list;
-    default:
-        return NodeKind::leaf;
-    }
-}
-
 void append(std::vector<SchemaNode> &nodes, const lysc_node &node, const std::vector<std::string_view> &parent_keys) {
     const models::NodeInfo info = models::describe(node);
     const bool is_key = std::find(parent_keys.begin(), parent_keys.end(), info.name) != parent_keys.end();
-    nodes.push_back({models::schema_path(node), kind_of(info.kind), is_key, info.config, std::string(info.units)});
+    nodes.push_back({models::schema_path(node), info.kind, is_key, info.config, std::string(info.units)});
     for (const lysc_node *child = lysc_node_child(&node); child != nullptr; child = child->next) {
         append(nodes, *child, info.keys);
     }
@@ -43,7 +32,7 @@ std::vector<SchemaNode> read_openconfig_model() {
 
 bool is_native_node(std::string_view module, std::string_view path, NodeKind kind) {
     const auto info = models::Schema::native().describe(path);
-    return info && kind_of(info->kind) == kind && info->module == module;
+    return info && info->kind == kind && info->module == module;
 }
 
 } // namespace ocpsm
