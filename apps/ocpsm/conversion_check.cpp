@@ -74,7 +74,7 @@ public:
 
     void run() {
         for (const NodeRow &row : input_.nodes) {
-            if (row.kind == NodeKind::leaf && is_there(row)) {
+            if (row.kind != NodeKind::container && is_there(row)) {
                 run_requests(row);
             }
         }
@@ -112,7 +112,8 @@ private:
                 report(path, "is refused in the mapping table but not by the plug-in");
             }
         } else if (conversion == nullptr) {
-            if (request(path, row, RequestMode::read, "0/1-PSM-OM").additions.empty()) {
+            const std::string_view name = row.kind == NodeKind::leaf ? "0/1-PSM-OM" : "";
+            if (request(path, row, RequestMode::read, name).additions.empty()) {
                 report(path, "is converted by " + std::string(row.conversion) + ", which adds nothing to a read");
             }
         } else {

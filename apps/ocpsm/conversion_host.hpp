@@ -63,7 +63,8 @@ public:
     ConversionHost &operator=(const ConversionHost &) = delete;
     virtual ~ConversionHost() = default;
 
-    // Hands over a request that names the OpenConfig leaf with this schema path, and gives what this conversion adds.
+    // Hands over a request that names the OpenConfig leaf or entry with this schema path, and gives what this
+    // conversion adds.
     virtual RequestRun request(const std::string &leaf, std::string_view conversion, RequestMode mode,
                                const std::string &value) = 0;
 

@@ -43,7 +43,7 @@ std::optional<std::string> plain_value(const Node &node, const std::string &want
     path = extended(path, "/");
     for (const Node &child : node.children) {
         std::string child_path = path;
-        if (const auto found = plain_value(child, wanted, child_path)) {
+        if (auto found = plain_value(child, wanted, child_path)) {
             return found;
         }
     }

@@ -263,6 +263,7 @@ TEST(AnswerTable, HasEveryNodeWithAWalker) {
 // Tops of answers first; a subtree's walker with the list that it adds to.
 TEST(NativeEntries, AreTheWalkersThatTheFrameworkCalls) {
     std::vector<std::string> entries;
+    entries.reserve(ymap::native_entries.size());
     for (const ymap::NativeEntry &entry : ymap::native_entries) {
         entries.push_back(std::string(entry.list).append("/").append(entry.tag).append(" ").append(entry.walker));
     }

@@ -54,8 +54,8 @@ inline constexpr Reader *answer = nullptr;
 // One node that a conversion writes.
 struct AnswerLeaf {
     const char *path; // below the module
+    Reader *reader;   // of the system database
     Source source;
-    Reader *reader; // of the system database
     Value value;
     Kinds kinds;
     Manner manner;
@@ -111,7 +111,7 @@ kerrno write_leaf(const AnswerLeaf &leaf, yfw_map_ctx ctx, Node *destination, co
 
 // A row of a conversion's table.
 #define YMAP_WRITES(path, source, reader, value, kinds, manner)                                                        \
-    {path, ymap::Source::source, reader, ymap::Value::value, ymap::Kinds::kinds, ymap::Manner::manner},
+    {path, reader, ymap::Source::source, ymap::Value::value, ymap::Kinds::kinds, ymap::Manner::manner},
 
 // Defines the row of a conversion in the scope of its function; `file` is the including source file, as assertions name
 // it.
