@@ -43,7 +43,8 @@ bool is_allowed_kind(const kidl_yfw_datatree &was, const kidl_yfw_datatree &is, 
 
 } // namespace
 
-Checker::Checker(const Platform &platform, yfw_map_ctx ctx) : platform_(platform), ctx_(ctx), before_(take()) {}
+Checker::Checker(const Platform &platform, yfw_map_ctx ctx, Tolerance tolerance)
+    : platform_(platform), ctx_(ctx), tolerance_(tolerance), before_(take()) {}
 
 std::vector<std::string> Checker::differences() const {
     std::vector<std::string> found;
@@ -62,7 +63,7 @@ std::vector<std::string> Checker::differences() const {
     compare("delete_walk", was.delete_walk, is.delete_walk, found);
     compare("replace_flags", was.replace_flags, is.replace_flags, found);
     compare("replace_marker", was.replace_marker, is.replace_marker, found);
-    if (!is_read()) {
+    if (!is_read() || tolerance_ != Tolerance::walk) {
         compare("read_selection", was.read_selection, is.read_selection, found);
     }
     compare("selection_mode", was.selection_mode, is.selection_mode, found);
@@ -79,7 +80,28 @@ std::vector<std::string> Checker::differences() const {
     compare("trace_enabled", before_.context.trace_enabled, now.context.trace_enabled, found);
     compare("output_count", before_.context.output_count, now.context.output_count, found);
     compare("output", before_.context.output, now.context.output, found);
+    if (tolerance_ != Tolerance::walk) {
+        compare_unlooked(now, found);
+    }
     return found;
+}
+
+// What a walk may change: the dump's mark, the operation of the entry, the name of a refused node.
+void Checker::compare_unlooked(const Picture &now, std::vector<std::string> &found) const {
+    compare("list_operation", before_.context.list_operation, now.context.list_operation, found);
+    compare("data_printed", before_.context.data_printed, now.context.data_printed, found);
+    compare("operation_kind", before_.kind, now.kind, found);
+    compare("root_node", before_.context.root_node, now.context.root_node, found);
+    compare("parent_node", before_.context.parent_node, now.context.parent_node, found);
+    compare("pending_list", before_.context.pending_list, now.context.pending_list, found);
+    compare("xpath_count", before_.context.xpath_count, now.context.xpath_count, found);
+    compare("xpaths", before_.context.xpaths, now.context.xpaths, found);
+    compare("error_log", before_.context.error_log, now.context.error_log, found);
+    compare("trace_log", before_.context.trace_log, now.context.trace_log, found);
+    compare("trace_buffer", before_.context.trace_buffer, now.context.trace_buffer, found);
+    if (before_.error_node != now.error_node) {
+        found.push_back("error node " + before_.error_node + " -> " + now.error_node);
+    }
 }
 
 Checker::Picture Checker::take() const {
@@ -99,8 +121,14 @@ Checker::Picture Checker::take() const {
     for (const Platform::StackEntry &entry : platform_.itree_stack) {
         picture.itree.push_back(platform_.array_name_of(entry.children) + " " + std::to_string(entry.count));
     }
-    picture.request = *ctx_->request;
     picture.context = *ctx_;
+    if (ctx_->request != nullptr) {
+        picture.request = *ctx_->request;
+        picture.kind = ctx_->request->registration->operation_kind;
+        if (ctx_->request->error_node_name != nullptr) {
+            picture.error_node = ctx_->request->error_node_name;
+        }
+    }
     return picture;
 }
 
@@ -155,12 +183,14 @@ void Checker::compare_node(const std::string &path, const NodeState &was, const 
     if ((now.flags & ~allowed) != (old.flags & ~allowed) || (old.flags & allowed & ~now.flags) != 0) {
         compare(path + ": flags", old.flags, now.flags, found);
     }
-    if (!is_allowed_kind(old, now, was.is_entry)) {
+    const bool kind_may_change = tolerance_ == Tolerance::walk && is_allowed_kind(old, now, was.is_entry);
+    if (!kind_may_change && (old.hierarchy_kind != now.hierarchy_kind || old.second_flags != now.second_flags)) {
         found.push_back(path + ": hierarchy kind " + std::to_string(old.hierarchy_kind) + " -> " +
                         std::to_string(now.hierarchy_kind) + ", second flags " + std::to_string(old.second_flags) +
                         " -> " + std::to_string(now.second_flags));
     }
-    if (now.consumed_mark != old.consumed_mark && !(was.is_key && now.consumed_mark == 1)) {
+    const bool mark_may_come = tolerance_ == Tolerance::walk ? was.is_key : tolerance_ == Tolerance::keys;
+    if (now.consumed_mark != old.consumed_mark && !(mark_may_come && now.consumed_mark == 1)) {
         compare(path + ": consumed mark", static_cast<int>(old.consumed_mark), static_cast<int>(now.consumed_mark),
                 found);
     }
@@ -172,6 +202,9 @@ void Checker::compare_node(const std::string &path, const NodeState &was, const 
 
 // Flags that the walk may have set; none may have gone.
 std::uint32_t Checker::allowed_flags(const NodeState &was) const {
+    if (tolerance_ != Tolerance::walk) {
+        return tolerance_ == Tolerance::keys ? YFW_NODE_KEY_CONSUMED : 0;
+    }
     std::uint32_t allowed = was.is_key ? YFW_NODE_KEY_CONSUMED : 0;
     if (was.content.operation == YFW_OPERATION_REPLACE) {
         allowed |= YFW_NODE_OPERATION_REWRITTEN;
@@ -195,6 +228,9 @@ bool Checker::got_its_key(const NodeState &was, const NodeState &is) const {
 }
 
 bool Checker::is_read() const {
+    if (tolerance_ != Tolerance::walk) {
+        return false;
+    }
     const std::uint32_t kind = ctx_->request->registration->operation_kind;
     return kind == YFW_KIND_GET_CONFIG || kind == YFW_KIND_GET;
 }

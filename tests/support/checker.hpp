@@ -24,7 +24,13 @@ namespace fake {
 // The framework's copy of the current list entry is its own and not looked at.
 class Checker {
 public:
-    explicit Checker(const Platform &platform, yfw_map_ctx ctx);
+    enum class Tolerance {
+        walk,   // as above
+        keys,   // of the above, mark 1 and flag 512, on any leaf
+        nothing // not even those; the last three of the list are looked at too
+    };
+
+    explicit Checker(const Platform &platform, yfw_map_ctx ctx, Tolerance tolerance = Tolerance::walk);
 
     // Everything else that is not as it was, one line each: "aps/aps-modules: operation 1 -> 4".
     [[nodiscard]] std::vector<std::string> differences() const;
@@ -44,6 +50,8 @@ private:
         std::vector<std::string> itree;
         yfw_map_request request{};
         yfw_map_context context{};
+        std::uint32_t kind = 0;
+        std::string error_node = "none"; // the text: the name may be released and its address used again
     };
 
     [[nodiscard]] Picture take() const;
@@ -54,9 +62,11 @@ private:
     [[nodiscard]] std::uint32_t allowed_flags(const NodeState &was) const;
     [[nodiscard]] bool got_its_key(const NodeState &was, const NodeState &is) const;
     [[nodiscard]] bool is_read() const;
+    void compare_unlooked(const Picture &now, std::vector<std::string> &found) const;
 
     const Platform &platform_;
     yfw_map_ctx ctx_;
+    Tolerance tolerance_;
     Picture before_;
 };
 

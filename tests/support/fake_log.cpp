@@ -97,6 +97,9 @@ fake::TraceRecord parsed_trace(const std::string &whole) {
         Platform::current().fault("a trace line of another form: " + whole);
         return record;
     }
+    if (record.line == 0) {
+        Platform::current().fault("a trace line without the number of its line: " + whole);
+    }
     record.level = level.data();
     record.function = function.data();
     record.text = whole.substr(static_cast<std::size_t>(used));

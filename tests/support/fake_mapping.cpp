@@ -44,6 +44,20 @@ void show_hierarchy(yfw_map_ctx ctx) {
         platform.hierarchy.empty() ? nullptr : const_cast<kidl_yfw_datatree *>(platform.hierarchy.back().node);
 }
 
+// The value of a leaf of the innermost entry that has it.
+const char *key_in_hierarchy(std::string_view key) {
+    const auto &levels = Platform::current().hierarchy;
+    for (auto level = levels.rbegin(); level != levels.rend(); ++level) {
+        for (std::int32_t i = 0; level->kind == 2 && i < level->node->child_count; ++i) {
+            const kidl_yfw_datatree &child = level->node->children[i];
+            if (child.value != nullptr && child.tag == key) {
+                return child.value;
+            }
+        }
+    }
+    return nullptr;
+}
+
 int bounded(char *dest, std::size_t size, std::size_t used, std::string_view source) {
     if (size == 0) {
         return 1;
@@ -194,11 +208,13 @@ kerrno yfw_map_get_node_info(yfw_map_ctx ctx, const char *list_path, const char 
     if (scripted.value_or(0) != 0) {
         return *scripted;
     }
-    const auto found = platform.node_info.find(key_name);
-    if (found != platform.node_info.end() && found->second) {
+    if (platform.node_info_from_hierarchy) {
+        *text = key_in_hierarchy(key_name);
+    } else if (const auto found = platform.node_info.find(key_name);
+               found != platform.node_info.end() && found->second) {
         *text = found->second->c_str();
     }
-    return KERR_SUCCESS;
+    return platform.node_info_result;
 }
 
 kerrno yfw_map_search_or_add_list(yfw_map_ctx ctx, kidl_yfw_datatree *destination, yfw_map_module_list *list,

@@ -43,6 +43,12 @@ std::string namespace_name(const char *uri) {
     return found == namespaces.end() ? quoted(uri) : found->name;
 }
 
+std::string namespace_of(const std::string &name) {
+    const auto *const found =
+        std::find_if(namespaces.begin(), namespaces.end(), [&](const ShortName &entry) { return entry.name == name; });
+    return found == namespaces.end() ? name : found->uri;
+}
+
 std::string hex(std::uint32_t number) {
     std::array<char, 11> text{};
     std::snprintf(text.data(), text.size(), "0x%08x", number);
@@ -159,7 +165,10 @@ std::vector<std::string> Platform::heap() const {
 }
 
 std::optional<std::uint32_t> Platform::record(Group group, const std::string &operation, const std::string &arguments) {
-    const std::string line = operation + "(" + arguments + ")";
+    std::string line = operation + "(" + arguments + ")";
+    if (annotation && (operation == "add" || group == fake::Callbacks)) {
+        line += annotation();
+    }
     lines_.push_back({group, line});
     const std::size_t number = ++counts_[operation];
     std::vector<Hook> due; // a hook may install another

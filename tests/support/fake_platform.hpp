@@ -163,6 +163,17 @@ public:
     void before(std::string operation, std::function<void(const std::string &line)> hook, std::string containing = "");
     bool relative_add_gives_node = true;
     std::map<std::string, std::optional<std::string>> node_info; // key name -> text of yfw_map_get_node_info
+    kerrno node_info_result = KERR_SUCCESS;                      // returned although a text is given
+    bool node_info_from_hierarchy = false; // the texts are those of the innermost entry, as the framework's are
+    // What is appended to the line of an add or of one of the plug-in's own callbacks.
+    std::function<std::string()> annotation;
+    // What the plug-in's own callbacks do when the plug-in calls them (callbacks.cpp).
+    enum class Callbacks {
+        unseen,   // run, and no line is recorded
+        recorded, // run
+        scripted, // those of leaves and lists return what is scripted, else zero; the others run
+    };
+    Callbacks callbacks = Callbacks::unseen;
 
     // ---- database ----
     bool client_library_present = true;
@@ -262,6 +273,7 @@ private:
 // Text of arguments, as the lines show them.
 [[nodiscard]] std::string quoted(const char *text);
 [[nodiscard]] std::string namespace_name(const char *uri);
+[[nodiscard]] std::string namespace_of(const std::string &name); // the other way; another text is itself
 [[nodiscard]] std::string hex(std::uint32_t number);
 
 } // namespace fake

@@ -51,27 +51,31 @@ void Request::set_list_entry(const Node &entry) {
     state.list_node = list_entry_->root();
 }
 
-RequestTest::RequestTest() : destination_(container("dest")) {
+Stage::Stage() : destination_(container("dest")) {
     dest = destination_.root();
     platform.attach(destination_);
     platform.name(request.ctx(), "ctx");
 }
 
-void RequestTest::TearDown() {
-    EXPECT_EQ(platform.faults(), std::vector<std::string>{});
-    std::vector<std::string> heap = platform.heap();
-    if (request.state.error_node_name != nullptr) {
-        EXPECT_EQ(heap.size(), 1u) << "more than the error-node name outlived the call";
-    } else {
-        EXPECT_EQ(heap, std::vector<std::string>{});
+std::vector<std::string> Stage::complaints() const {
+    std::vector<std::string> all = platform.faults();
+    const std::vector<std::string> heap = platform.heap();
+    if (heap.size() != (request.state.error_node_name == nullptr ? 0u : 1u)) {
+        all.emplace_back("more than the error-node name outlived the call");
     }
-    EXPECT_EQ(platform.tokens_outstanding(), 0u) << "tokens were not released";
-    EXPECT_EQ(platform.handles_outstanding(), 0u) << "a database handle was not released";
-    EXPECT_EQ(platform.lists_outstanding(), 0u) << "a database listing was not released";
-    EXPECT_EQ(platform.decoders_outstanding(), 0u) << "a bag decoder was not released";
+    const auto count = [&](std::size_t number, const char *what) {
+        if (number != 0) {
+            all.push_back(std::to_string(number) + what);
+        }
+    };
+    count(platform.tokens_outstanding(), " tokens were not released");
+    count(platform.handles_outstanding(), " database handles were not released");
+    count(platform.lists_outstanding(), " database listings were not released");
+    count(platform.decoders_outstanding(), " bag decoders were not released");
+    return all;
 }
 
-Tree &RequestTest::build(const Node &description, const std::string &name) {
+Tree &Stage::build(const Node &description, const std::string &name) {
     trees_.push_back(std::make_unique<Tree>(description));
     if (!name.empty()) {
         trees_.back()->rename(name);
@@ -80,7 +84,7 @@ Tree &RequestTest::build(const Node &description, const std::string &name) {
     return *trees_.back();
 }
 
-void RequestTest::drop_trees() {
+void Stage::drop_trees() {
     for (const auto &tree : trees_) {
         platform.detach(*tree);
     }

@@ -44,18 +44,17 @@ private:
     std::unique_ptr<Tree> list_entry_;
 };
 
-// A fixture with a platform, a request (get-config unless set otherwise), a destination named "dest", and trees.
-// At the end of every test it asserts that no platform contract was broken and that nothing outlived the calls but the
-// error-node name.
-class RequestTest : public ::testing::Test {
-protected:
-    RequestTest();
-    void TearDown() override;
+// A platform, a request (get-config unless set otherwise), a destination named "dest", and trees.
+class Stage {
+public:
+    Stage();
 
     // Builds a tree and attaches it; its nodes print as their paths. With a name the root prints as that.
     Tree &build(const Node &description, const std::string &name = "");
     // Releases all trees that were built so far, for tests that run through many.
     void drop_trees();
+    // Breaches of the platform's contracts, and what outlived the calls but for the error-node name; one line each.
+    [[nodiscard]] std::vector<std::string> complaints() const;
 
     Platform platform;
     Request request;
@@ -64,6 +63,12 @@ protected:
 private:
     std::vector<std::unique_ptr<Tree>> trees_;
     Tree destination_;
+};
+
+// A fixture on a stage. At the end of every test it asserts that there is no complaint.
+class RequestTest : public ::testing::Test, protected Stage {
+protected:
+    void TearDown() override { EXPECT_EQ(complaints(), std::vector<std::string>{}); }
 };
 
 } // namespace fake

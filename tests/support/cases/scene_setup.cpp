@@ -1,0 +1,523 @@
+// The steps of a scene that set up the request, the trees and the platform, and those that look at them.
+#include <algorithm>
+
+#include "scene.hpp"
+
+namespace cases {
+namespace {
+
+void demand(bool good, const Line &line, const char *form) {
+    if (!good) {
+        throw Malformed(line, std::string("expected: ") + form);
+    }
+}
+
+std::uint32_t code(const Line &line, const std::string &word) {
+    return static_cast<std::uint32_t>(number(line, word));
+}
+
+std::string text_of(const Line &line, const std::string &word) {
+    const std::optional<std::string> text = meant(line, word);
+    demand(text.has_value(), line, "a text, not null");
+    return *text;
+}
+
+// "answer OPERATION [nth N] [of TEXT] = RESULT" and "when OPERATION [nth N] [of TEXT]"
+struct Rule {
+    std::string operation;
+    std::size_t nth = 0;
+    std::string containing;
+    std::string result;
+};
+
+Rule rule_of(const Line &line, const std::vector<std::string> &all) {
+    demand(all.size() >= 2, line, "OPERATION [nth N] [of TEXT] [= RESULT]");
+    Rule rule{all[1], 0, "", ""};
+    for (std::size_t i = 2; i < all.size(); i += 2) {
+        demand(i + 1 < all.size(), line, "OPERATION [nth N] [of TEXT] [= RESULT]");
+        if (all[i] == "nth") {
+            rule.nth = static_cast<std::size_t>(number(line, all[i + 1]));
+        } else if (all[i] == "of") {
+            rule.containing = text_of(line, all[i + 1]);
+        } else {
+            demand(all[i] == "=", line, "OPERATION [nth N] [of TEXT] [= RESULT]");
+            rule.result = all[i + 1];
+        }
+    }
+    return rule;
+}
+
+fake::Token token_of(const Line &line) {
+    static const std::map<std::string, bag_token_type_td> marks{{"struct", BAG_TOKEN_STRUCT_START},
+                                                                {"end-struct", BAG_TOKEN_STRUCT_END},
+                                                                {"array", BAG_TOKEN_ARRAY_START},
+                                                                {"end-array", BAG_TOKEN_ARRAY_END},
+                                                                {"end", BAG_TOKEN_END}};
+    static const std::map<std::string, bag_token_type_td> numbers{
+        {"int8", BAG_TOKEN_INT8},     {"uint8", BAG_TOKEN_UINT8},   {"int16", BAG_TOKEN_INT16},
+        {"uint16", BAG_TOKEN_UINT16}, {"int32", BAG_TOKEN_INT32},   {"uint32", BAG_TOKEN_UINT32},
+        {"int64", BAG_TOKEN_INT64},   {"uint64", BAG_TOKEN_UINT64}, {"ipv4", BAG_TOKEN_IPV4},
+        {"enum", BAG_TOKEN_ENUM},     {"bool", BAG_TOKEN_BOOL}};
+    const std::vector<std::string> all = words(line, line.text);
+    if (const auto mark = marks.find(all[0]); mark != marks.end() && all.size() <= 2) {
+        return fake::mark_token(mark->second, all.size() == 2 ? meant(line, all[1]) : std::nullopt);
+    }
+    demand(all.size() == 3, line, "a token: TYPE NAME VALUE, struct NAME, end-struct, ...");
+    if (all[0] == "text") {
+        return fake::text_token(text_of(line, all[1]), meant(line, all[2]));
+    }
+    if (all[0] == "text2") {
+        return fake::second_text_token(text_of(line, all[1]), meant(line, all[2]));
+    }
+    const auto type = numbers.find(all[0]);
+    demand(type != numbers.end(), line, "a token type");
+    return fake::number_token(type->second, text_of(line, all[1]), number(line, all[2]));
+}
+
+fake::Bag bag_of(const Line &head) {
+    fake::Bag bag;
+    const std::vector<std::string> named = words(head, head.text);
+    if (named.size() == 2) {
+        bag.type_name = named[1];
+    }
+    for (const Line &line : head.block) {
+        const std::vector<std::string> all = words(line, line.text);
+        if (all[0] == "header-result") {
+            bag.header_result = code(line, all.at(1));
+        } else if (all[0] == "init-result") {
+            bag.init_result = code(line, all.at(1));
+        } else if (all[0] == "token-result") {
+            bag.token_results[static_cast<std::size_t>(number(line, all.at(1)))] = code(line, all.at(2));
+        } else {
+            bag.tokens.push_back(token_of(line));
+        }
+    }
+    return bag;
+}
+
+} // namespace
+
+const std::map<std::string, Scene::Step> &Scene::steps() {
+    static const std::map<std::string, Step> all{{"kind", &Scene::kind},
+                                                 {"selection", &Scene::selection},
+                                                 {"channels", &Scene::channels},
+                                                 {"error-node", &Scene::error_node},
+                                                 {"namespace", &Scene::name_space},
+                                                 {"tree", &Scene::tree},
+                                                 {"list-entry", &Scene::list_entry},
+                                                 {"root", &Scene::root},
+                                                 {"node-info", &Scene::node_info},
+                                                 {"answer", &Scene::answer},
+                                                 {"numbered-adds", &Scene::numbered_adds},
+                                                 {"item", &Scene::item},
+                                                 {"no-item", &Scene::no_item},
+                                                 {"listing", &Scene::listing},
+                                                 {"database", &Scene::database},
+                                                 {"hierarchy", &Scene::hierarchy},
+                                                 {"request", &Scene::record},
+                                                 {"context", &Scene::record},
+                                                 {"push", &Scene::push},
+                                                 {"callbacks", &Scene::callbacks},
+                                                 {"when", &Scene::when},
+                                                 {"watch", &Scene::watch},
+                                                 {"node", &Scene::node},
+                                                 {"modules", &Scene::modules},
+                                                 {"relative-adds", &Scene::relative_adds},
+                                                 {"look", &Scene::look},
+                                                 {"hide", &Scene::hide},
+                                                 {"mute", &Scene::mute},
+                                                 {"hear", &Scene::hear},
+                                                 {"tolerate", &Scene::tolerate},
+                                                 {"call", &Scene::call},
+                                                 {"dies", &Scene::dies},
+                                                 {"on-every-channel", &Scene::on_every_channel},
+                                                 {"formats", &Scene::formats},
+                                                 {"left", &Scene::left},
+                                                 {"count", &Scene::count},
+                                                 {"heap", &Scene::heap},
+                                                 {"stack", &Scene::stack}};
+    return all;
+}
+
+// ---- the request ----
+
+void Scene::kind(const Line &line, const Words &all) {
+    demand(all.size() == 2, line, "kind NUMBER");
+    stage_.request.set_kind(code(line, all[1]));
+}
+
+void Scene::selection(const Line &line, const Words &all) {
+    demand(all.size() == 3, line, "selection MODE BITS");
+    stage_.request.state.selection_mode = code(line, all[1]);
+    stage_.request.state.leaf_selection = code(line, all[2]);
+}
+
+void Scene::channels(const Line &line, const Words &all) {
+    demand(all.size() == 2, line, "channels both|log|trace|none");
+    stage_.request.set_channels(all[1] == "both" || all[1] == "log", all[1] == "both" || all[1] == "trace");
+}
+
+void Scene::error_node(const Line &line, const Words &all) {
+    if (all.size() == 3 && all[1] == "is") {
+        compare(line, "the error node", {text_of(line, all[2])}, {stage_.request.error_node()});
+        return;
+    }
+    demand(all.size() == 2, line, "error-node NAME, or error-node is NAME");
+    stage_.request.set_error_node(text_of(line, all[1]).c_str());
+}
+
+// A member of the request or of the context that is a number of 32 bits.
+std::uint32_t *Scene::member(const Line &line, const std::string &record, const std::string &name) {
+    yfw_map_request &state = stage_.request.state;
+    yfw_map_context &context = stage_.request.context;
+    const std::map<std::string, std::uint32_t *> members{{"request whole_subtree_walk", &state.whole_subtree_walk},
+                                                         {"request delete_walk", &state.delete_walk},
+                                                         {"request replace_marker", &state.replace_marker},
+                                                         {"request read_selection", &state.read_selection},
+                                                         {"request xpath_error", &state.xpath_error},
+                                                         {"request output_depth", &state.output_depth},
+                                                         {"request hierarchy_length", &state.hierarchy_length},
+                                                         {"context list_operation", &context.list_operation},
+                                                         {"context data_printed", &context.data_printed}};
+    const auto found = members.find(record + " " + name);
+    demand(found != members.end(), line, "a member of request or context");
+    return found->second;
+}
+
+void Scene::record(const Line &line, const Words &all) {
+    if (all.size() == 2 && all[0] == "context" && all[1] == "without-request") {
+        stage_.request.context.request = nullptr;
+    } else if (all.size() == 4 && all[1] == "replace_flags") {
+        compare(line, all[1], {all[3]}, {std::to_string(stage_.request.state.replace_flags)});
+    } else if (all.size() == 3 && all[1] == "replace_flags") {
+        stage_.request.state.replace_flags = static_cast<std::uint8_t>(number(line, all[2]));
+    } else if (all.size() == 4 && all[2] == "is") {
+        compare(line, all[1], {std::to_string(code(line, all[3]))}, {std::to_string(*member(line, all[0], all[1]))});
+    } else {
+        demand(all.size() == 3, line, "request|context MEMBER [is] NUMBER");
+        *member(line, all[0], all[1]) = code(line, all[2]);
+    }
+}
+
+// ---- trees ----
+
+void Scene::name_space(const Line &line, const Words &all) {
+    demand(all.size() == 2, line, "namespace NAME|URI");
+    namespace_ = fake::namespace_of(text_of(line, all[1]));
+}
+
+// TAG [= VALUE] [op N] [ns NAME|URI|null] [flags N] [without N] [count N] [untagged]
+fake::Node Scene::described(const Line &line) const {
+    const Words all = words(line, line.text);
+    fake::Node node = fake::leaf(text_of(line, all[0]));
+    if (namespace_) {
+        node.namespace_uri = namespace_;
+    }
+    for (std::size_t i = 1; i < all.size(); i += 2) {
+        if (all[i] == "untagged") {
+            node.tag.reset();
+            --i;
+            continue;
+        }
+        demand(i + 1 < all.size(), line, "TAG [= VALUE] [op N] [ns NAME] [flags N] [without N] [count N] [untagged]");
+        const std::string &word = all[i + 1];
+        if (all[i] == "=") {
+            node.value = meant(line, word);
+        } else if (all[i] == "op") {
+            node.operation = code(line, word);
+        } else if (all[i] == "ns") {
+            const std::optional<std::string> uri = meant(line, word);
+            node.namespace_uri = uri == "foreign" ? std::string(fake::foreign) : uri;
+            if (uri && uri != "foreign") {
+                node.namespace_uri = fake::namespace_of(*uri);
+            }
+        } else if (all[i] == "flags") {
+            node.flags |= code(line, word);
+        } else if (all[i] == "without") {
+            node.cleared_flags |= code(line, word);
+        } else {
+            demand(all[i] == "count", line, "= op ns flags without count untagged");
+            node = node.without_array(static_cast<std::int32_t>(number(line, word)));
+        }
+    }
+    for (const Line &below : line.block) {
+        node.children.push_back(described(below));
+        node.with_children = true;
+    }
+    return node;
+}
+
+void Scene::tree(const Line &line, const Words &all) {
+    demand(all.size() == 2 && line.block.size() == 1, line, "tree NAME, with its root below");
+    fake::Tree &tree = stage_.build(described(line.block.front()), all[1]);
+    if (const auto old = trees_.find(all[1]); old != trees_.end()) {
+        stage_.platform.detach(*old->second);
+    }
+    trees_[all[1]] = &tree;
+}
+
+void Scene::list_entry(const Line &line, const Words &all) {
+    if (all.size() == 2 && all[1] == "null") {
+        stage_.request.state.list_node = nullptr;
+        return;
+    }
+    demand(all.size() == 1 && line.block.size() == 1, line, "list-entry null, or list-entry with its root below");
+    stage_.request.set_list_entry(described(line.block.front()));
+}
+
+void Scene::root(const Line &line, const Words &all) {
+    demand(all.size() == 3 && (all[1] == "request" || all[1] == "answer"), line, "root request|answer TREE");
+    kidl_yfw_datatree *const node = node_at(line, all[2]);
+    (all[1] == "request" ? stage_.request.state.request_root : stage_.request.state.answer_root) = node;
+}
+
+void Scene::node(const Line &line, const Words &all) {
+    demand(all.size() >= 4, line, "node PATH [is] MEMBER NUMBER...");
+    kidl_yfw_datatree &node = *node_at(line, all[1]);
+    const bool asked = all[2] == "is";
+    const std::map<std::string, std::uint32_t *> members{{"operation", &node.operation},
+                                                         {"flags", &node.flags},
+                                                         {"second_flags", &node.second_flags},
+                                                         {"hierarchy_kind", &node.hierarchy_kind}};
+    for (std::size_t i = asked ? 3 : 2; i + 1 < all.size(); i += 2) {
+        const auto found = members.find(all[i]);
+        std::string actual;
+        if (found != members.end()) {
+            actual = std::to_string(*found->second);
+        } else if (all[i] == "consumed_mark") {
+            actual = std::to_string(node.consumed_mark);
+        } else {
+            demand(all[i] == "child_count", line, "a member of a node");
+            actual = std::to_string(node.child_count);
+        }
+        if (asked) {
+            compare(line, all[1] + " " + all[i], {std::to_string(code(line, all[i + 1]))}, {actual});
+        } else {
+            demand(found != members.end(), line, "a member that can be set");
+            *found->second = code(line, all[i + 1]);
+        }
+    }
+}
+
+void Scene::hierarchy(const Line &line, const Words &all) {
+    if (all.size() >= 2 && all[1] == "is") {
+        std::vector<std::string> actual;
+        for (const yfw_map_hierarchy_level &level : stage_.platform.hierarchy) {
+            actual.push_back(stage_.platform.name_of(level.node) + " " + std::to_string(level.kind));
+        }
+        std::vector<std::string> expected;
+        for (const Line &below : line.block) {
+            expected.push_back(below.text);
+        }
+        compare(line, "the hierarchy", expected, actual);
+        return;
+    }
+    demand(all.size() == 3, line, "hierarchy NODE KIND, or hierarchy is");
+    yfw_map_add_to_node_hierarchy(stage_.request.ctx(), node_at(line, all[1]), code(line, all[2]));
+}
+
+void Scene::push(const Line &line, const Words &all) {
+    demand(all.size() == 3, line, "push NODE|null COUNT");
+    kidl_yfw_datatree *const node = node_at(line, all[1]);
+    stage_.platform.itree_stack.push_back(
+        {node == nullptr ? nullptr : node->children, static_cast<std::int32_t>(number(line, all[2]))});
+}
+
+void Scene::stack(const Line &line, const Words &all) {
+    demand(all.size() == 3 && all[1] == "is", line, "stack is NUMBER");
+    compare(line, "the height of the instance-tree stack", {all[2]},
+            {std::to_string(stage_.platform.itree_stack.size())});
+}
+
+void Scene::modules(const Line & /*line*/, const Words & /*all*/) {
+    static int list = 0; // opaque
+    stage_.request.state.module_list = reinterpret_cast<yfw_map_module_list *>(&list);
+    stage_.platform.name(&list, "modules");
+}
+
+// ---- the platform ----
+
+void Scene::node_info(const Line &line, const Words &all) {
+    if (all.size() == 2 && all[1] == "from-hierarchy") {
+        stage_.platform.node_info_from_hierarchy = true;
+    } else if (all.size() == 3 && all[1] == "result") {
+        stage_.platform.node_info_result = code(line, all[2]);
+    } else {
+        demand(all.size() == 4 && all[2] == "=", line, "node-info KEY = TEXT|null");
+        stage_.platform.node_info[all[1]] = meant(line, all[3]);
+    }
+}
+
+void Scene::answer(const Line &line, const Words &all) {
+    const Rule rule = rule_of(line, all);
+    demand(!rule.result.empty(), line, "answer OPERATION [nth N] [of TEXT] = RESULT");
+    stage_.platform.answer(rule.operation, code(line, rule.result), rule.nth, rule.containing);
+}
+
+void Scene::when(const Line &line, const Words &all) {
+    const Rule rule = rule_of(line, all);
+    demand(!line.block.empty(), line, "when OPERATION [nth N] [of TEXT], with steps below");
+    const auto calls = std::make_shared<std::size_t>(0);
+    stage_.platform.before(
+        rule.operation,
+        [this, rule, calls, &line](const std::string &) {
+            if (++*calls == rule.nth || rule.nth == 0) {
+                play_below(line);
+            }
+        },
+        rule.containing);
+}
+
+// The nth add of a call returns 0x5a000000 + n.
+void Scene::numbered_adds(const Line &line, const Words &all) {
+    demand(all.size() == 1, line, "numbered-adds");
+    for (std::uint32_t nth = 1; nth <= 60; ++nth) {
+        stage_.platform.answer("add", 0x5a000000 + nth, nth);
+    }
+}
+
+void Scene::relative_adds(const Line &line, const Words &all) {
+    demand(all.size() == 3 && all[1] == "give" && all[2] == "null", line, "relative-adds give null");
+    stage_.platform.relative_add_gives_node = false;
+}
+
+void Scene::callbacks(const Line &line, const Words &all) {
+    using Mode = fake::Platform::Callbacks;
+    demand(all.size() == 2, line, "callbacks unseen|recorded|scripted");
+    demand(all[1] == "unseen" || all[1] == "recorded" || all[1] == "scripted", line, "unseen|recorded|scripted");
+    stage_.platform.callbacks = all[1] == "unseen"     ? Mode::unseen
+                                : all[1] == "recorded" ? Mode::recorded
+                                                       : Mode::scripted;
+}
+
+// Every add and every callback says what this node and, if wanted, the request are at that time.
+void Scene::watch(const Line &line, const Words &all) {
+    demand(all.size() == 2 || (all.size() == 3 && all[2] == "request"), line, "watch NODE [request]");
+    const kidl_yfw_datatree *const node = node_at(line, all[1]);
+    const yfw_map_request *const state = all.size() == 3 ? &stage_.request.state : nullptr;
+    stage_.platform.annotation = [node, state] {
+        std::string text = " | op " + std::to_string(node->operation);
+        text += (node->flags & YFW_NODE_OPERATION_REWRITTEN) != 0 ? " rewritten" : "";
+        if (state != nullptr) {
+            text += " children " + std::to_string(node->children == nullptr ? 0 : node->child_count);
+            text += (node->flags & YFW_NODE_CHILDREN_VALID) != 0 ? "" : " hidden";
+            text += " | whole " + std::to_string(state->whole_subtree_walk) + " delete " +
+                    std::to_string(state->delete_walk) + " replace " + std::to_string(state->replace_flags) +
+                    " marker " + std::to_string(state->replace_marker) + " selection " +
+                    fake::hex(state->read_selection);
+        }
+        return text;
+    };
+}
+
+void Scene::item(const Line &line, const Words &all) {
+    demand(all.size() == 2, line, "item PATH, with its content below");
+    fake::Item item;
+    for (const Line &below : line.block) {
+        const Words content = words(below, below.text);
+        if (content[0] == "bag") {
+            item = fake::bag_item(bag_of(below));
+        } else if (content[0] == "no-data" || content[0] == "data-on-failure") {
+            (content[0] == "no-data" ? item.no_data : item.data_on_failure) = true;
+        } else {
+            demand(content.size() == 2, below, "bag, number N, bytes TEXT, result N, length N, type N, no-data");
+            if (content[0] == "number") {
+                item = fake::integer_item(static_cast<std::int32_t>(number(below, content[1])));
+            } else if (content[0] == "bytes") {
+                item.bytes = text_of(below, content[1]);
+            } else if (content[0] == "result") {
+                item.result = code(below, content[1]);
+            } else if (content[0] == "length") {
+                item.length = code(below, content[1]);
+            } else {
+                demand(content[0] == "type", below, "bag, number N, bytes TEXT, result N, length N, type N, no-data");
+                item.updated_type = code(below, content[1]);
+            }
+        }
+    }
+    stage_.platform.items[all[1]] = item;
+}
+
+void Scene::no_item(const Line &line, const Words &all) {
+    demand(all.size() == 2, line, "no-item PATH|all");
+    if (all[1] == "all") {
+        stage_.platform.items.clear();
+    } else {
+        demand(stage_.platform.items.erase(all[1]) == 1, line, "an item that is there");
+    }
+}
+
+void Scene::listing(const Line &line, const Words &all) {
+    demand(all.size() >= 3 && all[2] == "=", line, "listing PATH = NAME...");
+    stage_.platform.listings[all[1]] = {all.begin() + 3, all.end()};
+}
+
+void Scene::database(const Line &line, const Words &all) {
+    demand(all.size() == 2, line, "database library-present|library-absent|without-handles");
+    if (all[1] == "without-handles") {
+        stage_.platform.bind_gives_handle = false;
+    } else {
+        demand(all[1] == "library-absent" || all[1] == "library-present", line, "library-present|library-absent");
+        stage_.platform.client_library_present = all[1] == "library-present";
+    }
+}
+
+// ---- what is looked at ----
+
+void Scene::look(const Line &line, const Words &all) {
+    static const std::map<std::string, unsigned> groups{{"output", fake::Output},
+                                                        {"walk", fake::Walk},
+                                                        {"questions", fake::Questions},
+                                                        {"heap", fake::Heap},
+                                                        {"texts", fake::Texts},
+                                                        {"messages", fake::Channels},
+                                                        {"filter", fake::Filter},
+                                                        {"database", fake::Database},
+                                                        {"bags", fake::Bags},
+                                                        {"callbacks", fake::Callbacks},
+                                                        {"nothing", 0}};
+    view_.groups = 0;
+    for (std::size_t i = 1; i < all.size(); ++i) {
+        const auto group = groups.find(all[i]);
+        demand(group != groups.end(), line, "look GROUP...");
+        view_.groups |= group->second;
+    }
+}
+
+void Scene::hide(const Line &line, const Words &all) {
+    for (std::size_t i = 1; i < all.size(); ++i) {
+        view_.hidden.push_back(text_of(line, all[i]));
+    }
+}
+
+void Scene::mute(const Line & /*line*/, const Words &all) {
+    view_.muted.insert(view_.muted.end(), all.begin() + 1, all.end());
+}
+
+void Scene::hear(const Line & /*line*/, const Words &all) {
+    view_.heard.insert(view_.heard.end(), all.begin() + 1, all.end());
+}
+
+void Scene::tolerate(const Line &line, const Words &all) {
+    using Tolerance = fake::Checker::Tolerance;
+    static const std::map<std::string, Tolerance> tolerances{
+        {"nothing", Tolerance::nothing}, {"keys", Tolerance::keys}, {"walk", Tolerance::walk}};
+    demand(all.size() == 2 && tolerances.contains(all[1]), line, "tolerate nothing|keys|walk");
+    tolerance_ = tolerances.at(all[1]);
+}
+
+void Scene::count(const Line &line, const Words &all) {
+    demand(all.size() == 4 && all[2] == "is", line, "count OPERATION is NUMBER");
+    compare(line, "the number of calls of " + all[1], {all[3]}, {std::to_string(stage_.platform.count(all[1]))});
+}
+
+void Scene::heap(const Line &line, const Words &all) {
+    demand(all.size() == 2 && all[1] == "is", line, "heap is, with \"text (tag)\" below");
+    std::vector<std::string> expected;
+    for (const Line &below : line.block) {
+        expected.push_back(below.text);
+    }
+    compare(line, "the heap", expected, stage_.platform.heap());
+}
+
+} // namespace cases
