@@ -292,6 +292,30 @@ void Scene::on_every_channel(const Line &line, const Words & /*all*/) {
     stage_.request.set_channels(true, true);
 }
 
+// same FUNCTION OTHER: both do the same with a source that is put back in between, and both do something.
+void Scene::same(const Line &line, const Words &all) {
+    settle();
+    last_call_ = &line;
+    std::vector<std::vector<std::string>> done;
+    for (std::size_t i = 1; i < all.size(); ++i) {
+        const Call call = parsed_call(line, all[i]);
+        kidl_yfw_datatree *const source = node_at(line, call.arguments.front());
+        const kidl_yfw_datatree before = *source;
+        stage_.platform.forget();
+        const kerrno result = run(line, call);
+        done.push_back(story_of(stage_.platform, view_));
+        done.back().push_back("result " + fake::hex(result));
+        if (stage_.platform.calls(fake::Everything).empty()) {
+            fail(line, all[i] + " does nothing");
+        }
+        *source = before;
+    }
+    if (done.size() != 2) {
+        throw Malformed(line, "same FUNCTION OTHER");
+    }
+    compare(line, "what " + all[1] + " does", done[1], done[0]);
+}
+
 // The formats of the last call's log lines, behind the level and the context.
 void Scene::formats(const Line &line, const Words & /*all*/) {
     std::vector<std::string> expected;

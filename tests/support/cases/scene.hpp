@@ -76,6 +76,7 @@ private:
     void call(const Line &line, const Words &all);
     void dies(const Line &line, const Words &all);
     void on_every_channel(const Line &line, const Words &all);
+    void same(const Line &line, const Words &all);
     void formats(const Line &line, const Words &all);
     void left(const Line &line, const Words &all);
     void count(const Line &line, const Words &all);

@@ -131,6 +131,7 @@ const std::map<std::string, Scene::Step> &Scene::steps() {
                                                  {"call", &Scene::call},
                                                  {"dies", &Scene::dies},
                                                  {"on-every-channel", &Scene::on_every_channel},
+                                                 {"same", &Scene::same},
                                                  {"formats", &Scene::formats},
                                                  {"left", &Scene::left},
                                                  {"count", &Scene::count},
