@@ -1,16 +1,25 @@
-// What a person sees of a line system.
+// A line system fitted with protection switch modules, for programs that want one: a device for the framework, what
+// happens to it by hand and in the course of time, and what a person sees of it.
+//
+// Failures are Error (framework/error.hpp): input for a slot, a power or a directory that there is not, refused for
+// what cannot be done; nothing has changed then. The functions may be called on any thread.
 #ifndef OCPSM_SIMULATOR_LINE_SYSTEM_HPP
 #define OCPSM_SIMULATOR_LINE_SYSTEM_HPP
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace ocpsm {
+
+class Device;
 
 // A measured column: what it is about, what it is, in which unit.
 using LineColumn = std::array<std::string_view, 3>;
@@ -41,6 +50,51 @@ struct LineTable {
     std::vector<ModuleRow> modules; // the fitted ones, in the order of their slots
 
     bool operator==(const LineTable &) const = default;
+};
+
+enum class Line { primary, secondary };
+
+// Copies are the same line system; it stays open for as long as one of them, or a device, lives.
+class SimulatedLineSystem {
+public:
+    static constexpr std::uint32_t step = 100; // in which its time passes, milliseconds
+
+    // The modules of the example come with all their settings; further slots (1 to 3) are as new. An empty list is a
+    // line system without modules.
+    static const std::vector<int> &example_slots();
+
+    // Makes a line system in a directory, itself made where it is missing, or opens the one that is there: data-missing
+    // where there is none. `stand_in` is the database client's stand-in (simulator/database/client_library.hpp); empty:
+    // where the build has put it.
+    static SimulatedLineSystem make(const std::filesystem::path &directory,
+                                    const std::vector<int> &slots = example_slots(),
+                                    const std::filesystem::path &stand_in = {});
+    static SimulatedLineSystem open(const std::filesystem::path &directory, const std::filesystem::path &stand_in = {});
+
+    // In a fresh directory below TMPDIR (else /tmp), which is removed at the end.
+    static SimulatedLineSystem temporary(const std::vector<int> &slots = example_slots(),
+                                         const std::filesystem::path &stand_in = {});
+
+    // For a service (framework/service.hpp); the database client is loaded by now.
+    std::unique_ptr<Device> device() const;
+
+    // As it stands now.
+    LineTable view() const;
+
+    // Each returns it as it stands then.
+    LineTable fit(int slot) const;
+    LineTable pull(int slot) const;
+    LineTable cut(int slot, Line line) const;
+    LineTable splice(int slot, Line line) const;
+    LineTable light(int slot, Line line, int hundredths_of_dbm) const; // from -40.00 to 30.00 dBm
+    LineTable tick(std::uint32_t milliseconds) const;                  // in steps; what is left over is a shorter one
+
+    struct Parts;
+
+private:
+    explicit SimulatedLineSystem(std::shared_ptr<const Parts> parts) : parts_(std::move(parts)) {}
+
+    std::shared_ptr<const Parts> parts_;
 };
 
 // "-12.34"

@@ -7,38 +7,16 @@
 #include "clock_lock.hpp"
 #include "line_table.hpp"
 #include "open_line_system.hpp"
-#include "simulator/line_system/line_system_device.hpp"
-#include "simulator/line_system/operations.hpp"
-#include "simulator/line_system/view.hpp"
 
 namespace ocpsm {
 namespace {
-
-namespace line_system = ocpsm::line_system;
-using line_system::LineSystem;
 
 std::string slot_of(const DeviceOptions &options) {
     return "slot " + std::to_string(options.slot);
 }
 
 std::string fibre_of(const DeviceOptions &options) {
-    return slot_of(options) + ": the " + (options.line == line_system::Path::primary ? "primary" : "secondary") +
-           " fibre";
-}
-
-// The example's modules come with their settings; a slot that is not wanted is as if none had ever been there.
-LineSystem fitted_example(const std::vector<int> &slots) {
-    LineSystem system = line_system::example();
-    for (int number = 1; number <= line_system::slot_count; ++number) {
-        const bool wanted = std::find(slots.begin(), slots.end(), number) != slots.end();
-        line_system::Slot &slot = line_system::slot(system, number);
-        if (!wanted) {
-            slot = {};
-        } else if (!slot.module) {
-            system = line_system::fit(system, number);
-        }
-    }
-    return system;
+    return slot_of(options) + ": the " + (options.line == Line::primary ? "primary" : "secondary") + " fibre";
 }
 
 std::string describe_paths(const LineTable &table) {
@@ -52,36 +30,38 @@ std::string describe_paths(const LineTable &table) {
 
 // A way to change the line system, and what it has come to in words.
 struct Action {
-    LineSystem (*apply)(const LineSystem &before, const DeviceOptions &options);
-    std::string (*describe)(const DeviceOptions &options, const LineSystem &after);
+    LineTable (*apply)(const SimulatedLineSystem &system, const DeviceOptions &options);
+    std::string (*describe)(const DeviceOptions &options, const LineTable &after);
 };
+
+std::string describe_module(const DeviceOptions &options, const LineTable &after) {
+    const auto found = std::find_if(after.modules.begin(), after.modules.end(),
+                                    [&](const ModuleRow &module) { return module.slot == options.slot; });
+    return slot_of(options) + (found == after.modules.end() ? " is empty" : " holds " + found->name);
+}
 
 // In the order of DeviceChange.
 constexpr std::array<Action, 6> actions = {{
-    {[](const LineSystem &before, const DeviceOptions &options) { return line_system::fit(before, options.slot); },
-     [](const DeviceOptions &options, const LineSystem &) {
-         return slot_of(options) + " holds " + line_system::module_name(options.slot);
-     }},
-    {[](const LineSystem &before, const DeviceOptions &options) { return line_system::pull(before, options.slot); },
-     [](const DeviceOptions &options, const LineSystem &) { return slot_of(options) + " is empty"; }},
-    {[](const LineSystem &before, const DeviceOptions &options) {
-         return line_system::cut(before, options.slot, options.line);
+    {[](const SimulatedLineSystem &system, const DeviceOptions &options) { return system.fit(options.slot); },
+     describe_module},
+    {[](const SimulatedLineSystem &system, const DeviceOptions &options) { return system.pull(options.slot); },
+     describe_module},
+    {[](const SimulatedLineSystem &system, const DeviceOptions &options) {
+         return system.cut(options.slot, options.line);
      },
-     [](const DeviceOptions &options, const LineSystem &) { return fibre_of(options) + " is cut"; }},
-    {[](const LineSystem &before, const DeviceOptions &options) {
-         return line_system::splice(before, options.slot, options.line);
+     [](const DeviceOptions &options, const LineTable &) { return fibre_of(options) + " is cut"; }},
+    {[](const SimulatedLineSystem &system, const DeviceOptions &options) {
+         return system.splice(options.slot, options.line);
      },
-     [](const DeviceOptions &options, const LineSystem &) { return fibre_of(options) + " is whole"; }},
-    {[](const LineSystem &before, const DeviceOptions &options) {
-         return line_system::light(before, options.slot, options.line, options.light);
+     [](const DeviceOptions &options, const LineTable &) { return fibre_of(options) + " is whole"; }},
+    {[](const SimulatedLineSystem &system, const DeviceOptions &options) {
+         return system.light(options.slot, options.line, options.light);
      },
-     [](const DeviceOptions &options, const LineSystem &) {
+     [](const DeviceOptions &options, const LineTable &) {
          return fibre_of(options) + " delivers " + hundredths(options.light) + " dBm";
      }},
-    {[](const LineSystem &before, const DeviceOptions &options) {
-         return line_system::tick(before, options.milliseconds);
-     },
-     [](const DeviceOptions &, const LineSystem &after) { return describe_paths(view(after)); }},
+    {[](const SimulatedLineSystem &system, const DeviceOptions &options) { return system.tick(options.milliseconds); },
+     [](const DeviceOptions &, const LineTable &after) { return describe_paths(after); }},
 }};
 
 void print_table(const LineTable &table, std::optional<Format> format, std::ostream &output) {
@@ -97,14 +77,12 @@ void print_table(const LineTable &table, std::optional<Format> format, std::ostr
 } // namespace
 
 int device_init_command(const DeviceOptions &options, std::ostream &output) {
-    const LineSystem made = fitted_example(options.slots);
-    const OpenLineSystem opened(options.state, made);
+    const LineTable table = make_line_system(options.state, options.slots).view();
     if (options.format) {
-        print_table(view(made), options.format, output);
+        print_table(table, options.format, output);
         return exit_done;
     }
     output << "made a line system in " << options.state.string() << " with ";
-    const LineTable table = view(made);
     for (const ModuleRow &module : table.modules) {
         output << (&module == &table.modules.front() ? "" : ", ") << module.name;
     }
@@ -113,22 +91,20 @@ int device_init_command(const DeviceOptions &options, std::ostream &output) {
 }
 
 int device_show_command(const DeviceOptions &options, std::ostream &output) {
-    const OpenLineSystem opened(options.state);
-    print_table(view(opened.load()), options.format, output);
+    print_table(open_line_system(options.state).view(), options.format, output);
     return exit_done;
 }
 
 int device_change_command(const DeviceOptions &options, DeviceChange change, std::ostream &output) {
     const Action &action = actions.at(static_cast<std::size_t>(change));
-    const OpenLineSystem opened(options.state);
+    const SimulatedLineSystem system = open_line_system(options.state);
     std::optional<ClockLock> lock;
     if (change == DeviceChange::tick) {
         lock.emplace(options.state);
     }
-    const LineSystem after =
-        line_system::change(opened.store(), [&](const LineSystem &before) { return action.apply(before, options); });
+    const LineTable after = action.apply(system, options);
     if (options.format) {
-        print_table(view(after), options.format, output);
+        print_table(after, options.format, output);
     } else {
         output << action.describe(options, after) << '\n';
     }

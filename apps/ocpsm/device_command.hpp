@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "commands.hpp"
-#include "simulator/line_system/protection_switch.hpp"
+#include "simulator/line_system.hpp"
 
 namespace ocpsm {
 
@@ -18,7 +18,7 @@ struct DeviceOptions {
     std::optional<Format> format;    // prints the line system as it is afterwards in place of a line or a table
     std::vector<int> slots = {1, 3}; // to begin with
     int slot = 0;
-    ocpsm::line_system::Path line = ocpsm::line_system::Path::primary;
+    Line line = Line::primary;
     int light = 0; // hundredths of a dBm
     std::uint32_t milliseconds = 0;
 };

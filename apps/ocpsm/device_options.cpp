@@ -49,7 +49,7 @@ DeviceOptions DeviceLine::finished() const {
     DeviceOptions finished = options;
     finished.state = state_directory(state, process_environment);
     finished.format = format_named(format);
-    finished.line = line == "secondary" ? ocpsm::line_system::Path::secondary : ocpsm::line_system::Path::primary;
+    finished.line = line == "secondary" ? Line::secondary : Line::primary;
     finished.light = parse_hundredths(light).value_or(0);
     return finished;
 }

@@ -7,9 +7,6 @@
 #include "commands.hpp"
 #include "framework/error.hpp"
 #include "open_line_system.hpp"
-#include "simulator/line_system/line_system_device.hpp"
-#include "simulator/line_system/operations.hpp"
-#include "simulator/line_system/view.hpp"
 #include "stop_signals.hpp"
 #include "terminal.hpp"
 #include "watch_screen.hpp"
@@ -17,17 +14,16 @@
 namespace ocpsm {
 namespace {
 
-namespace line_system = ocpsm::line_system;
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::milliseconds step{line_system::tick_step};
+constexpr std::chrono::milliseconds step{SimulatedLineSystem::step};
 
 class Watch {
 public:
-    Watch(const OpenLineSystem &opened, const std::filesystem::path &state, const StopSignals &signals)
-        : opened_(opened), state_(state), signals_(signals) {
+    Watch(const SimulatedLineSystem &system, const std::filesystem::path &state, const StopSignals &signals)
+        : system_(system), state_(state), signals_(signals) {
         lock_.emplace(state_);
-        screen_.update(view(opened_.load()));
+        screen_.update(system_.view());
     }
 
     // Until the user or a signal ends it.
@@ -89,12 +85,9 @@ private:
             screen_.note("no module is fitted");
             return;
         }
-        const auto line = chosen->line == 0 ? line_system::Path::primary : line_system::Path::secondary;
-        const auto change = key == Key::cut ? line_system::cut : line_system::splice;
+        const Line line = chosen->line == 0 ? Line::primary : Line::secondary;
         try {
-            screen_.update(view(line_system::change(opened_.store(), [&](const line_system::LineSystem &before) {
-                return change(before, chosen->slot, line);
-            })));
+            screen_.update(key == Key::cut ? system_.cut(chosen->slot, line) : system_.splice(chosen->slot, line));
             screen_.note({});
         } catch (const ocpsm::Error &error) {
             if (error.source != ocpsm::Error::Source::refused) {
@@ -104,13 +97,9 @@ private:
         }
     }
 
-    void pass_time() {
-        screen_.update(view(line_system::change(opened_.store(), [](const line_system::LineSystem &before) {
-            return line_system::tick(before, line_system::tick_step);
-        })));
-    }
+    void pass_time() { screen_.update(system_.tick(SimulatedLineSystem::step)); }
 
-    const OpenLineSystem &opened_;
+    const SimulatedLineSystem &system_;
     const std::filesystem::path &state_;
     std::optional<ClockLock> lock_;
     const StopSignals &signals_;
@@ -124,10 +113,10 @@ private:
 int watch_command(const std::filesystem::path &state) {
     int signal = 0;
     {
-        const OpenLineSystem opened(state);
+        const SimulatedLineSystem system = open_line_system(state);
         // Before the screen library, which leaves alone what is taken care of already.
         const StopSignals signals;
-        Watch(opened, state, signals).run();
+        Watch(system, state, signals).run();
         signal = StopSignals::received();
     }
     if (signal != 0) {

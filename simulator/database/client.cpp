@@ -3,7 +3,6 @@
 #include <cstdlib>
 #include <memory>
 #include <new>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,9 +10,8 @@
 #include "framework/host/service_codes.hpp"
 #include "simulator/bag/format.hpp"
 #include "simulator/database/item.hpp"
-#include "simulator/store/environment.hpp"
+#include "simulator/store/file_store.hpp"
 #include "simulator/store/store.hpp"
-#include "simulator/store/transaction.hpp"
 #include "sysdb_client.h"
 
 using namespace ocpsm::sysdb;
@@ -36,52 +34,6 @@ namespace {
 // What the listing of a subtree gives as its type: it has no data.
 constexpr sysdb_item_datatype_td no_data_type = 0;
 
-class LmdbStore final : public Store {
-public:
-    ~LmdbStore() override {
-        if (live_ != 0) {
-            // The process ends inside a transaction: its memory has to stay.
-            static_cast<void>(environment_.release());
-        }
-    }
-
-    void open(const std::filesystem::path &directory, Mode mode) override {
-        if (environment_) {
-            throw std::logic_error("a store is opened that is open");
-        }
-        environment_ = std::make_unique<Environment>(directory, mode);
-    }
-
-    void close() override {
-        if (live_ != 0) {
-            throw std::logic_error("a store is closed under a transaction");
-        }
-        environment_.reset();
-    }
-
-    bool is_open() const override { return environment_ != nullptr; }
-
-    std::unique_ptr<ReadTransaction> read() override { return make_read_transaction(environment(), live_); }
-
-    std::unique_ptr<WriteTransaction> write() override { return make_write_transaction(environment(), live_); }
-
-private:
-    Environment &environment() const {
-        if (!environment_) {
-            throw std::logic_error("a store is used that is not open");
-        }
-        return *environment_;
-    }
-
-    LiveCount live_ = 0;
-    std::unique_ptr<Environment> environment_;
-};
-
-Store &the_store() {
-    static LmdbStore store;
-    return store;
-}
-
 // No exception may reach a caller in C.
 template <class Operation>
 kerrno guarded(Operation operation) {
@@ -100,11 +52,8 @@ kerrno with_transaction(Operation operation) {
     if (const ReadTransaction *current = youngest_transaction()) {
         return operation(*current);
     }
-    if (!the_store().is_open()) {
-        return error_not_open;
-    }
-    const auto transaction = the_store().read();
-    return operation(*transaction);
+    const auto transaction = read_the_only_store();
+    return transaction ? operation(*transaction) : error_not_open;
 }
 
 std::string ending_in_slash(std::string path) {
@@ -178,8 +127,8 @@ std::vector<sysdb_names::Entry> names_below(const ReadTransaction &transaction, 
 
 } // namespace
 
-Store *sysdb_client_store() {
-    return &the_store();
+Store *sysdb_client_open(const std::filesystem::path &directory, Store::Mode mode) {
+    return open_store(directory, mode).release();
 }
 
 kerrno _sysdb_bind(sysdb_handle_td *handle, const char *bind_path, uint32_t) {
@@ -190,7 +139,7 @@ kerrno _sysdb_bind(sysdb_handle_td *handle, const char *bind_path, uint32_t) {
     if (bind_path == nullptr || *bind_path != '/') {
         return error_invalid_argument;
     }
-    if (!the_store().is_open()) {
+    if (!can_read()) {
         return error_not_open;
     }
     return guarded([&] {

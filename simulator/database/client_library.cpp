@@ -42,23 +42,21 @@ Client::Client(const std::filesystem::path &library, const std::filesystem::path
         return;
     }
     handle_ = load(library);
-    using StoreEntry = Store *();
-    auto *entry = reinterpret_cast<StoreEntry *>(operation("sysdb_client_store"));
-    if (entry == nullptr) {
+    open_ = reinterpret_cast<decltype(open_)>(operation("sysdb_client_open"));
+    if (open_ == nullptr) {
         throw Error(Error::Source::input, "operation-failed", "",
                     "the system database client " + library.string() + " gives no access to its store",
                     "install the one that belongs to this program");
     }
-    store_ = entry();
 }
 
-Store &Client::store() const {
-    if (store_ == nullptr) {
+std::unique_ptr<Store> Client::open(const std::filesystem::path &directory, Store::Mode mode) const {
+    if (open_ == nullptr) {
         throw Error(Error::Source::refused, "operation-failed", "",
                     "the system database client is not installed: " + library_.string() + " cannot be read",
                     "install it to work with a line system");
     }
-    return *store_;
+    return std::unique_ptr<Store>(open_(directory, mode));
 }
 
 void *Client::operation(const char *name) const {

@@ -3,6 +3,7 @@
 #define OCPSM_SIMULATOR_DATABASE_CLIENT_LIBRARY_HPP
 
 #include <filesystem>
+#include <memory>
 
 #include "simulator/store/store.hpp"
 
@@ -20,10 +21,10 @@ public:
     explicit Client(const std::filesystem::path &library = client_library(),
                     const std::filesystem::path &stand_in = absent_library());
 
-    bool installed() const { return store_ != nullptr; }
+    bool installed() const { return open_ != nullptr; }
 
-    // Throws ocpsm::Error when the client is not installed.
-    Store &store() const;
+    // Opens the store of a directory. Throws ocpsm::Error, when the client is not installed too.
+    std::unique_ptr<Store> open(const std::filesystem::path &directory, Store::Mode mode) const;
 
     // An operation of the loaded library by its name, or null.
     void *operation(const char *name) const;
@@ -31,7 +32,7 @@ public:
 private:
     std::filesystem::path library_;
     void *handle_;
-    Store *store_ = nullptr;
+    decltype(&sysdb_client_open) open_ = nullptr;
 };
 
 } // namespace ocpsm::sysdb

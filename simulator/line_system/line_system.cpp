@@ -104,4 +104,15 @@ LineSystem example() {
     return {.slots = {first_slot(), Slot{}, third_slot()}};
 }
 
+LineSystem example_in(std::span<const int> slots) {
+    const LineSystem complete = example();
+    LineSystem system = with_modules(slots);
+    for (const int number : fitted_slots(system)) {
+        if (slot(complete, number).module) {
+            slot(system, number) = slot(complete, number);
+        }
+    }
+    return system;
+}
+
 } // namespace ocpsm::line_system

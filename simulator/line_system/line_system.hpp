@@ -156,6 +156,10 @@ LineSystem with_modules(std::span<const int> slots);
 // The line system that comes with the simulator: modules in slots 1 and 3, with every setting.
 LineSystem example();
 
+// The example, with modules in these slots only; what is not wanted is as if none had ever been there. Throws as
+// with_modules does.
+LineSystem example_in(std::span<const int> slots);
+
 } // namespace ocpsm::line_system
 
 #endif

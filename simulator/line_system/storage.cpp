@@ -273,45 +273,25 @@ void require_marker(const sysdb::ReadTransaction &transaction) {
                     "the line system was made by another version of this program",
                     "use that version, or create a new line system");
     }
-    throw Error(Error::Source::input, "operation-failed", "", "the directory holds no line system",
+    throw Error(Error::Source::input, "data-missing", "", "the directory holds no line system",
                 "create one there first");
 }
 
-// Closes the store again unless all went well.
-class OpenScope {
-public:
-    OpenScope(sysdb::Store &store, const std::filesystem::path &directory, sysdb::Store::Mode mode) : store_(store) {
-        store.open(directory, mode);
-    }
-    OpenScope(const OpenScope &) = delete;
-    OpenScope &operator=(const OpenScope &) = delete;
-    ~OpenScope() {
-        if (!keep_) {
-            store_.close();
-        }
-    }
-    void keep() { keep_ = true; }
-
-private:
-    sysdb::Store &store_;
-    bool keep_ = false;
-};
-
 } // namespace
 
-void create(sysdb::Store &store, const std::filesystem::path &directory, const LineSystem &system) {
-    OpenScope scope(store, directory, sysdb::Store::Mode::create);
-    const auto transaction = store.write();
+std::unique_ptr<sysdb::Store> create(const sysdb::Client &client, const std::filesystem::path &directory,
+                                     const LineSystem &system) {
+    auto store = client.open(directory, sysdb::Store::Mode::create);
+    const auto transaction = store->write();
     save(*transaction, system);
     transaction->commit();
-    scope.keep();
+    return store;
 }
 
-LineSystem open(sysdb::Store &store, const std::filesystem::path &directory) {
-    OpenScope scope(store, directory, sysdb::Store::Mode::existing);
-    LineSystem system = load(*store.read());
-    scope.keep();
-    return system;
+std::unique_ptr<sysdb::Store> open(const sysdb::Client &client, const std::filesystem::path &directory) {
+    auto store = client.open(directory, sysdb::Store::Mode::existing);
+    require_marker(*store->read());
+    return store;
 }
 
 LineSystem load(const sysdb::ReadTransaction &transaction) {

@@ -28,12 +28,7 @@ TemporaryState::Directory::~Directory() {
     std::filesystem::remove_all(path, ignored);
 }
 
-TemporaryState::TemporaryState(sysdb::Store &store, const LineSystem &system) : store_(store) {
-    create(store_, directory_.path, system);
-}
-
-TemporaryState::~TemporaryState() {
-    store_.close();
-}
+TemporaryState::TemporaryState(const sysdb::Client &client, const LineSystem &system)
+    : store_(create(client, directory_.path, system)) {}
 
 } // namespace ocpsm::line_system

@@ -3,21 +3,21 @@
 #define OCPSM_SIMULATOR_LINE_SYSTEM_TEMPORARY_STATE_HPP
 
 #include <filesystem>
+#include <memory>
 
+#include "simulator/database/client_library.hpp"
 #include "simulator/line_system/line_system.hpp"
 #include "simulator/store/store.hpp"
 
 namespace ocpsm::line_system {
 
-// Keeps a line system in a fresh directory below TMPDIR (else /tmp), with the store open on it. Its end closes the
-// store and removes the directory, also when an exception is on its way; every transaction must have ended before.
+// Keeps a line system in a fresh directory below TMPDIR (else /tmp), with the store open on it. Its end removes the
+// directory, also when an exception is on its way; every write transaction must have ended before.
 class TemporaryState {
 public:
-    explicit TemporaryState(sysdb::Store &store, const LineSystem &system = example());
-    TemporaryState(const TemporaryState &) = delete;
-    TemporaryState &operator=(const TemporaryState &) = delete;
-    ~TemporaryState();
+    explicit TemporaryState(const sysdb::Client &client, const LineSystem &system = example());
 
+    sysdb::Store &store() const { return *store_; }
     const std::filesystem::path &directory() const { return directory_.path; }
 
 private:
@@ -30,7 +30,7 @@ private:
     };
 
     Directory directory_;
-    sysdb::Store &store_;
+    std::unique_ptr<sysdb::Store> store_;
 };
 
 } // namespace ocpsm::line_system

@@ -1,5 +1,8 @@
 // The store of one line system: tables of records in a directory, read and written in transactions. The client library
-// of the system database owns it, and everything else reaches it through this interface.
+// of the system database implements it, and everything else reaches it through this interface.
+//
+// The functions of a store may be called on any thread, and several stores may be open in a process, on the same
+// directory too. A transaction is used and ends on the thread that began it; it may outlive its store.
 #ifndef OCPSM_SIMULATOR_STORE_STORE_HPP
 #define OCPSM_SIMULATOR_STORE_STORE_HPP
 
@@ -13,17 +16,19 @@
 namespace ocpsm::sysdb {
 
 enum class Table {
-    items,                // the system database: full path -> item, see item.hpp
-    native_configuration, // configuration of the native models
-    native_operational,   // operational data of the native models
-    line_system,          // what the line system keeps about itself
+    items,       // the system database: full path -> item, see item.hpp
+    line_system, // what the line system keeps about itself
 };
 
-inline constexpr std::size_t table_count = 4;
-inline constexpr std::size_t max_key_size = 511; // bytes; a key has at least one
+inline constexpr std::size_t table_count = 2;
+inline constexpr std::size_t max_key_size = 511;                     // bytes; a key has at least one
+inline constexpr std::size_t max_store_size = std::size_t{64} << 20; // bytes of all keys and values together
+
+// The file in the directory that a store is kept in.
+inline constexpr char store_file[] = "line-system.store";
 
 // Sees one state of the store for as long as it lives. On the thread that made it, the direct reads of the system
-// database go through the youngest transaction that is alive. It ends on that thread.
+// database go through the youngest transaction that is alive.
 class ReadTransaction {
 public:
     ReadTransaction() = default;
@@ -43,8 +48,8 @@ public:
     virtual std::optional<std::string_view> lower_bound(Table table, std::string_view key) const = 0;
 };
 
-// Sees its own changes. Without a commit it leaves the store as it was. There is one at a time: another thread or
-// process waits for its end, a second one on the same thread is a std::logic_error.
+// Sees its own changes. Without a commit it leaves the store as it was. There is one at a time in a directory: another
+// thread or process waits for its end, a second one on the same thread is a std::logic_error.
 class WriteTransaction : public ReadTransaction {
 public:
     virtual void put(Table table, std::string_view key, std::string_view value) = 0;
@@ -59,12 +64,13 @@ public:
     virtual void commit() = 0;
 };
 
-// Failures of the directory, its files and their storage are ocpsm::Error, with one line for the user.
+// Failures of the directory, its files and their storage are ocpsm::Error, with one line for the user. Of their tags,
+// data-missing is for a directory that holds no store, resource-denied for one without room.
 class Store {
 public:
     enum class Mode {
         existing, // the directory holds a store
-        create    // the directory holds none yet; it is made when it is missing
+        create    // the directory holds none yet; it is made when it is missing, the store by the first commit
     };
 
     Store() = default;
@@ -72,23 +78,17 @@ public:
     Store &operator=(const Store &) = delete;
     virtual ~Store() = default;
 
-    // A store that is open has to be closed first (std::logic_error).
-    virtual void open(const std::filesystem::path &directory, Mode mode) = 0;
-
-    // No transaction may be alive (std::logic_error). Closing what is closed does nothing.
-    virtual void close() = 0;
-
-    virtual bool is_open() const = 0;
-
-    // The store must be open (std::logic_error).
+    // The state of the last commit, of whichever process. Waits for nobody.
     virtual std::unique_ptr<ReadTransaction> read() = 0;
     virtual std::unique_ptr<WriteTransaction> write() = 0;
 };
 
 } // namespace ocpsm::sysdb
 
-// The one store of the process, closed at first; exported by the client library beside the platform's operations. The
-// operations read from it, whoever opened it.
-extern "C" ocpsm::sysdb::Store *sysdb_client_store();
+// Opens the store of a directory, for the caller to delete; exported by the client library beside the platform's
+// operations. Those read in the youngest transaction of their thread. Without one they read in the only store that is
+// open, if there is only one.
+extern "C" ocpsm::sysdb::Store *sysdb_client_open(const std::filesystem::path &directory,
+                                                  ocpsm::sysdb::Store::Mode mode);
 
 #endif

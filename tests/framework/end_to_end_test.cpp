@@ -62,7 +62,7 @@ class EndToEnd : public testing::Test {
 protected:
     void SetUp() override {
         client_.emplace();
-        state_.emplace(client_->store());
+        state_.emplace(*client_);
     }
 
     static const Plugin &plugin() {

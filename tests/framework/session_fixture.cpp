@@ -154,8 +154,8 @@ const Plugin &SessionFixture::plugin() {
 void SessionFixture::use(const LineSystem &system) {
     TearDown();
     client_.emplace();
-    state_.emplace(client_->store(), system);
-    transaction_ = client_->store().write();
+    state_.emplace(*client_, system);
+    transaction_ = state_->store().write();
     device_.emplace(*transaction_);
 }
 

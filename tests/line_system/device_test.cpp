@@ -33,7 +33,7 @@ using ocpsm::sysdb::Table;
 class LineSystemDeviceTest : public OpenStore {
 public:
     LineSystemDeviceTest() {
-        const auto transaction = store.write();
+        const auto transaction = store->write();
         save(*transaction, example());
         transaction->commit();
     }
@@ -42,9 +42,8 @@ protected:
     // Every record, with its table.
     std::map<std::string, std::string> records() {
         std::map<std::string, std::string> all;
-        const auto snapshot = store.read();
-        for (const Table table :
-             {Table::items, Table::native_configuration, Table::native_operational, Table::line_system}) {
+        const auto snapshot = store->read();
+        for (const Table table : {Table::items, Table::line_system}) {
             snapshot->for_each(table, "", [&](std::string_view key, std::string_view value) {
                 all.emplace(std::to_string(static_cast<int>(table)) + std::string(key), value);
                 return true;
@@ -76,37 +75,37 @@ std::string answered(const char *slot, const char *milliseconds) {
 }
 
 TEST_F(LineSystemDeviceTest, AnswersFromTheSnapshotOfTheCaller) {
-    const auto snapshot = store.read();
+    const auto snapshot = store->read();
     LineSystemDevice device(*snapshot);
-    change(store, [](const LineSystem &system) { return pull(system, 1); });
+    change(*store, [](const LineSystem &system) { return pull(system, 1); });
     EXPECT_EQ(native_test::shown(device.answer(read_of_waiting("1").net())), answered("1", "10000"));
     EXPECT_THROW(device.apply(waiting("1", "7").net()), std::logic_error);
-    const auto later = store.read();
+    const auto later = store->read();
     EXPECT_EQ(native_test::shown(LineSystemDevice(*later).answer(read_of_waiting("1").net())),
               "active-nodes\n  active-node\n    node-name=|0/RP0/CPU0|\n");
 }
 
 TEST_F(LineSystemDeviceTest, EditsInTheTransactionOfTheCaller) {
     {
-        const auto transaction = store.write();
+        const auto transaction = store->write();
         LineSystemDevice device(*transaction);
         device.apply(waiting("1", "7").net());
         EXPECT_EQ(native_test::shown(device.answer(read_of_waiting("1").net())), answered("1", "7"));
         device.apply(waiting("3", "8").net());
         EXPECT_EQ(native_test::shown(device.answer(read_of_waiting("1").net())), answered("1", "7"));
     }
-    EXPECT_TRUE(load(*store.read()) == example()); // not committed
-    const auto transaction = store.write();
+    EXPECT_TRUE(load(*store->read()) == example()); // not committed
+    const auto transaction = store->write();
     LineSystemDevice(*transaction).apply(waiting("1", "7").net());
     transaction->commit();
     LineSystem expected = example();
     slot(expected, 1).settings.wait_to_restore = 7;
-    EXPECT_TRUE(load(*store.read()) == expected);
+    EXPECT_TRUE(load(*store->read()) == expected);
 }
 
 TEST_F(LineSystemDeviceTest, LeavesTheTransactionAloneWhenItRefuses) {
     const auto before = records();
-    const auto transaction = store.write();
+    const auto transaction = store->write();
     LineSystemDevice device(*transaction);
     Request request = waiting("1", "7");
     request.put(native_test::slot_path + "/slot-id", ots, "2", merge, true, 0);
@@ -154,7 +153,7 @@ private:
 // Otherwise the answer to the client would be that nothing has changed.
 TEST_F(LineSystemDeviceTest, RefusesAnEditThatTheStoreDoesNotKeep) {
     const auto refusal_when_losing = [&](const char *record) -> std::string {
-        const auto transaction = store.write();
+        const auto transaction = store->write();
         ForgetfulTransaction forgetful(*transaction, record);
         try {
             LineSystemDevice(forgetful).apply(waiting("1", "7").net());
@@ -172,7 +171,7 @@ TEST_F(LineSystemDeviceTest, RefusesAnEditThatTheStoreDoesNotKeep) {
 }
 
 TEST_F(LineSystemDeviceTest, KeepsItemsInStepWithTheLineSystem) {
-    const auto transaction = store.write();
+    const auto transaction = store->write();
     Request request = edit();
     request.put(native_test::interface_path, native_test::ifmgr, native_test::none, merge, true, 0);
     request.put(native_test::interface_path + "/interface-name", native_test::ifmgr, "Ots0/1/0/2", merge, false, 0);
@@ -187,18 +186,18 @@ TEST_F(LineSystemDeviceTest, KeepsItemsInStepWithTheLineSystem) {
 
 TEST_F(LineSystemDeviceTest, ChangesByCommandsInOneTransaction) {
     const LineSystem expected = tick(cut(example(), 1, Path::primary), 100);
-    EXPECT_TRUE(change(store, [](const LineSystem &system) { return tick(cut(system, 1, Path::primary), 100); }) ==
+    EXPECT_TRUE(change(*store, [](const LineSystem &system) { return tick(cut(system, 1, Path::primary), 100); }) ==
                 expected);
-    EXPECT_TRUE(load(*store.read()) == expected);
+    EXPECT_TRUE(load(*store->read()) == expected);
 }
 
 TEST_F(LineSystemDeviceTest, ChangesNothingWhenACommandIsRefused) {
     const auto before = records();
-    EXPECT_EQ(error_of([&] { change(store, [](const LineSystem &system) { return pull(system, 2); }); }),
+    EXPECT_EQ(error_of([&] { change(*store, [](const LineSystem &system) { return pull(system, 2); }); }),
               "refused|data-missing||slot 2 holds no module|fit one first");
     EXPECT_EQ(records(), before);
     EXPECT_THROW(
-        change(store, [](const LineSystem &) -> LineSystem { throw std::runtime_error("in the midst of it"); }),
+        change(*store, [](const LineSystem &) -> LineSystem { throw std::runtime_error("in the midst of it"); }),
         std::runtime_error);
     EXPECT_EQ(records(), before);
 }

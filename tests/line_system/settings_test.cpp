@@ -69,11 +69,11 @@ void set_one(Settings &settings, std::size_t which) {
 class EverySetting : public OpenStore {
 protected:
     void expect_kept(const LineSystem &system, const std::string &what) {
-        const auto transaction = store.write();
+        const auto transaction = store->write();
         save(*transaction, system);
         transaction->commit();
         EXPECT_FALSE(system == LineSystem{}) << what;
-        EXPECT_TRUE(load(*store.read()) == system) << what;
+        EXPECT_TRUE(load(*store->read()) == system) << what;
     }
 };
 

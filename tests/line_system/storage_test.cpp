@@ -24,33 +24,32 @@ using ocpsm::sysdb::Store;
 using ocpsm::sysdb::Table;
 using testing::ElementsAre;
 
-constexpr char no_line_system[] = "input|operation-failed||the directory holds no line system|create one there first";
+constexpr char no_line_system[] = "input|data-missing||the directory holds no line system|create one there first";
 
 class LineSystemStorage : public testing::Test {
-public:
-    ~LineSystemStorage() override { store.close(); }
-
 protected:
+    void make(const LineSystem &system) { store = create(client, state, system); }
+
     void change(std::string_view key, std::string_view value) {
-        const auto transaction = store.write();
+        const auto transaction = store->write();
         transaction->put(Table::line_system, key, value);
         transaction->commit();
     }
 
     LineSystem opened_again() {
-        store.close();
-        return ocpsm::line_system::open(store, state);
+        store = ocpsm::line_system::open(client, state);
+        return load(*store->read());
     }
 
     TemporaryDirectory directory;
     std::filesystem::path state = directory.path / "state";
-    Store &store = *sysdb_client_store();
+    const ocpsm::sysdb::Client client;
+    std::unique_ptr<Store> store;
 };
 
 TEST_F(LineSystemStorage, KeepsTheExample) {
-    create(store, state, example());
+    make(example());
     EXPECT_TRUE(opened_again() == example());
-    EXPECT_TRUE(store.is_open());
 }
 
 TEST_F(LineSystemStorage, KeepsWhatIsAbsentAndWhatIsZeroApart) {
@@ -61,31 +60,31 @@ TEST_F(LineSystemStorage, KeepsWhatIsAbsentAndWhatIsZeroApart) {
     system.slots[0].module.emplace().histories[1].received.last = Statistics{0, 0, 0};
     system.slots[1].settings.relative_threshold = 0;
     system.slots[1].module.emplace().protection.restorable_since = 0;
-    create(store, state, system);
+    make(system);
     EXPECT_TRUE(opened_again() == system);
     EXPECT_FALSE(opened_again() == LineSystem{});
 }
 
 // Every field, each with another value.
 TEST_F(LineSystemStorage, KeepsRandomSystems) {
-    create(store, state, LineSystem{});
+    make(LineSystem{});
     RandomSystems random(20240117);
     for (int round = 0; round < 200; ++round) {
         const LineSystem system = random.next();
-        auto transaction = store.write();
+        auto transaction = store->write();
         save(*transaction, system);
         transaction->commit();
-        ASSERT_TRUE(load(*store.read()) == system) << "round " << round;
+        ASSERT_TRUE(load(*store->read()) == system) << "round " << round;
     }
 }
 
 TEST_F(LineSystemStorage, KeepsAnEmptySystem) {
-    create(store, state, LineSystem{});
+    make(LineSystem{});
     EXPECT_TRUE(opened_again() == LineSystem{});
 }
 
 TEST_F(LineSystemStorage, OffersTheItemsToTheDatabaseClient) {
-    create(store, state, example());
+    make(example());
     sysdb_handle_td handle = nullptr;
     ASSERT_EQ(_sysdb_bind(&handle, "/oper/ots/if/", 0), KERR_SUCCESS);
     sysdb_item_datatype_td type = SYSDB_ITEM_BAG;
@@ -99,18 +98,14 @@ TEST_F(LineSystemStorage, OffersTheItemsToTheDatabaseClient) {
     EXPECT_EQ(_sysdb_unbind(handle), KERR_SUCCESS);
 }
 
-TEST_F(LineSystemStorage, ReplacesTheSystemAndItsItemsButNoNativeData) {
-    create(store, state, example());
+TEST_F(LineSystemStorage, ReplacesTheSystemAndItsItems) {
+    make(example());
     const LineSystem system = pull(example(), 1);
-    auto transaction = store.write();
-    transaction->put(Table::native_configuration, "a", "kept");
-    transaction->put(Table::native_operational, "b", "kept");
+    auto transaction = store->write();
     save(*transaction, system);
     transaction->commit();
-    const auto snapshot = store.read();
+    const auto snapshot = store->read();
     EXPECT_TRUE(load(*snapshot) == system);
-    EXPECT_EQ(snapshot->get(Table::native_configuration, "a"), "kept");
-    EXPECT_EQ(snapshot->get(Table::native_operational, "b"), "kept");
     std::vector<std::string> keys;
     snapshot->for_each(Table::items, "", [&](std::string_view key, std::string_view) {
         keys.emplace_back(key);
@@ -130,40 +125,36 @@ TEST_F(LineSystemStorage, ReplacesTheSystemAndItsItemsButNoNativeData) {
 }
 
 TEST_F(LineSystemStorage, IsLeftAloneByAChangeThatIsNotCommitted) {
-    create(store, state, example());
-    save(*store.write(), LineSystem{});
-    EXPECT_TRUE(load(*store.read()) == example());
+    make(example());
+    save(*store->write(), LineSystem{});
+    EXPECT_TRUE(load(*store->read()) == example());
 }
 
 TEST_F(LineSystemStorage, RefusesADirectoryWithoutALineSystem) {
-    store.open(state, Store::Mode::create);
+    client.open(state, Store::Mode::create)->write()->commit();
     EXPECT_EQ(error_of([&] { static_cast<void>(opened_again()); }), no_line_system);
-    EXPECT_FALSE(store.is_open());
 }
 
 TEST_F(LineSystemStorage, RefusesAMissingDirectory) {
     EXPECT_EQ(error_of([&] { static_cast<void>(opened_again()); }),
-              "input|operation-failed||the directory " + state.string() + " does not exist|");
-    EXPECT_FALSE(store.is_open());
+              "input|data-missing||the directory " + state.string() + " does not exist|");
 }
 
 TEST_F(LineSystemStorage, RefusesAnOlderAndANewerFormat) {
-    create(store, state, example());
+    make(example());
     for (const char *marker : {"optical line system 1", "optical line system 3", "optical line system 22"}) {
         change("format", marker);
         EXPECT_EQ(error_of([&] { static_cast<void>(opened_again()); }),
                   "input|operation-failed||the line system was made by another version of this program|use that "
                   "version, or create a new line system")
             << marker;
-        EXPECT_FALSE(store.is_open());
-        store.open(state, Store::Mode::existing);
     }
     change("format", "something else");
     EXPECT_EQ(error_of([&] { static_cast<void>(opened_again()); }), no_line_system);
 }
 
 TEST_F(LineSystemStorage, RefusesRecordsThatItCannotUnderstand) {
-    create(store, state, example());
+    make(example());
     const LineSystem system = example();
     const std::vector<std::pair<std::string, std::vector<std::string>>> damages = {
         {"clock", {"", "x", "1x", "1 ", " 1", "1 2", "-1", "+1", "18446744073709551616"}},
@@ -181,12 +172,12 @@ TEST_F(LineSystemStorage, RefusesRecordsThatItCannotUnderstand) {
     for (const auto &[record, texts] : damages) {
         for (const std::string &text : texts) {
             change(record, text);
-            EXPECT_EQ(error_of([&] { static_cast<void>(load(*store.read())); }),
+            EXPECT_EQ(error_of([&] { static_cast<void>(load(*store->read())); }),
                       "input|operation-failed||the line system is damaged: its record " + record +
                           " cannot be understood|restore the directory from a copy or create a new line system")
                 << text;
         }
-        const auto transaction = store.write();
+        const auto transaction = store->write();
         save(*transaction, system);
         transaction->commit();
     }
@@ -194,15 +185,15 @@ TEST_F(LineSystemStorage, RefusesRecordsThatItCannotUnderstand) {
 
 // No record that must be there can be missed, and none that may be missing is taken for zero.
 TEST_F(LineSystemStorage, NoticesEveryRecordThatIsMissing) {
-    create(store, state, example());
+    make(example());
     std::vector<std::string> records;
-    store.read()->for_each(Table::line_system, "", [&](std::string_view record, std::string_view) {
+    store->read()->for_each(Table::line_system, "", [&](std::string_view record, std::string_view) {
         records.emplace_back(record);
         return true;
     });
     EXPECT_GT(records.size(), 60U);
     for (const std::string &record : records) {
-        const auto transaction = store.write();
+        const auto transaction = store->write();
         ASSERT_TRUE(transaction->erase(Table::line_system, record));
         std::string seen;
         try {
@@ -215,17 +206,16 @@ TEST_F(LineSystemStorage, NoticesEveryRecordThatIsMissing) {
 }
 
 TEST_F(LineSystemStorage, RefusesAThresholdThatIsThereTwice) {
-    create(store, state, example());
+    make(example());
     change("slot/1/line/0/rx-threshold/1", "7 low");
-    EXPECT_EQ(error_of([&] { static_cast<void>(load(*store.read())); }),
+    EXPECT_EQ(error_of([&] { static_cast<void>(load(*store->read())); }),
               "input|operation-failed||the line system is damaged: its record slot/1/line/0/rx-threshold/1 cannot be "
               "understood|restore the directory from a copy or create a new line system");
 }
 
 TEST_F(LineSystemStorage, CreatesNothingWhereThereIsALineSystem) {
-    create(store, state, example());
-    store.close();
-    EXPECT_EQ(error_of([&] { create(store, state, LineSystem{}); }),
+    make(example());
+    EXPECT_EQ(error_of([&] { make(LineSystem{}); }),
               "input|operation-failed||the directory " + state.string() +
                   " already holds a line system|name another directory or remove this one");
     EXPECT_TRUE(opened_again() == example());

@@ -16,14 +16,12 @@ using ocpsm::line_system::example;
 using ocpsm::line_system::LineSystem;
 using ocpsm::line_system::load;
 using ocpsm::line_system::TemporaryState;
-using ocpsm::sysdb::Store;
 
 // TMPDIR names a directory of the test's own.
 class TemporaryStateTest : public testing::Test {
 public:
     TemporaryStateTest() { set_parent(directory.path.string()); }
     ~TemporaryStateTest() override {
-        store.close();
         if (before) {
             set_parent(*before);
         } else {
@@ -41,49 +39,46 @@ protected:
 
     std::optional<std::string> before = current_parent();
     TemporaryDirectory directory;
-    Store &store = *sysdb_client_store();
+    const ocpsm::sysdb::Client client;
 };
 
 TEST_F(TemporaryStateTest, HoldsTheExampleUntilItsEnd) {
     {
-        const TemporaryState state(store);
+        const TemporaryState state(client);
         EXPECT_EQ(state.directory().parent_path(), directory.path);
-        EXPECT_TRUE(load(*store.read()) == example());
+        EXPECT_TRUE(load(*state.store().read()) == example());
     }
-    EXPECT_FALSE(store.is_open());
     EXPECT_TRUE(std::filesystem::is_empty(directory.path));
 }
 
 TEST_F(TemporaryStateTest, HoldsAnotherLineSystem) {
-    const TemporaryState state(store, LineSystem{});
-    EXPECT_TRUE(load(*store.read()) == LineSystem{});
+    const TemporaryState state(client, LineSystem{});
+    EXPECT_TRUE(load(*state.store().read()) == LineSystem{});
 }
 
 TEST_F(TemporaryStateTest, IsRemovedWhenAnExceptionFlies) {
     try {
-        const TemporaryState state(store);
-        const auto transaction = store.write();
+        const TemporaryState state(client);
+        const auto transaction = state.store().write();
         save(*transaction, LineSystem{});
         throw std::runtime_error("on its way");
     } catch (const std::runtime_error &error) {
         EXPECT_STREQ(error.what(), "on its way");
     }
-    EXPECT_FALSE(store.is_open());
     EXPECT_TRUE(std::filesystem::is_empty(directory.path));
 }
 
 TEST_F(TemporaryStateTest, IsRemovedWhenItCannotBeMade) {
-    const TemporaryState first(store);
-    EXPECT_THROW(TemporaryState second(store), std::logic_error); // the store is open
-    EXPECT_TRUE(load(*store.read()) == example());
-    std::filesystem::remove_all(first.directory());
+    LineSystem system;
+    system.slots[0].lines[0].rx_thresholds[std::string(ocpsm::sysdb::max_store_size, 'x')] = 1;
+    EXPECT_THROW(const TemporaryState state(client, system), ocpsm::Error);
     EXPECT_TRUE(std::filesystem::is_empty(directory.path));
 }
 
 TEST_F(TemporaryStateTest, NamesAParentThatIsNotThere) {
     const std::string parent = (directory.path / "missing").string();
     set_parent(parent);
-    EXPECT_EQ(error_of([&] { const TemporaryState state(store); }),
+    EXPECT_EQ(error_of([&] { const TemporaryState state(client); }),
               "input|operation-failed||no temporary directory can be made in " + parent +
                   ": No such file or directory|set TMPDIR to a directory that can be written");
 }

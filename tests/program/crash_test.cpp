@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <map>
 #include <memory>
 #include <stdexcept>
@@ -75,11 +76,19 @@ public:
         return false;
     }
 
-    // Whether the call at whose beginning the child stands names this file.
-    bool names(const std::string &file) const {
+    // Whether the call at whose beginning the child stands names a file or directory whose name begins so.
+    bool names(const std::string &begin) const {
         __ptrace_syscall_info call{};
         ptrace(PTRACE_GET_SYSCALL_INFO, child_, sizeof call, &call);
-        return (call.entry.nr == SYS_openat || call.entry.nr == SYS_newfstatat) && text_at(call.entry.args[1]) == file;
+        switch (call.entry.nr) {
+        case SYS_openat:
+        case SYS_newfstatat:
+            return text_at(call.entry.args[1]).starts_with(begin);
+        case SYS_mkdir:
+            return text_at(call.entry.args[0]).starts_with(begin);
+        default:
+            return false;
+        }
     }
 
     void kill_now() {
@@ -126,8 +135,7 @@ protected:
     Crash() {
         std::string name = (std::filesystem::temp_directory_path() / "crash-XXXXXX").string();
         directory = mkdtemp(name.data());
-        ocpsm::line_system::create(client.store(), directory / "template", ocpsm::line_system::example());
-        client.store().close();
+        ocpsm::line_system::create(client, directory / "template", ocpsm::line_system::example());
         restore();
     }
 
@@ -148,20 +156,16 @@ protected:
     // Everything that is stored. A writer can begin, too: the one that was killed does not hold it up.
     Records records() const {
         Records all;
-        sysdb::Store &store = client.store();
-        store.open(state(), sysdb::Store::Mode::existing);
-        {
-            const auto transaction = store.write();
-            for (std::size_t table = 0; table < sysdb::table_count; ++table) {
-                transaction->for_each(static_cast<sysdb::Table>(table), "",
-                                      [&](std::string_view key, std::string_view value) {
-                                          all[std::to_string(table) + " " + std::string(key)] = value;
-                                          return true;
-                                      });
-            }
-            ocpsm::line_system::load(*transaction);
+        const auto store = ocpsm::line_system::open(client, state());
+        const auto transaction = store->write();
+        for (std::size_t table = 0; table < sysdb::table_count; ++table) {
+            transaction->for_each(static_cast<sysdb::Table>(table), "",
+                                  [&](std::string_view key, std::string_view value) {
+                                      all[std::to_string(table) + " " + std::string(key)] = value;
+                                      return true;
+                                  });
         }
-        store.close();
+        ocpsm::line_system::load(*transaction);
         return all;
     }
 
@@ -209,12 +213,11 @@ protected:
 
     // Goes on to the call with this number, from 0, counted from the first that concerns the state on.
     bool stop_at_call(TracedChild &child, int number) const {
-        const std::string file = (state() / "data.mdb").string();
         do {
             if (!child.next_call()) {
                 return false;
             }
-        } while (!child.names(file));
+        } while (!child.names(state().string()));
         for (; number > 0; --number) {
             if (!child.next_call()) {
                 return false;
@@ -234,11 +237,73 @@ TEST_F(Crash, LeavesOneSettingAsItWasOrAsItIsToBe) {
 }
 
 TEST_F(Crash, LeavesAWholeContainerAsItWasOrAsItIsToBe) {
-    EXPECT_GE(crash_everywhere({"edit", OCPSM_EXAMPLES "/replace-config.xml"}), 100);
+    EXPECT_GE(crash_everywhere({"edit", OCPSM_EXAMPLES "/replace-config.xml"}), 140);
 }
 
 TEST_F(Crash, LeavesTheLineSystemAsItWasOrAMomentLater) {
     EXPECT_GE(crash_everywhere({"device", "tick", "30000"}), 30);
 }
+
+// What is in the directory beside the line system: what its owner keeps there.
+class CrashAtTheBeginning : public Crash, public testing::WithParamInterface<bool> {
+protected:
+    std::filesystem::path owners_file() const { return state() / "notes.txt"; }
+
+    void start_over() const {
+        std::filesystem::remove_all(state());
+        if (GetParam()) {
+            std::filesystem::create_directory(state());
+            std::ofstream(owners_file()) << "mine";
+        }
+    }
+
+    void expect_owners_file() const {
+        if (GetParam()) {
+            std::string text;
+            std::ifstream(owners_file()) >> text;
+            EXPECT_EQ(text, "mine");
+        }
+    }
+
+    std::vector<std::string> names() const {
+        std::vector<std::string> found;
+        for (const auto &entry : std::filesystem::directory_iterator(state())) {
+            if (entry.path() != owners_file()) {
+                found.push_back(entry.path().filename());
+            }
+        }
+        return found;
+    }
+};
+
+// Crashes pile up on a directory without a line system. The next command that makes one is not stopped by any of them,
+// and nothing of them stays.
+TEST_P(CrashAtTheBeginning, LeavesNoLineSystemOrAWholeOne) {
+    const Records whole = records();
+    const Words init = command({"device", "init"});
+    start_over();
+    int without = 0;
+    int with = 0;
+    for (bool ended = false; !ended && !HasFailure();) {
+        TracedChild child(init);
+        ended = !stop_at_call(child, without + with);
+        child.kill_now();
+        expect_owners_file();
+        if (std::filesystem::exists(state() / sysdb::store_file)) {
+            EXPECT_EQ(records(), whole) << "killed at call " << without + with;
+            EXPECT_EQ(names(), std::vector<std::string>{sysdb::store_file});
+            start_over();
+            with += ended ? 0 : 1;
+        } else {
+            EXPECT_FALSE(ended);
+            ++without;
+        }
+    }
+    EXPECT_GT(without, 10);
+    EXPECT_GT(with, 3);
+    RecordProperty("crashes", without + with);
+}
+
+INSTANTIATE_TEST_SUITE_P(, CrashAtTheBeginning, testing::Bool());
 
 } // namespace

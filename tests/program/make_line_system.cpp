@@ -20,8 +20,7 @@ int main(int argc, char **argv) {
             system = line_system::fit(system, std::atoi(argv[index])); // NOLINT
         }
         const ocpsm::sysdb::Client client;
-        line_system::create(client.store(), argv[1], system);
-        client.store().close();
+        line_system::create(client, argv[1], system);
     } catch (const std::exception &error) {
         std::cerr << "make_line_system: " << error.what() << '\n';
         return 1;

@@ -13,16 +13,20 @@
 namespace {
 
 using ocpsm::sysdb::Client;
+using ocpsm::sysdb::Store;
 
 TEST(ClientLibrary, IsWhereTheBuildPutsIt) {
     EXPECT_EQ(ocpsm::sysdb::client_library(), TEST_CLIENT_LIBRARY);
     EXPECT_EQ(ocpsm::sysdb::absent_library(), TEST_ABSENT_LIBRARY);
 }
 
-TEST(ClientLibrary, GivesTheStoreWhenItIsInstalled) {
+TEST(ClientLibrary, OpensStoresWhenItIsInstalled) {
+    const TemporaryDirectory directory;
     const Client client(TEST_CLIENT_LIBRARY, TEST_ABSENT_LIBRARY);
     EXPECT_TRUE(client.installed());
-    EXPECT_EQ(&client.store(), sysdb_client_store());
+    const auto store = client.open(directory.path / "a", Store::Mode::create);
+    const auto other = client.open(directory.path / "b", Store::Mode::create);
+    EXPECT_NE(store->write(), other->write());
     EXPECT_EQ(client.operation("_sysdb_bind"), reinterpret_cast<void *>(&_sysdb_bind));
     EXPECT_EQ(client.operation("no_such_operation"), nullptr);
 }
@@ -32,10 +36,10 @@ TEST(ClientLibrary, IsReplacedWhenItIsNotInstalled) {
     const std::string library = (directory.path / "libsysdb_client.so").string();
     const Client client(library, TEST_ABSENT_LIBRARY);
     EXPECT_FALSE(client.installed());
-    EXPECT_EQ(error_of([&] { static_cast<void>(client.store()); }),
+    EXPECT_EQ(error_of([&] { static_cast<void>(client.open(directory.path, Store::Mode::existing)); }),
               "refused|operation-failed||the system database client is not installed: " + library +
                   " cannot be read|install it to work with a line system");
-    EXPECT_EQ(client.operation("sysdb_client_store"), nullptr);
+    EXPECT_EQ(client.operation("sysdb_client_open"), nullptr);
 }
 
 template <class Operation>

@@ -98,7 +98,7 @@ private:
 class ClientTest : public OpenStore {
 protected:
     void put(const std::vector<Item> &items) {
-        const auto transaction = store.write();
+        const auto transaction = store->write();
         for (const Item &item : items) {
             put_item(*transaction, item);
         }
@@ -146,7 +146,7 @@ TEST_F(ClientTest, FindsNoItemInASubtreeOrUnderAPathNothingCanHave) {
 }
 
 TEST_F(ClientTest, ReportsARecordThatIsNoItem) {
-    const auto transaction = store.write();
+    const auto transaction = store->write();
     transaction->put(Table::items, "/oper/a", "x");
     EXPECT_EQ(Bound("/oper/").get("a", 7), (Got{0x8081cc00U, 7, true, ""}));
 }
@@ -207,13 +207,13 @@ TEST_F(ClientTest, ListsNamesUpToTheLengthOfAKey) {
 TEST_F(ClientTest, ReadsInTheTransactionOfItsThread) {
     put({{"/oper/a", 7, "old"}});
     const Bound operational("/oper/");
-    const auto snapshot = store.read();
+    const auto snapshot = store->read();
     std::thread([&] { put({{"/oper/a", 7, "new"}, {"/oper/b", 7, "new"}}); }).join();
     EXPECT_EQ(operational.get("a", 7).data, "old");
     EXPECT_THAT(operational.list("", ""), ElementsAre(Name{"a", 7}));
     std::thread([&] { EXPECT_EQ(operational.get("a", 7).data, "new"); }).join();
     {
-        const auto edit = store.write();
+        const auto edit = store->write();
         put_item(*edit, {"/oper/a", 7, "edited"});
         EXPECT_EQ(operational.get("a", 7).data, "edited");
     }
@@ -222,14 +222,14 @@ TEST_F(ClientTest, ReadsInTheTransactionOfItsThread) {
 
 TEST_F(ClientTest, ReadsTheNewestStateBetweenTransactions) {
     const Bound operational("/oper/");
-    auto first = store.read();
-    auto second = store.read();
+    auto first = store->read();
+    auto second = store->read();
     put({{"/oper/a", 7, "new"}});
     first.reset(); // not the youngest
     EXPECT_EQ(operational.get("a", 7).code, 0x8081c800U);
     second.reset();
     EXPECT_EQ(operational.get("a", 7).data, "new");
-    const auto edit = store.write();
+    const auto edit = store->write();
     put_item(*edit, {"/oper/a", 7, "newer"});
     edit->commit();
     EXPECT_EQ(operational.get("a", 7).data, "newer");
@@ -290,7 +290,7 @@ TEST_F(ClientTest, RefusesNullArguments) {
 
 TEST_F(ClientTest, SaysThatNoDatabaseIsOpen) {
     const Bound bound("/oper/");
-    store.close();
+    store.reset();
     sysdb_handle_td handle = nullptr;
     EXPECT_EQ(_sysdb_bind(&handle, "/oper/", 0), 0x8081c600U);
     EXPECT_EQ(handle, nullptr);

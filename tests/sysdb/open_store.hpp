@@ -1,7 +1,9 @@
-// The store on a fresh directory, closed at the end of the test.
+// A store in a fresh directory.
 #ifndef TESTS_SYSDB_OPEN_STORE_HPP
 #define TESTS_SYSDB_OPEN_STORE_HPP
 
+#include <filesystem>
+#include <memory>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -10,14 +12,21 @@
 #include "simulator/store/store.hpp"
 #include "sysdb/temporary_directory.hpp"
 
+inline std::unique_ptr<ocpsm::sysdb::Store> open_store(const std::filesystem::path &directory,
+                                                       ocpsm::sysdb::Store::Mode mode) {
+    return std::unique_ptr<ocpsm::sysdb::Store>(sysdb_client_open(directory, mode));
+}
+
 class OpenStore : public testing::Test {
 public:
-    OpenStore() { store.open(directory.path / "state", ocpsm::sysdb::Store::Mode::create); }
-    ~OpenStore() override { store.close(); }
+    OpenStore() { store->write()->commit(); }
 
 protected:
+    void open_again() { store = open_store(state, ocpsm::sysdb::Store::Mode::existing); }
+
     TemporaryDirectory directory;
-    ocpsm::sysdb::Store &store = *sysdb_client_store();
+    std::filesystem::path state = directory.path / "state";
+    std::unique_ptr<ocpsm::sysdb::Store> store = open_store(state, ocpsm::sysdb::Store::Mode::create);
 };
 
 // What a ocpsm::Error says, all of it.

@@ -1,3 +1,5 @@
+#include <filesystem>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -31,7 +33,7 @@ Records records(const ReadTransaction &transaction, Table table, std::string_vie
 class StoreTest : public OpenStore {
 protected:
     void put(Table table, const Records &changes) {
-        const auto transaction = store.write();
+        const auto transaction = store->write();
         for (const auto &[key, value] : changes) {
             transaction->put(table, key, value);
         }
@@ -40,9 +42,8 @@ protected:
 };
 
 TEST_F(StoreTest, IsEmptyAtFirst) {
-    const auto transaction = store.read();
-    for (const Table table :
-         {Table::items, Table::native_configuration, Table::native_operational, Table::line_system}) {
+    const auto transaction = store->read();
+    for (const Table table : {Table::items, Table::line_system}) {
         EXPECT_THAT(records(*transaction, table), IsEmpty());
     }
     EXPECT_EQ(transaction->get(Table::items, "a"), std::nullopt);
@@ -52,19 +53,18 @@ TEST_F(StoreTest, IsEmptyAtFirst) {
 TEST_F(StoreTest, KeepsRecordsPerTableInTheOrderOfTheirKeys) {
     using namespace std::string_literals;
     put(Table::items, {{"b", "2"}, {"a/x", "1"}, {"a", "0"}, {"\xff", "last"}});
-    put(Table::native_configuration, {{"a", "\0\n"s}, {"e", ""}});
-    const auto transaction = store.read();
+    put(Table::line_system, {{"a", "\0\n"s}, {"e", ""}});
+    const auto transaction = store->read();
     EXPECT_THAT(records(*transaction, Table::items),
                 ElementsAre(Pair("a", "0"), Pair("a/x", "1"), Pair("b", "2"), Pair("\xff", "last")));
-    EXPECT_THAT(records(*transaction, Table::native_configuration), ElementsAre(Pair("a", "\0\n"s), Pair("e", "")));
-    EXPECT_THAT(records(*transaction, Table::native_operational), IsEmpty());
+    EXPECT_THAT(records(*transaction, Table::line_system), ElementsAre(Pair("a", "\0\n"s), Pair("e", "")));
     EXPECT_EQ(transaction->get(Table::items, "a/x"), "1");
-    EXPECT_EQ(transaction->get(Table::native_configuration, "e"), "");
+    EXPECT_EQ(transaction->get(Table::line_system, "e"), "");
 }
 
 TEST_F(StoreTest, VisitsWhatBeginsWithAPrefixUntilTheVisitorHasEnough) {
     put(Table::items, {{"a", "0"}, {"ab", "1"}, {"ab/c", "2"}, {"ac", "3"}});
-    const auto transaction = store.read();
+    const auto transaction = store->read();
     EXPECT_THAT(records(*transaction, Table::items, "ab"), ElementsAre(Pair("ab", "1"), Pair("ab/c", "2")));
     EXPECT_THAT(records(*transaction, Table::items, "b"), IsEmpty());
     int visits = 0;
@@ -77,7 +77,7 @@ TEST_F(StoreTest, VisitsWhatBeginsWithAPrefixUntilTheVisitorHasEnough) {
 
 TEST_F(StoreTest, ReplacesAndErases) {
     put(Table::items, {{"a", "0"}, {"b", "1"}, {"ba", "2"}, {"c", "3"}});
-    const auto transaction = store.write();
+    const auto transaction = store->write();
     transaction->put(Table::items, "a", "new");
     EXPECT_TRUE(transaction->erase(Table::items, "c"));
     EXPECT_FALSE(transaction->erase(Table::items, "c"));
@@ -85,59 +85,37 @@ TEST_F(StoreTest, ReplacesAndErases) {
     EXPECT_EQ(transaction->erase_all(Table::items, "b"), 0U);
     EXPECT_THAT(records(*transaction, Table::items), ElementsAre(Pair("a", "new")));
     transaction->commit();
-    EXPECT_THAT(records(*store.read(), Table::items), ElementsAre(Pair("a", "new")));
+    EXPECT_THAT(records(*store->read(), Table::items), ElementsAre(Pair("a", "new")));
 }
 
 TEST_F(StoreTest, LosesChangesThatAreNotCommitted) {
     put(Table::items, {{"a", "0"}});
     {
-        const auto transaction = store.write();
+        const auto transaction = store->write();
         transaction->put(Table::items, "a", "1");
         EXPECT_EQ(transaction->get(Table::items, "a"), "1");
     }
-    EXPECT_EQ(store.read()->get(Table::items, "a"), "0");
+    EXPECT_EQ(store->read()->get(Table::items, "a"), "0");
 }
 
 TEST_F(StoreTest, KeepsASnapshotWhileOthersCommit) {
     put(Table::items, {{"a", "0"}});
-    const auto snapshot = store.read();
+    const auto snapshot = store->read();
     std::thread([&] { put(Table::items, {{"a", "1"}, {"b", "1"}}); }).join();
     EXPECT_THAT(records(*snapshot, Table::items), ElementsAre(Pair("a", "0")));
-    EXPECT_THAT(records(*store.read(), Table::items), ElementsAre(Pair("a", "1"), Pair("b", "1")));
+    EXPECT_THAT(records(*store->read(), Table::items), ElementsAre(Pair("a", "1"), Pair("b", "1")));
 }
 
 TEST_F(StoreTest, KeepsRecordsWhenItIsOpenedAgain) {
     put(Table::line_system, {{"a", std::string(100000, 'x')}});
-    store.close();
-    EXPECT_FALSE(store.is_open());
-    store.open(directory.path / "state", Store::Mode::existing);
-    EXPECT_TRUE(store.is_open());
-    EXPECT_THAT(records(*store.read(), Table::line_system), ElementsAre(Pair("a", std::string(100000, 'x'))));
-}
-
-// LMDB leaves such pages out of the file, which must not look as if it had been cut.
-TEST_F(StoreTest, OpensAgainAfterATransactionThatGavePagesBack) {
-    for (int round = 0; round < 5; ++round) {
-        const auto transaction = store.write();
-        for (int i = 0; i < 200; ++i) {
-            transaction->put(Table::items, std::string("k").append(std::to_string(i)), std::string(900, 'x'));
-        }
-        transaction->commit();
-    }
-    const auto transaction = store.write();
-    transaction->erase_all(Table::items, "k1");
-    transaction->put(Table::items, "big", std::string(1000000, 'x'));
-    transaction->erase(Table::items, "big");
-    transaction->commit();
-    store.close();
-    store.open(directory.path / "state", Store::Mode::existing);
-    EXPECT_EQ(records(*store.read(), Table::items).size(), 89U); // 200 without 1, 10 to 19 and 100 to 199
+    open_again();
+    EXPECT_THAT(records(*store->read(), Table::line_system), ElementsAre(Pair("a", std::string(100000, 'x'))));
 }
 
 TEST_F(StoreTest, TakesKeysOfUpTo511Bytes) {
     const std::string longest(511, 'k');
     put(Table::items, {{longest, "value"}});
-    const auto transaction = store.write();
+    const auto transaction = store->write();
     EXPECT_EQ(transaction->get(Table::items, longest), "value");
     EXPECT_EQ(error_of([&] { transaction->put(Table::items, longest + "k", ""); }),
               "refused|invalid-value||a path is too long for the store: " + longest + "k|");
@@ -159,23 +137,75 @@ std::string misuse(Operation operation) {
 }
 
 TEST_F(StoreTest, NamesItsMisuse) {
-    EXPECT_EQ(misuse([&] { store.open(directory.path / "other", Store::Mode::create); }),
-              "a store is opened that is open");
-    {
-        const auto snapshot = store.read();
-        EXPECT_EQ(misuse([&] { store.close(); }), "a store is closed under a transaction");
-        const auto transaction = store.write();
-        EXPECT_EQ(misuse([&] { static_cast<void>(store.write()); }), "a thread begins a second write transaction");
-        transaction->commit();
-        EXPECT_EQ(misuse([&] { transaction->commit(); }), "a transaction is used that has been committed");
-        EXPECT_EQ(misuse([&] { static_cast<void>(transaction->get(Table::items, "a")); }),
-                  "a transaction is used that has been committed");
-        EXPECT_NE(store.write(), nullptr); // while the committed one is still there
+    const auto snapshot = store->read();
+    const auto transaction = store->write();
+    EXPECT_EQ(misuse([&] { static_cast<void>(store->write()); }), "a thread begins a second write transaction");
+    // It would wait for itself behind the other store, too.
+    const auto other = open_store(state / ".", Store::Mode::existing);
+    EXPECT_EQ(misuse([&] { static_cast<void>(other->write()); }), "a thread begins a second write transaction");
+    transaction->commit();
+    for (const auto &use : std::vector<std::function<void()>>{
+             [&] { transaction->commit(); },
+             [&] { static_cast<void>(transaction->get(Table::items, "a")); },
+             [&] { transaction->put(Table::items, "a", "b"); },
+             [&] { transaction->erase(Table::items, "a"); },
+         }) {
+        EXPECT_EQ(misuse(use), "a transaction is used that has been committed");
     }
-    store.close();
-    store.close();
-    EXPECT_EQ(misuse([&] { static_cast<void>(store.read()); }), "a store is used that is not open");
-    EXPECT_EQ(misuse([&] { static_cast<void>(store.write()); }), "a store is used that is not open");
+    EXPECT_NE(store->write(), nullptr); // while the committed one is still there
+}
+
+TEST_F(StoreTest, MayEndBeforeItsTransactions) {
+    put(Table::items, {{"a", "0"}});
+    const auto snapshot = store->read();
+    const auto transaction = store->write();
+    transaction->put(Table::items, "a", "1");
+    store.reset();
+    EXPECT_EQ(snapshot->get(Table::items, "a"), "0");
+    transaction->commit();
+    open_again();
+    EXPECT_EQ(store->read()->get(Table::items, "a"), "1");
+}
+
+// Whichever comes first, the second one sees what the first one has made of it.
+TEST_F(StoreTest, TakesOneWriterAtATimeInADirectory) {
+    constexpr int rounds = 50;
+    const auto count_up = [&](Store &counter) {
+        for (int round = 0; round < rounds; ++round) {
+            const auto transaction = counter.write();
+            const std::string before(transaction->get(Table::items, "count").value_or("0"));
+            transaction->put(Table::items, "count", std::to_string(std::stoi(before) + 1));
+            transaction->commit();
+        }
+    };
+    const auto other = open_store(state, Store::Mode::existing);
+    std::thread same_store([&] { count_up(*store); });
+    std::thread other_store([&] { count_up(*other); });
+    count_up(*store);
+    same_store.join();
+    other_store.join();
+    EXPECT_EQ(store->read()->get(Table::items, "count"), std::to_string(3 * rounds));
+    EXPECT_EQ(other->read()->get(Table::items, "count"), std::to_string(3 * rounds));
+}
+
+// What has been changed and changed back takes no room; what has been changed takes some for a while.
+TEST_F(StoreTest, StaysAsLongAsItsRecords) {
+    const auto length = [&] { return std::filesystem::file_size(state / ocpsm::sysdb::store_file); };
+    put(Table::items, {{"a", "0"}});
+    const auto before = length();
+    put(Table::items, {{"a", "0"}});
+    EXPECT_EQ(length(), before);
+    put(Table::items, {{"a", "1"}});
+    EXPECT_GT(length(), before);
+    const std::string kilobyte(1024, 'x');
+    const auto other = open_store(state, Store::Mode::existing);
+    for (int round = 0; round < 300; ++round) {
+        put(Table::items, {{"b", kilobyte + std::to_string(round)}});
+        EXPECT_LT(length(), 70U << 10);
+        EXPECT_EQ(other->read()->get(Table::items, "b"), kilobyte + std::to_string(round));
+    }
+    open_again();
+    EXPECT_EQ(records(*store->read(), Table::items), (Records{{"a", "1"}, {"b", kilobyte + "299"}}));
 }
 
 } // namespace

@@ -1,0 +1,138 @@
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "framework/error.hpp"
+#include "simulator/database/client_library.hpp"
+#include "simulator/line_system.hpp"
+#include "simulator/line_system/line_system_device.hpp"
+#include "simulator/line_system/operations.hpp"
+#include "simulator/line_system/storage.hpp"
+#include "simulator/line_system/temporary_state.hpp"
+#include "simulator/line_system/view.hpp"
+
+namespace ocpsm {
+
+using line_system::LineSystem;
+
+static_assert(SimulatedLineSystem::step == line_system::tick_step);
+
+struct SimulatedLineSystem::Parts {
+    std::optional<line_system::TemporaryState> temporary;
+    std::unique_ptr<sysdb::Store> kept;
+
+    sysdb::Store &store() const { return temporary ? temporary->store() : *kept; }
+
+    template <class Change>
+    LineTable change(Change how) const {
+        return line_system::view(line_system::change(store(), how));
+    }
+};
+
+namespace {
+
+std::shared_ptr<const SimulatedLineSystem::Parts> keep(std::unique_ptr<sysdb::Store> store) {
+    const auto parts = std::make_shared<SimulatedLineSystem::Parts>();
+    parts->kept = std::move(store);
+    return parts;
+}
+
+sysdb::Client load_client(const std::filesystem::path &stand_in) {
+    sysdb::Client client(sysdb::client_library(), stand_in.empty() ? sysdb::absent_library() : stand_in);
+    if (!client.installed()) {
+        throw Error(Error::Source::input, "", "",
+                    "the system database's client library " + sysdb::client_library().string() +
+                        " is not there, so no line system can be opened",
+                    "install it or build it again");
+    }
+    return client;
+}
+
+line_system::Path path_of(Line line) {
+    return line == Line::primary ? line_system::Path::primary : line_system::Path::secondary;
+}
+
+template <class Transaction>
+class OwnedTransaction : public line_system::LineSystemDevice {
+public:
+    explicit OwnedTransaction(std::unique_ptr<Transaction> transaction)
+        : LineSystemDevice(*transaction), transaction_(std::move(transaction)) {}
+
+private:
+    std::unique_ptr<Transaction> transaction_;
+};
+
+class SimulatedDevice : public Device {
+public:
+    explicit SimulatedDevice(std::shared_ptr<const SimulatedLineSystem::Parts> parts) : parts_(std::move(parts)) {}
+
+    std::unique_ptr<DeviceTransaction> read() override {
+        return std::make_unique<OwnedTransaction<sysdb::ReadTransaction>>(parts_->store().read());
+    }
+    std::unique_ptr<DeviceTransaction> write() override {
+        return std::make_unique<OwnedTransaction<sysdb::WriteTransaction>>(parts_->store().write());
+    }
+
+private:
+    std::shared_ptr<const SimulatedLineSystem::Parts> parts_;
+};
+
+} // namespace
+
+const std::vector<int> &SimulatedLineSystem::example_slots() {
+    static const std::vector<int> slots = line_system::fitted_slots(line_system::example());
+    return slots;
+}
+
+SimulatedLineSystem SimulatedLineSystem::make(const std::filesystem::path &directory, const std::vector<int> &slots,
+                                              const std::filesystem::path &stand_in) {
+    const LineSystem made = line_system::example_in(slots);
+    return SimulatedLineSystem(keep(line_system::create(load_client(stand_in), directory, made)));
+}
+
+SimulatedLineSystem SimulatedLineSystem::open(const std::filesystem::path &directory,
+                                              const std::filesystem::path &stand_in) {
+    return SimulatedLineSystem(keep(line_system::open(load_client(stand_in), directory)));
+}
+
+SimulatedLineSystem SimulatedLineSystem::temporary(const std::vector<int> &slots,
+                                                   const std::filesystem::path &stand_in) {
+    const auto parts = std::make_shared<Parts>();
+    parts->temporary.emplace(load_client(stand_in), line_system::example_in(slots));
+    return SimulatedLineSystem(parts);
+}
+
+std::unique_ptr<Device> SimulatedLineSystem::device() const {
+    return std::make_unique<SimulatedDevice>(parts_);
+}
+
+LineTable SimulatedLineSystem::view() const {
+    return line_system::view(line_system::load(*parts_->store().read()));
+}
+
+LineTable SimulatedLineSystem::fit(int slot) const {
+    return parts_->change([&](const LineSystem &before) { return line_system::fit(before, slot); });
+}
+
+LineTable SimulatedLineSystem::pull(int slot) const {
+    return parts_->change([&](const LineSystem &before) { return line_system::pull(before, slot); });
+}
+
+LineTable SimulatedLineSystem::cut(int slot, Line line) const {
+    return parts_->change([&](const LineSystem &before) { return line_system::cut(before, slot, path_of(line)); });
+}
+
+LineTable SimulatedLineSystem::splice(int slot, Line line) const {
+    return parts_->change([&](const LineSystem &before) { return line_system::splice(before, slot, path_of(line)); });
+}
+
+LineTable SimulatedLineSystem::light(int slot, Line line, int hundredths_of_dbm) const {
+    return parts_->change(
+        [&](const LineSystem &before) { return line_system::light(before, slot, path_of(line), hundredths_of_dbm); });
+}
+
+LineTable SimulatedLineSystem::tick(std::uint32_t milliseconds) const {
+    return parts_->change([&](const LineSystem &before) { return line_system::tick(before, milliseconds); });
+}
+
+} // namespace ocpsm
