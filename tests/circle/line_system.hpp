@@ -1,0 +1,64 @@
+// A line system in a directory of its own, behind a service. Everything that these tests use of the simulator is here.
+#ifndef TESTS_CIRCLE_LINE_SYSTEM_HPP
+#define TESTS_CIRCLE_LINE_SYSTEM_HPP
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "framework/service.hpp"
+
+namespace circle {
+
+enum class Line { primary, secondary };
+
+// Everything that a line system's store holds, by table and key.
+using Records = std::map<std::string, std::string>;
+
+// One at a time in a process. Its directory is kept in memory where the machine has such a place, for an edit waits
+// for the disk, and is removed at its end.
+class LineSystem {
+public:
+    LineSystem(); // the example
+    LineSystem(const LineSystem &) = delete;
+    LineSystem &operator=(const LineSystem &) = delete;
+    ~LineSystem();
+
+    // Begins anew: as the example, and with modules in these slots, fitted at the time 0, without any setting.
+    void become_example();
+    void become_bare(const std::vector<int> &slots);
+
+    const ocpsm::Service &service() const;
+
+    // False for what is refused.
+    bool fit(int slot);
+    bool pull(int slot);
+    bool cut(int slot, Line line);
+    bool splice(int slot, Line line);
+    bool light(int slot, Line line, int hundredths_of_dbm);
+    bool tick(std::uint32_t milliseconds);
+
+    // Takes a module's inventory out of the system database, and nothing else.
+    void lose_inventory(int slot);
+
+private:
+    struct Parts;
+    std::unique_ptr<Parts> parts_;
+};
+
+// Makes the example in a directory that is not there.
+void make_example(const std::filesystem::path &directory);
+
+// Everything that the store of a directory holds. It must hold a line system that can be read, and whose write lock
+// nobody has: else this throws, or waits.
+Records records(const std::filesystem::path &directory);
+
+// A service without a device, in a process that has no database client: there is nothing but its stand-in.
+ocpsm::Service service_without_database();
+
+} // namespace circle
+
+#endif
