@@ -1,8 +1,13 @@
 // Edits: from the request to what has changed.
+#include <libyang/libyang.h>
+
+#include <algorithm>
 #include <map>
 #include <utility>
 
+#include "framework/models/models.hpp"
 #include "framework/native_origin.hpp"
+#include "framework/openconfig.hpp"
 #include "framework/request/existence.hpp"
 #include "framework/request/hand_over.hpp"
 #include "framework/request/node_path.hpp"
@@ -39,8 +44,82 @@ std::vector<Change> changes_between(const std::vector<AnswerNode> &before, const
     return changes;
 }
 
-std::vector<WrittenNode> written(const PathEdit &edit) {
-    return takes_away(edit.operation) ? deletion_of(edit.path) : setting_of(edit.path, edit.value);
+// Whether two nodes of an edit by paths are one: entries of the list are told apart by their keys, which stand first.
+bool is_same(const RequestNode &one, const RequestNode &other) {
+    const auto is_key = [](const RequestNode &node) { return node.value && node.tag == openconfig::key_name; };
+    const auto key_of = [&](const RequestNode &node) -> std::optional<std::string> {
+        const auto key = std::find_if(node.children.begin(), node.children.end(), is_key);
+        return node.tag == openconfig::list_name && key != node.children.end() ? key->value : std::nullopt;
+    };
+    return one.tag == other.tag && one.operation == Operation::merge && other.operation == Operation::merge &&
+           !one.value && !other.value && key_of(one) == key_of(other);
+}
+
+// Puts what a path says to what those before it have said. What is said twice is refused where the edit is typed.
+void put(Tree &nodes, RequestNode &&node) {
+    const auto same =
+        std::find_if(nodes.begin(), nodes.end(), [&](const RequestNode &other) { return is_same(other, node); });
+    if (same == nodes.end()) {
+        nodes.push_back(std::move(node));
+        return;
+    }
+    for (RequestNode &child : node.children) {
+        const bool named = child.value && child.tag == openconfig::key_name && node.tag == openconfig::list_name;
+        if (!named) {
+            put(same->children, std::move(child));
+        }
+    }
+}
+
+// The nodes of an edit as it was written.
+struct Written {
+    Tree operator()(const PathEdits &edits) const {
+        Tree tops;
+        for (const PathEdit &edit : edits) {
+            const bool takes = takes_away(edit.operation);
+            for (RequestNode &top :
+                 takes ? deletion_of(edit.path, edit.operation) : setting_of(edit.path, edit.value)) {
+                put(tops, std::move(top));
+            }
+        }
+        return tops;
+    }
+    Tree operator()(const Text &text) const { return parse_request(text.text, Kind::edit); }
+    Tree operator()(const Tree &tree) const { return tree; }
+};
+
+bool has_own_operation(const RequestNode &node) {
+    return node.operation != Operation::merge ||
+           std::any_of(node.attributes.begin(), node.attributes.end(),
+                       [](const RequestAttribute &attribute) { return attribute.name == "operation"; });
+}
+
+// Without an operation nothing happens to a node: of the nodes around those that have one only the keys count.
+void keep_operations(Tree &nodes, const lysc_node *parent) {
+    const auto says_nothing = [parent](RequestNode &node) {
+        const lysc_node *schema = models::Schema::openconfig().child(parent, node.tag, node.namespace_uri);
+        if (has_own_operation(node) || (schema != nullptr && lysc_is_key(schema))) {
+            return false;
+        }
+        if (schema != nullptr) {
+            keep_operations(node.children, schema);
+        }
+        return std::all_of(node.children.begin(), node.children.end(), [schema](const RequestNode &child) {
+            const lysc_node *below = models::Schema::openconfig().child(schema, child.tag, child.namespace_uri);
+            return below != nullptr && lysc_is_key(below);
+        });
+    };
+    nodes.erase(std::remove_if(nodes.begin(), nodes.end(), says_nothing), nodes.end());
+}
+
+void apply_default(Tree &tops, DefaultOperation operation) {
+    if (operation == DefaultOperation::none) {
+        keep_operations(tops, nullptr);
+    } else if (operation == DefaultOperation::replace) {
+        for (RequestNode &top : tops) {
+            top.operation = has_own_operation(top) ? top.operation : Operation::replace;
+        }
+    }
 }
 
 // The native request, carried out in the transaction.
@@ -61,14 +140,13 @@ native::NetRequest apply_all(const std::vector<HandedOver> &all, DeviceTransacti
 
 } // namespace
 
-std::vector<RequestNode> typed(const Edit &edit, const EditOptions &options) {
-    const auto *text = std::get_if<Text>(&edit);
-    return type_request(text != nullptr ? parse_request(text->text, Kind::edit) : written(std::get<PathEdit>(edit)),
-                        Kind::edit, options.check_values);
+Tree typed(const Edit &edit, const EditOptions &options) {
+    Tree tops = std::visit(Written{}, edit);
+    apply_default(tops, options.default_operation);
+    return type_request(std::move(tops), Kind::edit, options.check_values);
 }
 
-EditResult carry_out(const Plugin &plugin, std::vector<RequestNode> tops, DeviceTransaction &device,
-                     const EditOptions &options) {
+EditResult carry_out(const Plugin &plugin, Tree tops, DeviceTransaction &device, const EditOptions &options) {
     EditResult result;
     try {
         const auto modules = concerns_all_modules(tops) ? std::nullopt : std::optional(named_modules(tops));

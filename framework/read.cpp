@@ -17,14 +17,21 @@ namespace ocpsm::framework {
 
 namespace {
 
-std::vector<WrittenNode> written(const Paths &selection) {
-    std::vector<WrittenNode> tops;
-    for (const std::string &path : selection.paths) {
-        std::vector<WrittenNode> selected = read_of(path);
-        std::move(selected.begin(), selected.end(), std::back_inserter(tops));
+// The nodes of a selection as it was written.
+struct Written {
+    Kind kind;
+
+    Tree operator()(const Paths &selection) const {
+        Tree tops;
+        for (const std::string &path : selection.paths) {
+            Tree selected = read_of(path);
+            std::move(selected.begin(), selected.end(), std::back_inserter(tops));
+        }
+        return selection.paths.empty() ? read_of("/") : tops;
     }
-    return selection.paths.empty() ? read_of("/") : tops;
-}
+    Tree operator()(const Text &text) const { return parse_request(text.text, kind); }
+    Tree operator()(const Tree &tree) const { return tree; }
+};
 
 template <class Lines>
 void append_texts(const Lines &lines, std::vector<std::string> &texts) {
@@ -62,10 +69,8 @@ void answer_all(const Plugin &plugin, Kind kind, const Translation &translation,
 
 } // namespace
 
-std::vector<RequestNode> typed(const Selection &selection, Kind kind) {
-    const auto *text = std::get_if<Text>(&selection);
-    return type_request(text != nullptr ? parse_request(text->text, kind) : written(std::get<Paths>(selection)), kind,
-                        true);
+Tree typed(const Selection &selection, Kind kind) {
+    return type_request(std::visit(Written{kind}, selection), kind, true);
 }
 
 void take_messages(Outcome &outcome, Translation &translation) {
@@ -89,13 +94,13 @@ ReadResult answer_read(const Plugin &plugin, const std::vector<RequestNode> &top
 
 std::vector<AnswerNode> configuration(const Plugin &plugin, DeviceTransaction &device,
                                       const std::optional<std::vector<std::string>> &modules) {
-    std::vector<RequestNode> selected;
+    Tree selected;
     if (modules) {
         std::transform(modules->begin(), modules->end(), std::back_inserter(selected), read_of_instance);
     } else {
         selected = typed(Paths{}, Kind::get_config);
     }
-    ReadResult result = answer_read(plugin, selected, Kind::get_config, device, {});
+    ReadResult result = answer_read(plugin, std::move(selected), Kind::get_config, device, {});
     if (result.error) {
         throw Error(*result.error);
     }

@@ -30,26 +30,6 @@ std::string location_of(kerrno code, const MappingContext &context, const std::s
     return location;
 }
 
-// The schema node of an instance path; null when the model has none.
-const lysc_node *schema_of(const std::string &instance_path) {
-    std::string path;
-    char quote = '\0';
-    bool predicate = false;
-    for (const char c : instance_path) {
-        if (quote != '\0') {
-            quote = c == quote ? '\0' : quote;
-        } else if (predicate) {
-            quote = c == '\'' || c == '"' ? c : '\0';
-            predicate = c != ']';
-        } else if (c == '[') {
-            predicate = true;
-        } else {
-            path += c;
-        }
-    }
-    return models::Schema::openconfig().find(path);
-}
-
 Error refused(std::string tag, std::string path, const std::string &message, std::string advice = {}) {
     return {Error::Source::refused, std::move(tag), std::move(path), message, std::move(advice)};
 }

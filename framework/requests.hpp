@@ -9,7 +9,7 @@
 #include "framework/answer/node.hpp"
 #include "framework/device.hpp"
 #include "framework/host/plugin.hpp"
-#include "framework/request/node.hpp"
+#include "framework/request_tree.hpp"
 #include "framework/service.hpp"
 #include "framework/translation.hpp"
 
@@ -23,8 +23,8 @@ struct Answer::Data {
 namespace framework {
 
 // The typed nodes of a read, and of an edit. Throw Error for what cannot be read and what the model does not allow.
-std::vector<RequestNode> typed(const Selection &selection, Kind kind);
-std::vector<RequestNode> typed(const Edit &edit, const EditOptions &options);
+Tree typed(const Selection &selection, Kind kind);
+Tree typed(const Edit &edit, const EditOptions &options);
 
 // Answers a typed read.
 ReadResult answer_read(const Plugin &plugin, const std::vector<RequestNode> &tops, Kind kind, DeviceTransaction &device,
@@ -32,8 +32,7 @@ ReadResult answer_read(const Plugin &plugin, const std::vector<RequestNode> &top
 
 // Carries out a typed edit in a transaction: without an error the caller may commit it, or show it and drop it; with
 // one it has to drop it.
-EditResult carry_out(const Plugin &plugin, std::vector<RequestNode> tops, DeviceTransaction &device,
-                     const EditOptions &options);
+EditResult carry_out(const Plugin &plugin, Tree tops, DeviceTransaction &device, const EditOptions &options);
 
 // The configuration of the named modules, without names of all. Throws Error when it cannot be read.
 std::vector<AnswerNode> configuration(const Plugin &plugin, DeviceTransaction &device,

@@ -60,11 +60,11 @@ std::string DeviceRequest::print(Format format) const {
 // ---- the service ----
 
 struct Service::Parts {
-    Parts(const std::filesystem::path &library, std::unique_ptr<Device> given)
+    Parts(const std::filesystem::path &library, std::shared_ptr<Device> given)
         : plugin(library), device(std::move(given)) {}
 
     framework::Plugin plugin;
-    std::unique_ptr<Device> device; // null: translations only
+    std::shared_ptr<Device> device; // null: translations only
 
     Device &required_device() const {
         if (!device) {
@@ -74,12 +74,10 @@ struct Service::Parts {
     }
 
     // The trees that a request is handed over as.
-    std::vector<framework::RequestNode> trees_of(const Text &request, Kind kind, const Options &options,
-                                                 DeviceTransaction *transaction) const {
-        std::vector<framework::RequestNode> tops =
-            framework::type_request(framework::parse_request(request.text, kind), kind, options.check_values);
+    Tree trees_of(const Text &request, Kind kind, const Options &options, DeviceTransaction *transaction) const {
+        Tree tops = framework::type_request(framework::parse_request(request.text, kind), kind, options.check_values);
         if (kind != Kind::edit) {
-            return framework::hand_over_read(tops);
+            return framework::hand_over_read(std::move(tops));
         }
         std::vector<std::string> modules;
         if (transaction != nullptr && framework::concerns_all_modules(tops)) {
@@ -110,19 +108,19 @@ Addition addition_of(framework::AddRecord &&add) {
 
 } // namespace
 
-Service::Service(const std::filesystem::path &plugin, std::unique_ptr<Device> device)
+Service::Service(const std::filesystem::path &plugin, std::shared_ptr<Device> device)
     : parts_(std::make_unique<const Parts>(plugin, std::move(device))) {}
 
 Service::~Service() = default;
 
 ReadResult Service::read(const Selection &selection, Kind kind, const Options &options) const {
-    const std::vector<framework::RequestNode> tops = framework::typed(selection, kind);
+    Tree tops = framework::typed(selection, kind);
     const auto transaction = parts_->required_device().read();
-    return framework::answer_read(parts_->plugin, tops, kind, *transaction, options);
+    return framework::answer_read(parts_->plugin, std::move(tops), kind, *transaction, options);
 }
 
 EditResult Service::edit(const Edit &edit, const EditOptions &options) const {
-    std::vector<framework::RequestNode> tops = framework::typed(edit, options);
+    Tree tops = framework::typed(edit, options);
     const auto transaction = parts_->required_device().write();
     EditResult result = framework::carry_out(parts_->plugin, std::move(tops), *transaction, options);
     if (!result.error && !options.dry_run) {

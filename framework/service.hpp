@@ -23,6 +23,7 @@
 #include "framework/error.hpp"
 #include "framework/kind.hpp"
 #include "framework/operation.hpp"
+#include "framework/request_tree.hpp"
 
 namespace ocpsm {
 
@@ -56,13 +57,16 @@ struct Paths {
     std::vector<std::string> paths;
 };
 
-// A text in XML (the content of a NETCONF <filter> or <config>, with or without that element) or JSON (RFC 7951), at
-// most 8 MiB; see docs/framework.md for the limits.
+// A text in XML (the content of a NETCONF <filter> or <config>, with or without that element) or JSON (RFC 7951),
+// within the limits of docs/bench.md.
 struct Text {
     std::string text;
 };
 
-using Selection = std::variant<Paths, Text>;
+// A tree that its maker has read already: the top nodes.
+using Tree = std::vector<RequestNode>;
+
+using Selection = std::variant<Paths, Text, Tree>;
 
 // A leaf of an answer.
 struct Leaf {
@@ -107,9 +111,20 @@ struct PathEdit {
     std::string value = {};                 // of a leaf that is merged
 };
 
-using Edit = std::variant<Text, PathEdit>;
+using PathEdits = std::vector<PathEdit>;
+
+// A node that several of the paths name is one node.
+using Edit = std::variant<PathEdits, Text, Tree>;
+
+// What becomes of a node without an operation of its own or of a node around it (RFC 6241, 7.2).
+enum class DefaultOperation {
+    merge,
+    replace, // the whole configuration becomes what the edit says
+    none,    // nothing: it only says where the nodes with an operation are
+};
 
 struct EditOptions : Options {
+    DefaultOperation default_operation = DefaultOperation::merge;
     bool dry_run = false;       // do everything but the last step: the device stays as it is
     bool report_changes = true; // read the configuration before and after, and say what has changed
 };
@@ -179,7 +194,7 @@ class Service {
 public:
     // Loads a mapping plug-in. The database client that it reads must be loaded by then (a device of the simulator has
     // done that). Throws Error (input) with the loader's reason. Without a device there are translations only.
-    explicit Service(const std::filesystem::path &plugin, std::unique_ptr<Device> device = nullptr);
+    explicit Service(const std::filesystem::path &plugin, std::shared_ptr<Device> device = nullptr);
     Service(const Service &) = delete;
     Service &operator=(const Service &) = delete;
     ~Service();

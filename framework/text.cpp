@@ -1,6 +1,8 @@
 #include "framework/text.hpp"
 
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
 
 namespace ocpsm {
 namespace {
@@ -35,6 +37,37 @@ bool is_xml_character(std::int32_t character) {
            (character >= 0x20 && character != 0xfffe && character != 0xffff);
 }
 
+struct Range {
+    std::int32_t first;
+    std::int32_t last;
+};
+
+// What a terminal acts upon instead of showing it, or shows elsewhere.
+constexpr Range unseen[] = {
+    {-1, 0x1f},       // no UTF-8, and the controls
+    {0x7f, 0x9f},     // delete, and the second set of controls
+    {0x61c, 0x61c},   // marks and embeddings of the direction of writing
+    {0x200e, 0x200f}, //
+    {0x202a, 0x202e}, //
+    {0x2066, 0x2069}, //
+    {0x2028, 0x2029}, // ends of lines and paragraphs
+    {0xfdd0, 0xfdef}, // noncharacters; so are the last two of each plane
+    {0xfeff, 0xfeff}, // byte order mark
+};
+
+bool is_shown(std::int32_t character) {
+    const auto holds = [character](const Range &range) { return range.first <= character && character <= range.last; };
+    return std::none_of(std::begin(unseen), std::end(unseen), holds) && (character & 0xfffe) != 0xfffe;
+}
+
+void append_escaped(std::string &line, std::string_view bytes) {
+    constexpr char digits[] = "0123456789abcdef";
+    for (const char byte : bytes) {
+        const auto number = static_cast<unsigned char>(byte);
+        line.append("\\x").append(1, digits[number >> 4]).append(1, digits[number & 15]);
+    }
+}
+
 } // namespace
 
 std::string one_line(std::string_view text, std::size_t longest) {
@@ -45,16 +78,39 @@ std::string one_line(std::string_view text, std::size_t longest) {
         }
         const std::string_view before = rest;
         const std::int32_t character = next_character(rest);
-        if (character >= 0x20 && character != 0x7f && (character < 0x80 || character > 0x9f)) {
-            line.append(before.substr(0, before.size() - rest.size()));
-            continue;
+        if (character < 0) {
+            rest = before.substr(1); // the next byte may begin a character
         }
-        constexpr char digits[] = "0123456789abcdef";
-        const auto byte = static_cast<unsigned char>(before.front());
-        line.append("\\x").append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
-        rest = before.substr(1);
+        const std::string_view bytes = before.substr(0, before.size() - rest.size());
+        if (is_shown(character)) {
+            line.append(bytes);
+        } else {
+            append_escaped(line, bytes);
+        }
     }
     return line;
+}
+
+std::string quoted(std::string_view text, std::size_t longest) {
+    constexpr std::string_view blanks = " \t\r\n";
+    const std::size_t first = std::min(text.find_first_not_of(blanks), text.size());
+    const std::string_view inner = text.substr(first, text.find_last_not_of(blanks) + 1 - first);
+    return "\"" + one_line(inner, longest) + "\"";
+}
+
+std::string xpath_literal(std::string_view text) {
+    for (const char *quote : {"'", "\""}) {
+        if (text.find(*quote) == std::string_view::npos) {
+            return std::string(quote).append(text).append(quote);
+        }
+    }
+    std::string joined = "concat(";
+    for (std::size_t start = 0; start <= text.size();) {
+        const std::size_t quote = std::min(text.find('\'', start), text.size());
+        joined.append(start == 0 ? "'" : ",\"'\",'").append(text.substr(start, quote - start)).append("'");
+        start = quote + 1;
+    }
+    return joined.append(")");
 }
 
 bool is_utf8(std::string_view text) {

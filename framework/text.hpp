@@ -8,9 +8,18 @@
 
 namespace ocpsm {
 
-// A text as part of a one-line message: what is not printable is shown as \xNN, a text of more than about `longest`
-// bytes is cut and ends in "...".
+inline constexpr std::size_t whole_text = std::string_view::npos;
+
+// A text as part of a message that stays on its line and shows what it says: controls (C0, C1, delete), line and
+// paragraph separators, marks that change the direction of writing, byte order marks, noncharacters and bytes that are
+// no UTF-8 are written as \xNN, byte by byte. A text of more than about `longest` bytes is cut and ends in "...".
 std::string one_line(std::string_view text, std::size_t longest = 80);
+
+// The same in double quotes, without the blanks around the text.
+std::string quoted(std::string_view text, std::size_t longest = 60);
+
+// A text as an XPath 1.0 literal: in single quotes, in double ones where it holds single ones, else as a concat().
+std::string xpath_literal(std::string_view text);
 
 // Whether a text is UTF-8, and whether it also holds nothing but characters of XML 1.0.
 bool is_utf8(std::string_view text);

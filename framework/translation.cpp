@@ -20,7 +20,8 @@ bool is_read(Kind kind) {
 // All trees of one request: channels and what was said of them belong together.
 class Run {
 public:
-    Run(Callback root, Kind kind, const Options &options) : root_(root), kind_(kind), options_(options) {}
+    Run(Callback root, Kind kind, const Options &options)
+        : root_(root), kind_(kind), options_(options), selections_(kind) {}
 
     // False when the plug-in has refused the tree.
     bool hand_over(const RequestNode &tree) {
@@ -47,12 +48,7 @@ public:
     }
 
     Translation finish() {
-        if (!passed_over_.empty()) {
-            std::string text = any_walked_ ? "not supported and left out: "
-                                           : "nothing that was selected is supported, the answer is empty: ";
-            for (const std::string &path : passed_over_) {
-                text.append(&path == &passed_over_.front() ? "" : ", ").append(path);
-            }
+        for (std::string &text : selections_.warnings()) {
             warn(std::move(text));
         }
         translation_.result_name = name_of(translation_.result);
@@ -65,10 +61,7 @@ public:
 
 private:
     void note_selections(const kidl_yfw_datatree &walked, HandedOver &handed) {
-        const Selections selections = selections_of(walked);
-        handed.nothing_supported = selections.walked == 0;
-        any_walked_ = any_walked_ || selections.walked != 0;
-        passed_over_.insert(passed_over_.end(), selections.passed_over.begin(), selections.passed_over.end());
+        handed.nothing_supported = selections_.add(walked) == 0;
     }
 
     Callback root_;
@@ -76,8 +69,7 @@ private:
     const Options &options_;
     Channels channels_;
     Translation translation_;
-    std::vector<std::string> passed_over_;
-    bool any_walked_ = false;
+    Selections selections_;
 };
 
 } // namespace

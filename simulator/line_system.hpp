@@ -76,7 +76,7 @@ public:
                                          const std::filesystem::path &stand_in = {});
 
     // For a service (framework/service.hpp); the database client is loaded by now.
-    std::unique_ptr<Device> device() const;
+    std::shared_ptr<Device> device() const;
 
     // As it stands now.
     LineTable view() const;

@@ -85,12 +85,12 @@ int edit_command(const RequestOptions &options, std::ostream &output, std::ostre
 }
 
 int set_command(const RequestOptions &options, std::ostream &output, std::ostream &errors) {
-    return run_edit(options, PathEdit{options.path, Operation::merge, options.value}, output, errors);
+    return run_edit(options, PathEdits{{options.path, Operation::merge, options.value}}, output, errors);
 }
 
 int delete_command(const RequestOptions &options, std::ostream &output, std::ostream &errors) {
     const Operation operation = options.if_there ? Operation::remove : Operation::delete_existing;
-    return run_edit(options, PathEdit{options.path, operation}, output, errors);
+    return run_edit(options, PathEdits{{options.path, operation}}, output, errors);
 }
 
 } // namespace ocpsm

@@ -1,23 +1,11 @@
 #include "messages.hpp"
 
+#include "framework/text.hpp"
+
 namespace ocpsm {
 
 std::string on_one_line(std::string_view text) {
-    constexpr std::string_view digits = "0123456789abcdef";
-    std::string line;
-    for (const char character : text) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (byte >= 0x20 && byte != 0x7f) {
-            line.push_back(character);
-        } else if (character == '\n') {
-            line.append("\\n");
-        } else if (character == '\t') {
-            line.append("\\t");
-        } else {
-            line.append("\\x").append(1, digits[byte >> 4U]).append(1, digits[byte & 15U]);
-        }
-    }
-    return line;
+    return one_line(text, whole_text);
 }
 
 int print_error(std::ostream &errors, const Error &error) {

@@ -23,7 +23,7 @@ int print_error(std::ostream &errors, const Error &error);
 // "ocpsm: warning: TEXT"
 void print_warning(std::ostream &errors, std::string_view text);
 
-// A text that stays on its line: control characters are written as \n, \t or \x1b.
+// A whole text as one_line shows it.
 std::string on_one_line(std::string_view text);
 
 // What a request says beside its result: the lines of both channels of the plug-in, which are kept where they are asked

@@ -20,8 +20,11 @@ SimulatedLineSystem open_line_system(const std::filesystem::path &state) {
 }
 
 SimulatedLineSystem make_line_system(const std::filesystem::path &state, const std::vector<int> &slots) {
+    // Without the client nothing is made, not even a directory.
     std::error_code failed;
-    std::filesystem::create_directories(state, failed);
+    if (load_database_client().installed()) {
+        std::filesystem::create_directories(state, failed);
+    }
     if (failed) {
         throw Error(Error::Source::input, {}, {}, "cannot make " + state.string() + ": " + failed.message(),
                     "name another directory with --state");

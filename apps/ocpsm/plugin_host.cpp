@@ -24,7 +24,6 @@ using framework::Callback;
 using framework::Channels;
 using framework::DataTree;
 using framework::MappingContext;
-using framework::RequestNode;
 
 constexpr char module_key[] = "0/1-PSM-OM";
 
@@ -58,8 +57,7 @@ std::string request_text(const std::string &leaf, RequestMode mode, const std::s
         text.append("<").append(step);
         text.append(top ? std::string(" xmlns='") + ymap::openconfig + "'" : "");
         text.append(last && mode == RequestMode::remove
-                        ? std::string(" xmlns:nc='") + std::string(framework::netconf_namespace) +
-                              "' nc:operation='delete'"
+                        ? std::string(" xmlns:nc='") + std::string(netconf_namespace) + "' nc:operation='delete'"
                         : "");
         text.append(">").append(last ? value : "").append(path == YMAP_MODULE ? module_name : "");
         ends.insert(0, "</" + step + ">");

@@ -18,7 +18,7 @@ std::string module_path(const std::string &slot) {
 // True when the change was made; says why when it was not.
 bool change(const ocpsm::Service &service, const std::string &slot, const std::string &threshold) {
     const std::string leaf = module_path(slot) + "/config/primary-switch-threshold";
-    const auto result = service.edit(ocpsm::PathEdit{leaf, ocpsm::Operation::merge, threshold});
+    const auto result = service.edit(ocpsm::PathEdits{{leaf, ocpsm::Operation::merge, threshold}});
     if (result.error) {
         std::cerr << result.error->tag << ": " << result.error->message() << " at " << result.error->path << '\n';
     }

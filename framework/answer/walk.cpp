@@ -56,7 +56,7 @@ constexpr std::array augment_walkers{
 };
 
 RequestNode tree_of(const native::DataNode &native) {
-    RequestNode node{native.schema->name, native.schema->module->ns, native.value, YFW_OPERATION_MERGE, {}};
+    RequestNode node{native.schema->name, native.schema->module->ns, native.value};
     for (const native::DataNode &child : native.children) {
         node.children.push_back(tree_of(child));
     }

@@ -6,17 +6,25 @@
 namespace ocpsm::framework {
 
 DataTree::DataTree(const RequestNode &root) {
-    Block &block = blocks_.emplace_back();
-    block.push_back(build(root));
+    Kept kept;
+    blocks_.emplace_back().push_back(build(root, kept));
 }
 
 DataTree::DataTree(const kidl_yfw_datatree &root) {
-    Block &block = blocks_.emplace_back();
-    block.push_back(copy(root));
+    Kept kept;
+    blocks_.emplace_back().push_back(copy(root, kept));
 }
 
 char *DataTree::keep(std::string_view text) {
     return texts_.emplace_back(text).data();
+}
+
+char *DataTree::keep_namespace(std::string_view text, Kept &kept) {
+    const auto [place, is_new] = kept.try_emplace(text.data());
+    if (is_new) {
+        place->second = keep(text);
+    }
+    return place->second;
 }
 
 void DataTree::give_children(kidl_yfw_datatree &node, Block &block) {
@@ -25,11 +33,11 @@ void DataTree::give_children(kidl_yfw_datatree &node, Block &block) {
     node.flags |= YFW_NODE_CHILDREN_VALID;
 }
 
-kidl_yfw_datatree DataTree::build(const RequestNode &node) {
+kidl_yfw_datatree DataTree::build(const RequestNode &node, Kept &kept) {
     kidl_yfw_datatree made{};
     made.tag = keep(node.tag);
-    made.namespace_uri = node.namespace_uri.empty() ? nullptr : keep(node.namespace_uri);
-    made.operation = node.operation;
+    made.namespace_uri = node.namespace_uri.empty() ? nullptr : keep_namespace(node.namespace_uri, kept);
+    made.operation = static_cast<uint32_t>(node.operation);
     made.flags = YFW_NODE_IN_USE;
     if (node.value) {
         made.value = keep(*node.value);
@@ -39,17 +47,17 @@ kidl_yfw_datatree DataTree::build(const RequestNode &node) {
         Block children;
         children.reserve(node.children.size());
         for (const RequestNode &child : node.children) {
-            children.push_back(build(child));
+            children.push_back(build(child, kept));
         }
         give_children(made, blocks_.emplace_back(std::move(children)));
     }
     return made;
 }
 
-kidl_yfw_datatree DataTree::copy(const kidl_yfw_datatree &node) {
+kidl_yfw_datatree DataTree::copy(const kidl_yfw_datatree &node, Kept &kept) {
     kidl_yfw_datatree made = node;
     made.tag = node.tag == nullptr ? nullptr : keep(node.tag);
-    made.namespace_uri = node.namespace_uri == nullptr ? nullptr : keep(node.namespace_uri);
+    made.namespace_uri = node.namespace_uri == nullptr ? nullptr : keep_namespace(node.namespace_uri, kept);
     made.value = node.value == nullptr ? nullptr : keep(node.value);
     made.children = nullptr;
     made.child_count = 0;
@@ -58,7 +66,7 @@ kidl_yfw_datatree DataTree::copy(const kidl_yfw_datatree &node) {
         Block children;
         children.reserve(visible.size());
         for (const kidl_yfw_datatree &child : visible) {
-            children.push_back(copy(child));
+            children.push_back(copy(child, kept));
         }
         Block &block = blocks_.emplace_back(std::move(children));
         made.children = block.data();
@@ -75,7 +83,8 @@ kidl_yfw_datatree &DataTree::add_child(kidl_yfw_datatree &parent, const RequestN
     if (block == blocks_.end()) {
         block = blocks_.emplace(blocks_.end());
     }
-    block->push_back(build(leaf));
+    Kept kept;
+    block->push_back(build(leaf, kept));
     give_children(parent, *block);
     return block->back();
 }

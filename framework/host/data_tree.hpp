@@ -9,9 +9,10 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
-#include "framework/request/node.hpp"
+#include "framework/request_tree.hpp"
 #include "yfw_map.h"
 
 namespace ocpsm::framework {
@@ -42,10 +43,12 @@ public:
 
 private:
     using Block = std::vector<kidl_yfw_datatree>;
+    using Kept = std::unordered_map<const char *, char *>; // namespaces, which many nodes share, by the original text
 
     char *keep(std::string_view text);
-    kidl_yfw_datatree build(const RequestNode &node);
-    kidl_yfw_datatree copy(const kidl_yfw_datatree &node);
+    char *keep_namespace(std::string_view text, Kept &kept);
+    kidl_yfw_datatree build(const RequestNode &node, Kept &kept);
+    kidl_yfw_datatree copy(const kidl_yfw_datatree &node, Kept &kept);
     void give_children(kidl_yfw_datatree &node, Block &block);
 
     std::deque<std::string> texts_;

@@ -57,7 +57,8 @@ kerrno yfw_map_datatree_add_path_flagged(yfw_map_ctx ctx, struct kidl_yfw_datatr
         add.result = ocpsm::framework::invalid_arguments;
     } else {
         kidl_yfw_datatree &node = context->add_below(
-            *tree, {tag, add.namespace_uri, add.value, add.source_operation.value_or(YFW_OPERATION_MERGE), {}});
+            *tree, {tag, add.namespace_uri, add.value,
+                    static_cast<ocpsm::Operation>(add.source_operation.value_or(YFW_OPERATION_MERGE))});
         if (result != nullptr) {
             *result = &node;
         }

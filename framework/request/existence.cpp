@@ -3,10 +3,13 @@
 #include <libyang/libyang.h>
 
 #include <algorithm>
+#include <set>
 #include <string_view>
+#include <utility>
 
 #include "framework/error.hpp"
 #include "framework/models/models.hpp"
+#include "framework/openconfig.hpp"
 #include "framework/request/instance_path.hpp"
 #include "framework/text.hpp"
 
@@ -14,30 +17,17 @@ namespace ocpsm::framework {
 
 namespace {
 
-bool takes_away(uint32_t operation) {
-    return operation == YFW_OPERATION_DELETE || operation == YFW_OPERATION_REMOVE;
-}
-
-const lysc_node *schema_of(const RequestNode &node, const lysc_node *parent) {
+const lysc_node *known_schema(const RequestNode &node, const lysc_node *parent) {
     const lysc_node *schema = models::Schema::openconfig().child(parent, node.tag, node.namespace_uri);
     return schema != nullptr && node.namespace_uri == schema->module->ns ? schema : nullptr;
 }
 
-// A key of an entry as the edit gives it; none where it does not, or without a value.
-std::optional<std::string> key_of(const RequestNode &entry, std::string_view key) {
-    const auto found = std::find_if(entry.children.begin(), entry.children.end(), [&](const RequestNode &child) {
-        return child.tag == key && child.namespace_uri == entry.namespace_uri;
-    });
-    const bool named = found != entry.children.end() && found->value && !found->value->empty();
-    return named ? found->value : std::nullopt;
-}
-
-// An edit's node, what is there of it, and where.
+// An edit's node, and what is there of it; where it is is said only in a refusal.
 struct Place {
+    const Place *above; // null: a top node
     const RequestNode &node;
     const lysc_node &schema;
     const AnswerNode *standing; // null: it is not there
-    std::string path;
 };
 
 // The entry with the keys of an edited one, or the node with this schema.
@@ -45,53 +35,46 @@ const AnswerNode *find_standing(const std::vector<AnswerNode> &nodes, const Requ
                                 const lysc_node &schema) {
     const auto keys = models::key_names(schema);
     const auto is_it = [&](const AnswerNode &candidate) {
-        return candidate.schema == &schema && std::all_of(keys.begin(), keys.end(), [&](std::string_view key) {
-                   const AnswerNode *leaf = find_child(candidate, key);
-                   return leaf != nullptr && leaf->value == key_of(node, key);
+        return candidate.schema == &schema && std::all_of(keys.begin(), keys.end(), [&](std::string_view name) {
+                   const AnswerNode *leaf = find_child(candidate, name);
+                   const RequestNode *key = find_key(node, name);
+                   return leaf != nullptr && key != nullptr && leaf->value == key->value;
                });
     };
     const auto found = std::find_if(nodes.begin(), nodes.end(), is_it);
     return found == nodes.end() ? nullptr : &*found;
 }
 
-std::string path_of(const RequestNode &node, const lysc_node &schema, const std::string &above) {
-    std::string path = above + "/" + node.tag;
-    for (const std::string_view key : models::key_names(schema)) {
-        if (const auto value = key_of(node, key)) {
-            path += key_predicate(key, *value);
-        }
-    }
-    return path;
+std::string path_of(const Place &place) {
+    return (place.above == nullptr ? std::string() : path_of(*place.above)) + path_step(place.node, &place.schema);
 }
 
 [[noreturn]] void refuse(const std::string &tag, const Place &place, const std::string &message,
-                         const std::string &advice) {
-    throw Error(Error::Source::refused, tag, place.path, message, advice);
+                         std::string_view advice) {
+    throw Error(Error::Source::refused, tag, path_of(place), message, std::string(advice));
 }
 
 // Modules are fitted, not configured.
 void check_entry(const Place &place) {
-    if (place.schema.nodetype == LYS_LIST && place.standing == nullptr &&
-        place.node.operation != YFW_OPERATION_REMOVE) {
-        const std::string name = key_of(place.node, models::key_names(place.schema).front()).value_or("");
-        refuse("data-missing", place, "there is no module '" + one_line(name) + "'",
+    if (place.schema.nodetype == LYS_LIST && place.standing == nullptr && place.node.operation != Operation::remove) {
+        const RequestNode *key = find_key(place.node, openconfig::key_name);
+        refuse("data-missing", place, "there is no module '" + one_line(*key->value) + "'",
                "name one that is fitted, exactly as a read shows it");
     }
 }
 
 void check_operation(const Place &place) {
-    if (place.node.operation == YFW_OPERATION_CREATE && place.standing != nullptr) {
+    if (place.node.operation == Operation::create && place.standing != nullptr) {
         refuse("data-exists", place, place.node.tag + " is to be created, but is there already", "merge or replace it");
     }
-    if (place.node.operation == YFW_OPERATION_DELETE && place.standing == nullptr) {
-        refuse("data-missing", place, place.node.tag + " is to be deleted, but is not there",
-               "use the operation remove if that is no error");
+    if (place.node.operation == Operation::delete_existing && place.standing == nullptr) {
+        refuse("data-missing", place, place.node.tag + " is to be deleted, but is not there", remove_instead);
     }
 }
 
 // The list of modules.
 const lysc_node *module_list() {
-    return models::Schema::openconfig().find("/aps/aps-modules/aps-module");
+    return models::Schema::openconfig().find(openconfig::list_path);
 }
 
 bool is_around_modules(const lysc_node &schema) {
@@ -104,39 +87,55 @@ bool is_settled_here(const RequestNode &node, const lysc_node &schema) {
     const lysc_node *const leaf = &schema;
     return (schema.flags & LYS_CONFIG_W) != 0 && !lysc_is_key(leaf) &&
            std::all_of(keys.begin(), keys.end(),
-                       [&node](std::string_view key) { return key_of(node, key).has_value(); });
+                       [&node](std::string_view key) { return find_key(node, key) != nullptr; });
 }
 
 // A replaced container of modules goes over to the modules that are there.
 bool goes_below(const RequestNode &node, const lysc_node &schema) {
-    return !takes_away(node.operation) && (node.operation != YFW_OPERATION_REPLACE || is_around_modules(schema));
+    return !takes_away(node.operation) && (node.operation != Operation::replace || is_around_modules(schema));
 }
 
-void settle_below(std::vector<RequestNode> &nodes, const lysc_node *parent, const std::vector<AnswerNode> &standing,
-                  const std::string &above) {
-    std::vector<RequestNode> kept;
+// What stands below a node that is not there.
+const std::vector<AnswerNode> nothing;
+
+// Returns whether the node stays in the edit.
+bool settle(RequestNode &node, const Place *above, const std::vector<AnswerNode> &standing);
+
+void settle_below(std::vector<RequestNode> &nodes, const Place *above, const std::vector<AnswerNode> &standing) {
+    // A node stays where it is until all are settled: refusals show the keys of the entry around them.
+    std::vector<bool> stays;
     for (RequestNode &node : nodes) {
-        const lysc_node *schema = schema_of(node, parent);
-        if (schema != nullptr && is_settled_here(node, *schema)) {
-            const Place place{node, *schema, find_standing(standing, node, *schema), path_of(node, *schema, above)};
-            check_entry(place);
-            check_operation(place);
-            if (schema == module_list() && place.standing == nullptr) {
-                continue;
-            }
-            if (goes_below(node, *schema)) {
-                settle_below(node.children, schema,
-                             place.standing == nullptr ? std::vector<AnswerNode>() : place.standing->children,
-                             place.path);
-            }
-        }
-        kept.push_back(std::move(node));
+        stays.push_back(settle(node, above, standing));
     }
-    nodes = std::move(kept);
+    auto settled = stays.begin();
+    nodes.erase(std::remove_if(nodes.begin(), nodes.end(), [&settled](const RequestNode &) { return !*settled++; }),
+                nodes.end());
 }
 
-void collect_names(const RequestNode &node, const lysc_node *parent, std::vector<std::string> &names) {
-    const lysc_node *schema = schema_of(node, parent);
+bool settle(RequestNode &node, const Place *above, const std::vector<AnswerNode> &standing) {
+    const lysc_node *schema = known_schema(node, above == nullptr ? nullptr : &above->schema);
+    if (schema == nullptr || !is_settled_here(node, *schema)) {
+        return true;
+    }
+    const Place place{above, node, *schema, find_standing(standing, node, *schema)};
+    check_entry(place);
+    check_operation(place);
+    if (schema == module_list() && place.standing == nullptr) {
+        return false;
+    }
+    if (goes_below(node, *schema)) {
+        settle_below(node.children, &place, place.standing == nullptr ? nothing : place.standing->children);
+    }
+    return true;
+}
+
+struct Names {
+    std::vector<std::string> in_order;
+    std::set<std::string> all;
+};
+
+void collect_names(const RequestNode &node, const lysc_node *parent, Names &names) {
+    const lysc_node *schema = known_schema(node, parent);
     if (schema == nullptr) {
         return;
     }
@@ -146,16 +145,16 @@ void collect_names(const RequestNode &node, const lysc_node *parent, std::vector
         }
         return;
     }
-    const auto name = key_of(node, models::key_names(*schema).front());
-    if (name && std::find(names.begin(), names.end(), *name) == names.end()) {
-        names.push_back(*name);
+    const RequestNode *key = find_key(node, openconfig::key_name);
+    if (key != nullptr && names.all.insert(*key->value).second) {
+        names.in_order.push_back(*key->value);
     }
 }
 
 bool has_operation(const RequestNode &node, const lysc_node *parent) {
-    const lysc_node *schema = schema_of(node, parent);
+    const lysc_node *schema = known_schema(node, parent);
     return schema != nullptr && is_around_modules(*schema) &&
-           (node.operation != YFW_OPERATION_MERGE ||
+           (node.operation != Operation::merge ||
             std::any_of(node.children.begin(), node.children.end(),
                         [schema](const RequestNode &child) { return has_operation(child, schema); }));
 }
@@ -163,11 +162,11 @@ bool has_operation(const RequestNode &node, const lysc_node *parent) {
 } // namespace
 
 std::vector<std::string> named_modules(const std::vector<RequestNode> &tops) {
-    std::vector<std::string> names;
+    Names names;
     for (const RequestNode &top : tops) {
         collect_names(top, nullptr, names);
     }
-    return names;
+    return std::move(names.in_order);
 }
 
 bool concerns_all_modules(const std::vector<RequestNode> &tops) {
@@ -175,7 +174,7 @@ bool concerns_all_modules(const std::vector<RequestNode> &tops) {
 }
 
 void settle_existence(std::vector<RequestNode> &tops, const std::vector<AnswerNode> &standing) {
-    settle_below(tops, nullptr, standing, "");
+    settle_below(tops, nullptr, standing);
 }
 
 } // namespace ocpsm::framework

@@ -6,13 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "framework/host/data_tree.hpp"
-#include "framework/kind.hpp"
+#include "framework/request_tree.hpp"
 
 namespace ocpsm::framework {
 
 // A read: one tree per list entry that it names; where it names none, one for each top node.
-std::vector<RequestNode> hand_over_read(const std::vector<RequestNode> &tops);
+std::vector<RequestNode> hand_over_read(std::vector<RequestNode> tops);
 
 /*
  * An edit, whole; no tree when it says nothing.

@@ -4,23 +4,15 @@
 #include <utility>
 
 #include "framework/models/models.hpp"
+#include "framework/openconfig.hpp"
 #include "framework/request/instance_path.hpp"
 
 namespace ocpsm::framework {
 
-namespace {
-
-constexpr std::string_view top = "aps";
-constexpr std::string_view container = "aps-modules";
-constexpr std::string_view list = "aps-module";
-constexpr std::string_view key = "name";
-
-} // namespace
-
 RequestNode read_of_instance(const std::string &name) {
-    const std::string space(models::Schema::openconfig().describe("/aps")->namespace_uri);
-    RequestNode node{std::string(key), space, name};
-    for (const std::string_view tag : {list, container, top}) {
+    const NamespaceName space = models::Schema::openconfig().describe(openconfig::top_path)->namespace_uri;
+    RequestNode node{std::string(openconfig::key_name), space, name};
+    for (const std::string_view tag : {openconfig::list_name, openconfig::container_name, openconfig::top_name}) {
         RequestNode around{std::string(tag), space};
         around.children.push_back(std::move(node));
         node = std::move(around);
@@ -30,7 +22,7 @@ RequestNode read_of_instance(const std::string &name) {
 
 std::optional<std::string> instance_of_read(const RequestNode &request) {
     const RequestNode *node = &request;
-    for (const std::string_view tag : {container, list, key}) {
+    for (const std::string_view tag : {openconfig::container_name, openconfig::list_name, openconfig::key_name}) {
         const RequestNode *found = nullptr;
         for (const RequestNode &child : node->children) {
             if (found == nullptr && child.tag == tag && child.namespace_uri == node->namespace_uri) {
@@ -46,7 +38,7 @@ std::optional<std::string> instance_of_read(const RequestNode &request) {
 }
 
 std::string instance_path(const std::string &name) {
-    return "/aps/aps-modules/aps-module" + key_predicate(key, name);
+    return std::string(openconfig::list_path) + key_predicate(openconfig::key_name, name);
 }
 
 } // namespace ocpsm::framework

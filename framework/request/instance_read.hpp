@@ -1,11 +1,11 @@
-// Reads of one instance of the model's list, /aps/aps-modules/aps-module.
+// Reads of one instance of the model's list.
 #ifndef OCPSM_FRAMEWORK_REQUEST_INSTANCE_READ_HPP
 #define OCPSM_FRAMEWORK_REQUEST_INSTANCE_READ_HPP
 
 #include <optional>
 #include <string>
 
-#include "framework/host/data_tree.hpp"
+#include "framework/request_tree.hpp"
 
 namespace ocpsm::framework {
 

@@ -2,28 +2,27 @@
 #ifndef OCPSM_FRAMEWORK_REQUEST_NODE_PATH_HPP
 #define OCPSM_FRAMEWORK_REQUEST_NODE_PATH_HPP
 
-#include <string>
 #include <string_view>
 #include <vector>
 
-#include "framework/request/node.hpp"
+#include "framework/request_tree.hpp"
 
 namespace ocpsm::framework {
 
 /*
  * A path names its steps with or without the module's name or prefix, and entries by their keys, the value with or
- * without quotes: /aps/aps-modules/aps-module[name=0/1-PSM-OM]/config/revertive. All of these throw ocpsm::Error
- * (input) with the path for one that cannot be read or that the model does not have.
+ * without quotes: /aps/aps-modules/aps-module[name=0/1-PSM-OM]/config/revertive. All of these make ready trees, and
+ * throw ocpsm::Error (input) with the path for one that cannot be read or that the model does not have.
  */
 
 // Selects the node, whole. "/" and the empty path select everything.
-std::vector<WrittenNode> read_of(std::string_view path);
+std::vector<RequestNode> read_of(std::string_view path);
 
 // Merges a leaf; every list on the way needs its key.
-std::vector<WrittenNode> setting_of(std::string_view path, std::string_view value);
+std::vector<RequestNode> setting_of(std::string_view path, std::string_view value);
 
-// Deletes a node; every list on the way, and at the end, needs its key.
-std::vector<WrittenNode> deletion_of(std::string_view path);
+// Takes a node away, `operation` being delete or remove; every list on the way, and at the end, needs its key.
+std::vector<RequestNode> deletion_of(std::string_view path, Operation operation = Operation::delete_existing);
 
 } // namespace ocpsm::framework
 

@@ -6,12 +6,14 @@
 #include <iterator>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <utility>
 
 #include "framework/error.hpp"
 #include "framework/models/models.hpp"
 #include "framework/quiet_library.hpp"
 #include "framework/request/syntax.hpp"
+#include "framework/text.hpp"
 
 namespace ocpsm::framework {
 
@@ -33,6 +35,10 @@ struct FreeTree {
 };
 using Parsed = std::unique_ptr<lyd_node, FreeTree>;
 
+struct FreeNode {
+    void operator()(lyd_node *node) const noexcept { lyd_free_tree(node); }
+};
+
 // A context without any model keeps everything as it was written.
 ly_ctx &modelless_context() {
     static const std::unique_ptr<ly_ctx, DestroyContext> context = [] {
@@ -45,7 +51,8 @@ ly_ctx &modelless_context() {
     return *context;
 }
 
-Parsed parse(const std::string &text, LYD_FORMAT format) {
+// The text is released with the call: the tree has texts of its own.
+Parsed parse(std::string text, LYD_FORMAT format) {
     const QuietLibrary quiet;
     lyd_node *tree = nullptr;
     ly_ctx &context = modelless_context();
@@ -62,21 +69,6 @@ Parsed parse(const std::string &text, LYD_FORMAT format) {
         refuse("malformed-message", "the request cannot be parsed: " + reason, "check the request with a parser");
     }
     return parsed;
-}
-
-// The namespace of a name, by what the format says about it; empty when it says nothing.
-std::string namespace_of(const ly_opaq_name &name, LY_VALUE_FORMAT format) {
-    if (name.module_ns == nullptr) {
-        return {};
-    }
-    if (format != LY_VALUE_JSON) {
-        return name.module_ns;
-    }
-    if (name.module_name == netconf_module) {
-        return std::string(netconf_namespace);
-    }
-    const lys_module *module = ly_ctx_get_module_implemented(models::Schema::openconfig().context(), name.module_name);
-    return module == nullptr ? name.module_name : module->ns;
 }
 
 ValueForm form_of(const lyd_node_opaq &node) {
@@ -97,98 +89,157 @@ ValueForm form_of(const lyd_node_opaq &node) {
  * Without a model the JSON parser takes the annotations of a leaf for a node of the leaf's name whose children are the
  * annotations. No model has nodes in NETCONF's own namespace, so they can be told apart.
  */
-bool holds_annotations(const WrittenNode &node) {
-    const auto foreign = [](const WrittenNode &child) { return child.namespace_uri != netconf_namespace; };
+bool holds_annotations(const RequestNode &node) {
+    const auto foreign = [](const RequestNode &child) { return child.namespace_uri != netconf_namespace; };
     return node.form == ValueForm::none && !node.children.empty() &&
            std::none_of(node.children.begin(), node.children.end(), foreign);
 }
 
-std::vector<Attribute> annotations_in(const WrittenNode &holder) {
-    std::vector<Attribute> annotations = holder.attributes;
-    for (const WrittenNode &child : holder.children) {
-        annotations.push_back({child.namespace_uri, child.tag, child.value});
+void add_annotations(RequestNode &node, RequestNode &&holder) {
+    std::move(holder.attributes.begin(), holder.attributes.end(), std::back_inserter(node.attributes));
+    for (RequestNode &child : holder.children) {
+        node.attributes.push_back({child.namespace_uri, std::move(child.tag), child.value.value_or("")});
     }
-    return annotations;
 }
 
-// Puts annotations on the nodes that they were written for.
-void settle_annotations(std::vector<WrittenNode> &siblings) {
-    std::vector<WrittenNode> settled;
-    std::vector<WrittenNode> holders;
-    for (WrittenNode &node : siblings) {
-        (holds_annotations(node) ? holders : settled).push_back(std::move(node));
+// Puts annotations on the nodes that they were written for, the first of that name.
+void settle_annotations(std::vector<RequestNode> &siblings) {
+    const auto first_holder = std::stable_partition(siblings.begin(), siblings.end(),
+                                                    [](const RequestNode &node) { return !holds_annotations(node); });
+    std::vector<RequestNode> holders(std::make_move_iterator(first_holder), std::make_move_iterator(siblings.end()));
+    siblings.erase(first_holder, siblings.end());
+    std::unordered_map<std::string, std::size_t> positions;
+    const auto name_of = [](const RequestNode &node) { return node.namespace_uri.str() + ":" + node.tag; };
+    for (std::size_t index = 0; index < siblings.size() && !holders.empty(); ++index) {
+        positions.try_emplace(name_of(siblings[index]), index);
     }
-    for (const WrittenNode &holder : holders) {
-        const auto annotated = [&holder](const WrittenNode &node) {
-            return node.tag == holder.tag && node.namespace_uri == holder.namespace_uri;
-        };
-        auto target = std::find_if(settled.begin(), settled.end(), annotated);
-        if (target == settled.end()) {
-            target = settled.insert(settled.end(), {holder.tag, holder.namespace_uri, ValueForm::none, "", {}, {}});
+    for (RequestNode &holder : holders) {
+        const auto [position, alone] = positions.try_emplace(name_of(holder), siblings.size());
+        if (alone) {
+            siblings.push_back({holder.tag, holder.namespace_uri});
         }
-        const std::vector<Attribute> annotations = annotations_in(holder);
-        target->attributes.insert(target->attributes.end(), annotations.begin(), annotations.end());
+        add_annotations(siblings[position->second], std::move(holder));
     }
-    siblings = std::move(settled);
 }
 
-std::vector<WrittenNode> nodes_of(const lyd_node *first, const std::string &inherited) {
-    std::vector<WrittenNode> nodes;
-    for (const lyd_node *sibling = first; sibling != nullptr; sibling = sibling->next) {
-        const auto &opaque = *reinterpret_cast<const lyd_node_opaq *>(sibling);
-        WrittenNode node;
+// Makes a request's tree of the parser's, which is released on the way: there is no moment that has both.
+class TreeBuilder {
+public:
+    std::vector<RequestNode> build(Parsed parsed) {
+        const bool json = parsed != nullptr && is_json(*parsed);
+        std::vector<RequestNode> tops;
+        while (parsed != nullptr) {
+            lyd_node *top = parsed.release();
+            parsed.reset(top->next);
+            tops.push_back(node_of(top, {}));
+        }
+        if (json) {
+            settle_annotations(tops);
+        }
+        return tops;
+    }
+
+private:
+    // The namespace of a name, by what the format says about it; empty when it says nothing.
+    NamespaceName namespace_of(const ly_opaq_name &name, LY_VALUE_FORMAT format) {
+        if (name.module_ns == nullptr) {
+            return {};
+        }
+        const auto [known, is_new] = namespaces_.try_emplace(name.module_ns);
+        if (is_new) {
+            known->second = format == LY_VALUE_JSON ? namespace_of_module(name.module_name) : name.module_ns;
+        }
+        return known->second;
+    }
+
+    static NamespaceName namespace_of_module(const char *name) {
+        if (name == netconf_module) {
+            return netconf_namespace;
+        }
+        const lys_module *module = ly_ctx_get_module_implemented(models::Schema::openconfig().context(), name);
+        return module == nullptr ? name : module->ns;
+    }
+
+    static bool is_json(const lyd_node &node) {
+        return reinterpret_cast<const lyd_node_opaq &>(node).format == LY_VALUE_JSON;
+    }
+
+    std::vector<RequestNode> children_of(const lyd_node_opaq &parent, const NamespaceName &inherited) {
+        std::size_t count = 0;
+        for (const lyd_node *child = parent.child; child != nullptr; child = child->next) {
+            ++count;
+        }
+        std::vector<RequestNode> children;
+        children.reserve(count);
+        while (parent.child != nullptr) {
+            children.push_back(node_of(parent.child, inherited));
+        }
+        if (parent.format == LY_VALUE_JSON) {
+            settle_annotations(children);
+        }
+        return children;
+    }
+
+    // Releases the node, which takes it out of its parent.
+    RequestNode node_of(lyd_node *taken, const NamespaceName &inherited) {
+        const std::unique_ptr<lyd_node, FreeNode> held(taken);
+        const auto &opaque = *reinterpret_cast<const lyd_node_opaq *>(taken);
+        RequestNode node;
         node.tag = opaque.name.name;
         node.namespace_uri = namespace_of(opaque.name, opaque.format);
         if (node.namespace_uri.empty() && opaque.format == LY_VALUE_JSON) {
             node.namespace_uri = inherited;
         }
         node.form = form_of(opaque);
-        node.value = opaque.value == nullptr ? "" : opaque.value;
+        if (node.form != ValueForm::none && node.form != ValueForm::empty_element) {
+            node.value = opaque.value == nullptr ? "" : opaque.value;
+        }
         for (const lyd_attr *attribute = opaque.attr; attribute != nullptr; attribute = attribute->next) {
             node.attributes.push_back({namespace_of(attribute->name, attribute->format), attribute->name.name,
                                        attribute->value == nullptr ? "" : attribute->value});
         }
-        node.children = nodes_of(opaque.child, node.namespace_uri);
-        nodes.push_back(std::move(node));
+        node.children = children_of(opaque, node.namespace_uri);
+        return node;
     }
-    if (first != nullptr && reinterpret_cast<const lyd_node_opaq *>(first)->format == LY_VALUE_JSON) {
-        settle_annotations(nodes);
-    }
-    return nodes;
-}
+
+    std::unordered_map<const char *, NamespaceName> namespaces_; // by the parser's own texts, which it keeps once each
+};
 
 // An element around the whole text takes several top elements, and gives those without a namespace NETCONF's own,
 // without which the XML parser refuses them.
-std::vector<WrittenNode> parse_xml(std::string_view body) {
+std::vector<RequestNode> parse_xml(std::string_view body) {
     std::string text = "<request xmlns=\"";
     text.append(netconf_namespace).append("\">").append(body).append(wrapper_end);
-    const Parsed parsed = parse(text, LYD_XML);
-    std::vector<WrittenNode> wrapper = nodes_of(parsed.get(), "");
+    std::vector<RequestNode> wrapper = TreeBuilder().build(parse(std::move(text), LYD_XML));
     if (wrapper.size() != 1 || wrapper.front().form == ValueForm::text) {
         refuse("malformed-message", "the request has text outside of its elements", "check the request with a parser");
     }
     return std::move(wrapper.front().children);
 }
 
-void check_filter(const WrittenNode &filter) {
-    for (const Attribute &attribute : filter.attributes) {
+void check_filter(const RequestNode &filter) {
+    for (const RequestAttribute &attribute : filter.attributes) {
         if (attribute.name == "type" && attribute.value == "subtree") {
             continue;
         }
         refuse("operation-not-supported",
-               "a filter with " + attribute.name + " \"" + attribute.value + "\" is not supported",
+               "a filter with " + attribute.name + " " + quoted(attribute.value) + " is not supported",
                "use a subtree filter");
     }
 }
 
 // The content of <filter> and <config>, in place of them.
-std::vector<WrittenNode> unwrap(std::vector<WrittenNode> tops, Kind kind) {
-    std::vector<WrittenNode> content;
-    for (WrittenNode &top : tops) {
-        const bool netconf = top.namespace_uri == netconf_namespace;
-        const bool filter = netconf && top.tag == "filter";
-        const bool config = netconf && top.tag == "config";
-        if (!filter && !config) {
+std::vector<RequestNode> unwrap(std::vector<RequestNode> tops, Kind kind) {
+    const auto wraps = [](const RequestNode &top) {
+        return top.namespace_uri == netconf_namespace && (top.tag == "filter" || top.tag == "config");
+    };
+    if (std::none_of(tops.begin(), tops.end(), wraps)) {
+        return tops;
+    }
+    std::vector<RequestNode> content;
+    for (RequestNode &top : tops) {
+        const bool filter = top.tag == "filter";
+        if (!wraps(top)) {
             content.push_back(std::move(top));
             continue;
         }
@@ -212,13 +263,12 @@ std::vector<WrittenNode> unwrap(std::vector<WrittenNode> tops, Kind kind) {
 
 } // namespace
 
-std::vector<WrittenNode> parse_request(std::string_view text, Kind kind) {
+std::vector<RequestNode> parse_request(std::string_view text, Kind kind) {
     const RequestText request = inspect(text);
     if (request.syntax == Syntax::xml) {
         return unwrap(parse_xml(request.body), kind);
     }
-    const Parsed parsed = parse(std::string(request.body), LYD_JSON);
-    return unwrap(nodes_of(parsed.get(), ""), kind);
+    return unwrap(TreeBuilder().build(parse(std::string(request.body), LYD_JSON)), kind);
 }
 
 } // namespace ocpsm::framework

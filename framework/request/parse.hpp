@@ -1,4 +1,4 @@
-// From the text of a request to its nodes, exactly as they were written: order, attributes and all.
+// From the text of a request to its tree, exactly as it was written: order, attributes and all.
 #ifndef OCPSM_FRAMEWORK_REQUEST_PARSE_HPP
 #define OCPSM_FRAMEWORK_REQUEST_PARSE_HPP
 
@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "framework/kind.hpp"
-#include "framework/request/node.hpp"
+#include "framework/request_tree.hpp"
 
 namespace ocpsm::framework {
 
@@ -16,7 +16,7 @@ namespace ocpsm::framework {
  * namespace. A JSON annotation without its leaf makes the leaf, without a value.
  * Throws ocpsm::Error (input) for a text that cannot be read, and for a <filter> in an edit or a <config> in a read.
  */
-std::vector<WrittenNode> parse_request(std::string_view text, Kind kind);
+std::vector<RequestNode> parse_request(std::string_view text, Kind kind);
 
 } // namespace ocpsm::framework
 

@@ -1,5 +1,7 @@
 #include "framework/request/passed_over.hpp"
 
+#include <libyang/libyang.h>
+
 #include "framework/host/data_tree.hpp"
 #include "framework/models/models.hpp"
 #include "framework/request/instance_path.hpp"
@@ -8,39 +10,85 @@ namespace ocpsm::framework {
 
 namespace {
 
-void look(const kidl_yfw_datatree &node, const std::string &schema_path, const std::string &path,
-          Selections &selections) {
-    const models::Schema &schema = models::Schema::openconfig();
-    const std::string here = schema_path + "/" + (node.tag == nullptr ? "" : node.tag);
-    const std::string instance = path + instance_step(schema, here, node);
+constexpr std::size_t most_paths = 16;
+
+} // namespace
+
+// A node on the way down; its path is made only where it is shown.
+struct Selections::Level {
+    const Level *above;
+    const kidl_yfw_datatree &node;
+
+    std::string schema_path() const {
+        return (above == nullptr ? "" : above->schema_path()) + "/" + (node.tag == nullptr ? "" : node.tag);
+    }
+    std::string instance_path() const {
+        return (above == nullptr ? "" : above->instance_path()) +
+               instance_step(models::Schema::openconfig(), schema_path(), node);
+    }
+};
+
+void Selections::pass_over(const Level &level) {
+    const lysc_node *schema = models::Schema::openconfig().find(level.schema_path());
+    const bool state = kind_ == Kind::get_config && schema != nullptr && (schema->flags & LYS_CONFIG_R) != 0;
+    Paths &paths = state ? state_ : unsupported_;
+    if (++paths.count <= most_paths) {
+        paths.first.push_back(level.instance_path());
+    }
+}
+
+std::size_t Selections::look(const kidl_yfw_datatree &node, const Level *above) {
+    const Level level{above, node};
     const auto children = children_of(node);
     if (children.empty()) {
         // Every walker says of its node what kind of node it is; without a walker nobody does.
-        if ((node.second_flags & YFW_NODE2_KIND_SET) != 0) {
-            ++selections.walked;
-        } else {
-            selections.passed_over.push_back(instance);
+        const bool walked = (node.second_flags & YFW_NODE2_KIND_SET) != 0;
+        if (!walked) {
+            pass_over(level);
         }
-        return;
+        return walked ? 1 : 0;
     }
+    std::size_t walked = 0;
     bool only_keys = true;
     for (const kidl_yfw_datatree &child : children) {
         if ((child.flags & YFW_NODE_KEY_CONSUMED) == 0) {
             only_keys = false;
-            look(child, here, instance, selections);
+            walked += look(child, &level);
         }
     }
-    if (only_keys) {
-        ++selections.walked;
-    }
+    return only_keys ? 1 : walked;
 }
 
-} // namespace
+std::size_t Selections::add(const kidl_yfw_datatree &walked) {
+    const std::size_t count = look(walked, nullptr);
+    any_walked_ = any_walked_ || count != 0;
+    return count;
+}
 
-Selections selections_of(const kidl_yfw_datatree &walked) {
-    Selections selections;
-    look(walked, "", "", selections);
-    return selections;
+std::string Selections::Paths::text() const {
+    std::string text;
+    for (const std::string &path : first) {
+        text.append(text.empty() ? "" : ", ").append(path);
+    }
+    if (count > first.size()) {
+        text.append(" and ").append(std::to_string(count - first.size())).append(" more");
+    }
+    return text;
+}
+
+std::vector<std::string> Selections::warnings() const {
+    std::vector<std::string> texts;
+    if (state_.count != 0) {
+        texts.push_back("operational state is no configuration and left out, read it without --config: " +
+                        state_.text());
+    }
+    if (unsupported_.count != 0) {
+        texts.push_back((any_walked_ || state_.count != 0
+                             ? "not supported and left out: "
+                             : "nothing that was selected is supported, the answer is empty: ") +
+                        unsupported_.text());
+    }
+    return texts;
 }
 
 } // namespace ocpsm::framework

@@ -2,20 +2,45 @@
 #ifndef OCPSM_FRAMEWORK_REQUEST_PASSED_OVER_HPP
 #define OCPSM_FRAMEWORK_REQUEST_PASSED_OVER_HPP
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
+#include "framework/kind.hpp"
 #include "yfw_map.h"
 
 namespace ocpsm::framework {
 
-struct Selections {
-    std::size_t walked = 0;               // selected nodes that the plug-in has a walker for
-    std::vector<std::string> passed_over; // instance paths of the others
-};
+// The selections of one read, all its trees together. Selected are nodes without children, list keys left out.
+class Selections {
+public:
+    explicit Selections(Kind kind) : kind_(kind) {}
 
-// Looks through a tree that was walked for a read. Selected are its nodes without children, list keys left out.
-Selections selections_of(const kidl_yfw_datatree &walked);
+    // Looks through a tree that was walked for the read. Returns how many of its selected nodes the plug-in has a
+    // walker for.
+    std::size_t add(const kidl_yfw_datatree &walked);
+
+    // A text for each reason for which nodes were passed over, with their instance paths, the first 16 of them: the
+    // model calls them operational state and the read is one of configuration, or there is no walker.
+    std::vector<std::string> warnings() const;
+
+private:
+    struct Paths {
+        std::vector<std::string> first;
+        std::size_t count = 0;
+
+        std::string text() const;
+    };
+
+    struct Level;
+    std::size_t look(const kidl_yfw_datatree &node, const Level *above);
+    void pass_over(const Level &level);
+
+    Kind kind_;
+    bool any_walked_ = false;
+    Paths unsupported_;
+    Paths state_;
+};
 
 } // namespace ocpsm::framework
 

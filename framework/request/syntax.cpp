@@ -1,6 +1,7 @@
 #include "framework/request/syntax.hpp"
 
 #include <algorithm>
+#include <array>
 #include <string>
 
 #include "framework/error.hpp"
@@ -10,6 +11,7 @@ namespace ocpsm::framework {
 namespace {
 
 constexpr std::string_view blanks = " \t\r\n";
+constexpr std::string_view byte_order_mark = "\xef\xbb\xbf";
 
 [[noreturn]] void refuse(const std::string &tag, const std::string &message, const std::string &advice) {
     throw Error(Error::Source::input, tag, "", message, advice);
@@ -19,12 +21,91 @@ constexpr std::string_view blanks = " \t\r\n";
     refuse("malformed-message", message, "check the request with a parser");
 }
 
-void check_depth(std::size_t depth) {
-    if (depth > max_request_depth) {
-        refuse("too-big", "the request is nested deeper than " + std::to_string(max_request_depth) + " levels",
-               "the model needs eight");
+void check_limit(std::size_t count, std::size_t limit, const char *what, const char *unit, const char *advice) {
+    if (count > limit) {
+        refuse("too-big", what + std::to_string(limit) + unit, advice);
     }
 }
+
+void check_name(std::size_t size) {
+    check_limit(size, max_name_size, "a name or an attribute of the request has more than ", " bytes", "shorten it");
+}
+
+/*
+ * What a request has, counted while it is scanned. A level is an element, or an object of JSON with the arrays in it:
+ * their items are siblings.
+ */
+class Count {
+public:
+    void enter(bool metadata = false) {
+        check_limit(depth_ + 1, max_request_depth, "the request is nested deeper than ", " levels",
+                    "the model needs eight");
+        levels_.at(++depth_) = {0, metadata};
+    }
+    void leave() { --depth_; }
+    std::size_t depth() const { return depth_; }
+
+    // A JSON array: its items count for the object around it, those of metadata for themselves.
+    void enter_array(bool metadata) {
+        const std::size_t children = levels_.at(depth_).children;
+        enter(metadata);
+        levels_.at(depth_).children = metadata ? 0 : children;
+    }
+    void leave_array() {
+        const Level array = levels_.at(depth_);
+        leave();
+        if (!array.metadata) {
+            levels_.at(depth_).children = array.children;
+        }
+    }
+    bool in_metadata() const { return levels_.at(depth_).metadata; }
+
+    // A child of the current level.
+    void add_child() {
+        Level &level = levels_.at(depth_);
+        ++level.children;
+        if (level.metadata) {
+            add_attributes(1, level.children);
+            return;
+        }
+        check_limit(level.children, max_children, "an element of the request has more than ", " children",
+                    "send it in pieces");
+        check_limit(++elements_, max_elements, "the request has more than ", " elements", "send it in pieces");
+    }
+
+    void add_attributes(std::size_t added, std::size_t of_one) {
+        check_limit(of_one, max_attributes_of_one, "an element of the request has more than ", " attributes",
+                    "an operation is all that is known");
+        attributes_ += added;
+        check_limit(attributes_, max_attributes, "the request has more than ", " attributes", "send it in pieces");
+    }
+
+    void declare_namespace(std::size_t size) {
+        ++namespaces_;
+        longest_namespace_ = std::max(longest_namespace_, size);
+    }
+
+    // A value in which so many prefixes may stand; the namespace without a prefix is always kept.
+    void add_value(std::size_t prefixes) {
+        constexpr std::size_t overhead = 128;
+        namespace_use_ += (1 + std::min(prefixes, namespaces_)) * (longest_namespace_ + overhead);
+        check_limit(namespace_use_ >> 20U, max_namespace_use >> 20U, "the values of the request bring along more than ",
+                    " MiB of namespace names", "send it in pieces");
+    }
+
+private:
+    struct Level {
+        std::size_t children;
+        bool metadata;
+    };
+    std::array<Level, max_request_depth + 2> levels_{};
+    std::size_t depth_ = 0;
+    std::size_t elements_ = 0;
+    std::size_t attributes_ = 0;
+    std::size_t namespaces_ = 0;
+    std::size_t longest_namespace_ = 0;
+    std::size_t namespace_use_ = 0;
+};
 
 // The position behind the first `end` at or after `from`.
 std::size_t behind(std::string_view text, std::size_t from, std::string_view end) {
@@ -35,54 +116,119 @@ std::size_t behind(std::string_view text, std::size_t from, std::string_view end
     return at + end.size();
 }
 
+// How many prefixes may stand in a text: colons, and what may stand for one.
+std::size_t prefixes_in(std::string_view text) {
+    return static_cast<std::size_t>(
+        std::count_if(text.begin(), text.end(), [](char c) { return c == ':' || c == '&'; }));
+}
+
 // The position behind the tag that begins at `from`: a ">" in a quoted attribute does not end it.
-std::size_t behind_tag(std::string_view text, std::size_t from) {
-    char quote = '\0';
-    for (std::size_t i = from; i < text.size(); ++i) {
-        const char c = text[i];
-        if (quote != '\0') {
-            quote = c == quote ? '\0' : quote;
-        } else if (c == '"' || c == '\'') {
-            quote = c;
-        } else if (c == '>') {
-            return i + 1;
+std::size_t behind_tag(std::string_view text, std::size_t from, Count &count) {
+    const std::size_t name_end = text.find_first_of(" \t\r\n/>", from + 1);
+    check_name(std::min(name_end, text.size()) - from - 1);
+    std::size_t attributes = 0;
+    std::size_t begin = name_end; // of what is between two quotes
+    for (std::size_t at = name_end; at < text.size(); ++at) {
+        if (text[at] == '>') {
+            check_name(at - begin);
+            return at + 1;
         }
+        if (text[at] != '"' && text[at] != '\'') {
+            continue;
+        }
+        const std::string_view name = text.substr(begin, at - begin);
+        const std::size_t end = text.find(text[at], at + 1);
+        if (end == std::string_view::npos) {
+            break;
+        }
+        const std::string_view value = text.substr(at + 1, end - at - 1);
+        check_name(name.size());
+        check_name(value.size());
+        count.add_attributes(1, ++attributes);
+        if (name.find("xmlns") != std::string_view::npos) {
+            count.declare_namespace(value.size());
+        }
+        count.add_value(prefixes_in(value));
+        begin = end + 1;
+        at = end;
     }
     refuse_malformed("the request ends in the middle of a tag");
 }
 
-void scan_xml(std::string_view text) {
-    std::size_t depth = 0;
-    std::size_t at = text.find('<');
-    while (at != std::string_view::npos) {
-        const std::string_view rest = text.substr(at);
-        std::size_t end = 0;
-        if (rest.starts_with("<!--")) {
-            end = behind(text, at + 4, "-->");
-        } else if (rest.starts_with("<![CDATA[")) {
-            end = behind(text, at, "]]>");
-        } else if (rest.starts_with("<!")) {
-            refuse_malformed("the request has a document type declaration");
-        } else if (rest.starts_with("<?")) {
-            end = behind(text, at, "?>");
-        } else if (rest.starts_with("</")) {
-            end = behind(text, at, ">");
-            if (depth == 0) {
-                refuse_malformed("the request ends an element that it has not begun");
-            }
-            --depth;
-        } else {
-            end = behind_tag(text, at);
-            if (text[end - 2] != '/') {
-                check_depth(++depth);
-            }
+class XmlScan {
+public:
+    explicit XmlScan(std::string_view text) : text_(text) {}
+
+    void run() {
+        std::size_t at = text_.find('<');
+        while (at != std::string_view::npos) {
+            const std::size_t end = behind_markup(at);
+            at = text_.find('<', end);
+            take_characters(end, at);
         }
-        at = text.find('<', end);
+        if (count_.depth() != 0) {
+            refuse_malformed("the request ends in the middle of an element");
+        }
     }
-    if (depth != 0) {
-        refuse_malformed("the request ends in the middle of an element");
+
+private:
+    void take_characters(std::size_t begin, std::size_t end) {
+        const std::string_view characters = text_.substr(begin, std::min(end, text_.size()) - begin);
+        has_characters_ = has_characters_ || !characters.empty();
+        prefixes_ += prefixes_in(characters);
     }
-}
+
+    std::size_t behind_markup(std::size_t at) {
+        const std::string_view rest = text_.substr(at);
+        if (rest.starts_with("<!--")) {
+            return behind(text_, at + 4, "-->");
+        }
+        if (rest.starts_with("<![CDATA[")) {
+            const std::size_t end = behind(text_, at, "]]>");
+            take_characters(at, end);
+            return end;
+        }
+        if (rest.starts_with("<!")) {
+            refuse_malformed("the request has a document type declaration");
+        }
+        if (rest.starts_with("<?")) {
+            return behind(text_, at, "?>");
+        }
+        const std::size_t end = rest.starts_with("</") ? leave(at) : enter(at);
+        has_characters_ = false;
+        prefixes_ = 0;
+        return end;
+    }
+
+    std::size_t enter(std::size_t at) {
+        count_.add_child();
+        const std::size_t end = behind_tag(text_, at, count_);
+        is_leaf_ = text_[end - 2] != '/';
+        if (is_leaf_) {
+            count_.enter();
+        }
+        return end;
+    }
+
+    std::size_t leave(std::size_t at) {
+        const std::size_t end = behind(text_, at, ">");
+        if (count_.depth() == 0) {
+            refuse_malformed("the request ends an element that it has not begun");
+        }
+        count_.leave();
+        if (is_leaf_ && has_characters_) {
+            count_.add_value(prefixes_);
+        }
+        is_leaf_ = false;
+        return end;
+    }
+
+    std::string_view text_;
+    Count count_;
+    bool is_leaf_ = false;        // nothing but characters has come since the last element began
+    bool has_characters_ = false; // since the last tag
+    std::size_t prefixes_ = 0;    // in them
+};
 
 // The position behind the string whose opening quote is at `from`.
 std::size_t behind_string(std::string_view text, std::size_t from) {
@@ -96,70 +242,142 @@ std::size_t behind_string(std::string_view text, std::size_t from) {
     refuse_malformed("the request ends in the middle of a string");
 }
 
-void scan_json(std::string_view text) {
-    std::size_t depth = 0;
-    std::size_t at = 0;
-    while (at < text.size()) {
-        const char c = text[at];
-        if (c == '"') {
-            at = behind_string(text, at);
-            continue;
-        }
-        ++at;
-        if (c == '{' || c == '[') {
-            check_depth(++depth);
-        } else if (c == '}' || c == ']') {
-            --depth; // the text begins with an opening one, and the loop ends when it is closed
-            if (depth == 0) {
+// A JSON text: its brackets and commas tell what it has, wherever they stand.
+class JsonScan {
+public:
+    explicit JsonScan(std::string_view text) : text_(text) {}
+
+    void run() {
+        while (at_ < text_.size()) {
+            step();
+            if (count_.depth() == 0) {
                 break;
             }
         }
+        if (count_.depth() != 0) {
+            refuse_malformed("the request ends in the middle of a JSON object");
+        }
+        if (text_.find_first_not_of(blanks, at_) != std::string_view::npos) {
+            refuse_malformed("something stands behind the JSON object");
+        }
     }
-    if (depth != 0) {
-        refuse_malformed("the request ends in the middle of a JSON object");
+
+private:
+    void step() {
+        const char c = text_[at_];
+        if (c == '"') {
+            take_string();
+            return;
+        }
+        ++at_;
+        if (c == '{' || c == '[') {
+            open(c == '[');
+        } else if (c == '}' || c == ']') {
+            close();
+        } else if (c == ',') {
+            count_.add_child();
+        }
     }
-    if (text.find_first_not_of(blanks, at) != std::string_view::npos) {
-        refuse_malformed("something stands behind the JSON object");
+
+    void take_string() {
+        const std::size_t end = behind_string(text_, at_);
+        const std::size_t next = text_.find_first_not_of(blanks, end);
+        if (next != std::string_view::npos && text_[next] == ':') {
+            check_name(end - at_ - 2);
+            annotates_ = text_[at_ + 1] == '@';
+        }
+        at_ = end;
     }
+
+    void open(bool array) {
+        const bool metadata = annotates_ || (arrays_.at(count_.depth()) && count_.in_metadata());
+        if (array) {
+            count_.enter_array(metadata);
+        } else {
+            count_.enter(metadata);
+        }
+        arrays_.at(count_.depth()) = array;
+        annotates_ = false;
+        const std::size_t next = text_.find_first_not_of(blanks, at_);
+        if (next != std::string_view::npos && text_[next] != '}' && text_[next] != ']') {
+            count_.add_child();
+        }
+    }
+
+    // The text begins with an opening bracket, and the scan ends when it is closed.
+    void close() {
+        if (arrays_.at(count_.depth())) {
+            count_.leave_array();
+        } else {
+            count_.leave();
+        }
+    }
+
+    std::string_view text_;
+    std::size_t at_ = 0;
+    bool annotates_ = false; // the last member's name is one of metadata
+    std::array<bool, max_request_depth + 2> arrays_{};
+    Count count_;
+};
+
+bool skip_comment(std::string_view &text) noexcept {
+    const bool comment = text.starts_with("<!--");
+    if (!comment && !text.starts_with("<?")) {
+        return false;
+    }
+    const std::string_view end = comment ? "-->" : "?>";
+    const std::size_t at = text.find(end, comment ? 4 : 2);
+    if (at == std::string_view::npos) {
+        return false;
+    }
+    text.remove_prefix(at + end.size());
+    return true;
 }
 
-void skip_blanks(std::string_view &text) {
+void skip_blanks(std::string_view &text) noexcept {
     text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
-}
-
-// Takes off what may stand in front of the first element.
-void skip_prologue(std::string_view &text) {
-    skip_blanks(text);
-    while (text.starts_with("<?") || text.starts_with("<!--")) {
-        text.remove_prefix(text[1] == '?' ? behind(text, 0, "?>") : behind(text, 4, "-->"));
-        skip_blanks(text);
-    }
 }
 
 } // namespace
 
+Opening opening_of(std::string_view text) noexcept {
+    if (text.starts_with(byte_order_mark)) {
+        text.remove_prefix(byte_order_mark.size());
+    }
+    do {
+        skip_blanks(text);
+    } while (skip_comment(text));
+    Opening opening{std::nullopt, {}, text};
+    if (text.starts_with('{')) {
+        opening.syntax = Syntax::json;
+    } else if (text.starts_with('<')) {
+        opening.syntax = Syntax::xml;
+        const std::string_view name = text.substr(1, std::min(text.find_first_of(" \t\r\n/>"), text.size()) - 1);
+        opening.element = name.substr(name.find(':') + 1);
+    }
+    return opening;
+}
+
 RequestText inspect(std::string_view text) {
     if (text.size() > max_request_size) {
-        refuse("too-big", "the request has more than " + std::to_string(max_request_size >> 20) + " MiB",
+        refuse("too-big", "the request has more than " + std::to_string(max_request_size >> 20U) + " MiB",
                "send it in pieces");
     }
     if (text.find('\0') != std::string_view::npos) {
         refuse_malformed("the request holds a byte 0");
     }
-    if (text.starts_with("\xef\xbb\xbf")) {
-        text.remove_prefix(3);
+    const Opening opening = opening_of(text);
+    if (!opening.syntax) {
+        refuse("malformed-message",
+               opening.body.empty() ? "the request is empty" : "the request is neither XML nor JSON",
+               "an XML request begins with <, a JSON request with {");
     }
-    skip_prologue(text);
-    if (text.starts_with('<')) {
-        scan_xml(text);
-        return {Syntax::xml, text};
+    if (*opening.syntax == Syntax::xml) {
+        XmlScan(opening.body).run();
+    } else {
+        JsonScan(opening.body).run();
     }
-    if (text.starts_with('{')) {
-        scan_json(text);
-        return {Syntax::json, text};
-    }
-    refuse("malformed-message", text.empty() ? "the request is empty" : "the request is neither XML nor JSON",
-           "an XML request begins with <, a JSON request with {");
+    return {*opening.syntax, opening.body};
 }
 
 } // namespace ocpsm::framework

@@ -3,8 +3,9 @@
 #include <libyang/libyang.h>
 
 #include <algorithm>
-#include <array>
+#include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -12,6 +13,9 @@
 #include "framework/models/models.hpp"
 #include "framework/operation.hpp"
 #include "framework/request/instance_path.hpp"
+#include "framework/request/selection.hpp"
+#include "framework/request/syntax.hpp"
+#include "framework/text.hpp"
 
 namespace ocpsm::framework {
 
@@ -19,30 +23,6 @@ namespace {
 
 using models::NodeInfo;
 using models::NodeKind;
-
-[[noreturn]] void refuse(const std::string &tag, const std::string &path, const std::string &message,
-                         const std::string &advice = {}) {
-    throw Error(Error::Source::refused, tag, path, message, advice);
-}
-
-bool takes_away(uint32_t operation) {
-    return operation == YFW_OPERATION_DELETE || operation == YFW_OPERATION_REMOVE;
-}
-
-// A value in quotes as a message shows it: on one line, and not at any length.
-std::string quoted(std::string_view value) {
-    constexpr std::size_t longest = 60;
-    constexpr std::string_view blanks = " \t\r\n";
-    const std::size_t first = std::min(value.find_first_not_of(blanks), value.size());
-    std::string text(value.substr(first, value.find_last_not_of(blanks) + 1 - first));
-    if (text.size() > longest) {
-        text.resize(longest);
-        text += "...";
-    }
-    const auto control = [](unsigned char c) { return c < 0x20 || c == 0x7f; };
-    std::replace_if(text.begin(), text.end(), control, ' ');
-    return "\"" + text + "\"";
-}
 
 // What a kind of JSON value may stand for (RFC 7951, 6). A number for a decimal64 is what people write; it is accepted.
 bool json_form_fits(ValueForm form, std::string_view type) {
@@ -60,16 +40,82 @@ bool json_form_fits(ValueForm form, std::string_view type) {
     }
 }
 
+// A node on the way down, with those around it: where it is is said only in a refusal.
+struct Place {
+    const Place *above; // null: a top node
+    const RequestNode &node;
+    const lysc_node *schema; // null: the model does not know it
+};
+
+std::string path_of(const Place &place) {
+    return (place.above == nullptr ? std::string() : path_of(*place.above)) + path_step(place.node, place.schema);
+}
+
+[[noreturn]] void refuse(const std::string &tag, const Place &place, const std::string &message,
+                         const std::string &advice = {}) {
+    throw Error(Error::Source::refused, tag, path_of(place), message, advice);
+}
+
+bool is_in_namespace(const RequestNode &node, const lysc_node &schema) {
+    return node.namespace_uri == schema.module->ns;
+}
+
+void check_bytes(const Place &place) {
+    const RequestNode &node = place.node;
+    const auto holds_zero = [](std::string_view text) { return text.find('\0') != std::string_view::npos; };
+    if (holds_zero(node.tag) || holds_zero(node.namespace_uri) || (node.value && holds_zero(*node.value))) {
+        refuse("invalid-value", place, "a text of the request holds a byte 0", "leave it out");
+    }
+}
+
+// What an edit has said below a node so far, of which nothing may be said again.
+class Said {
+public:
+    void add(const Place &place) {
+        if (place.schema == nullptr || !is_in_namespace(place.node, *place.schema) || lysc_is_key(place.schema)) {
+            return;
+        }
+        const bool is_new = place.schema->nodetype == LYS_LIST ? is_new_entry(place.node, *place.schema)
+                                                               : nodes_.insert(place.schema).second;
+        if (!is_new) {
+            refuse("bad-element", place, place.node.tag + " stands more than once", "say it once");
+        }
+    }
+
+private:
+    // An entry without a key is the plug-in's question.
+    bool is_new_entry(const RequestNode &entry, const lysc_node &list) {
+        std::vector<std::string> keys;
+        for (const std::string_view key : models::key_names(list)) {
+            const RequestNode *leaf = find_key(entry, key);
+            if (leaf == nullptr) {
+                return true;
+            }
+            keys.push_back(*leaf->value);
+        }
+        return entries_[&list].insert(std::move(keys)).second;
+    }
+
+    std::set<const lysc_node *> nodes_;
+    std::map<const lysc_node *, std::set<std::vector<std::string>>> entries_;
+};
+
 class Typing {
 public:
     Typing(Kind kind, bool check_values)
         : edit_(kind == Kind::edit), check_values_(check_values), schema_(models::Schema::openconfig()) {}
 
-    std::vector<RequestNode> type(const std::vector<WrittenNode> &tops) const {
-        for (const WrittenNode &top : tops) {
+    void type(std::vector<RequestNode> &tops) const {
+        for (const RequestNode &top : tops) {
             check_top(top);
         }
-        return type_children(tops, nullptr, "", false);
+        type_children(tops, nullptr, false);
+        if (!edit_) {
+            join_selections(tops);
+        }
+        for (RequestNode &top : tops) {
+            settle_lists(top, nullptr, nullptr);
+        }
     }
 
 private:
@@ -77,159 +123,156 @@ private:
     bool check_values_;
     const models::Schema &schema_;
 
-    void check_top(const WrittenNode &top) const {
+    void check_top(const RequestNode &top) const {
         const lysc_node *known = schema_.top_nodes().front();
         const NodeInfo info = models::describe(*known);
         if (top.tag == info.name && top.namespace_uri == info.namespace_uri) {
             return;
         }
-        const std::string path = "/" + top.tag;
+        const Place place{nullptr, top, nullptr};
         const std::string advice = "the request must hold " + std::string(info.name) + " of namespace " +
                                    std::string(info.namespace_uri) + " (JSON: " + std::string(info.module) + ":" +
                                    std::string(info.name) + ")";
         if (top.namespace_uri == info.namespace_uri) {
-            refuse("unknown-element", path, "the model has no top node " + top.tag, advice);
+            refuse("unknown-element", place, "the model has no top node " + top.tag, advice);
         }
         const bool none = top.namespace_uri.empty() || top.namespace_uri == netconf_namespace;
-        refuse("unknown-namespace", path,
-               none ? top.tag + " is in no namespace" : top.tag + " is in the namespace " + top.namespace_uri, advice);
+        refuse("unknown-namespace", place,
+               none ? top.tag + " is in no namespace" : top.tag + " is in the namespace " + top.namespace_uri.str(),
+               advice);
     }
 
-    // A node's step of the instance path: an entry of a list shows its keys.
-    static std::string step(const WrittenNode &node, const std::optional<NodeInfo> &info) {
-        std::string text = "/" + node.tag;
-        if (!info || info->kind != NodeKind::list) {
-            return text;
+    // At and below a node: a list has not too many entries, and the keys of an entry come first.
+    void settle_lists(RequestNode &node, const Place *above, const lysc_node *parent) const {
+        const lysc_node *schema = schema_.child(parent, node.tag, node.namespace_uri);
+        if (schema == nullptr) {
+            return;
         }
-        for (const std::string_view key : info->keys) {
-            const auto is_key = [key](const WrittenNode &child) { return child.tag == key && !child.value.empty(); };
-            const auto leaf = std::find_if(node.children.begin(), node.children.end(), is_key);
-            if (leaf != node.children.end()) {
-                text += key_predicate(key, leaf->value);
+        const Place place{above, node, schema};
+        std::map<std::string_view, std::size_t> entries;
+        for (RequestNode &child : node.children) {
+            settle_lists(child, &place, schema);
+            const lysc_node *below = schema_.child(schema, child.tag, child.namespace_uri);
+            const bool entry = below != nullptr && below->nodetype == LYS_LIST;
+            if (entry && ++entries[below->name] > max_instances) {
+                refuse("too-big", place, "there are more than " + std::to_string(max_instances) + " of " + child.tag,
+                       "send them in pieces");
             }
         }
-        return text;
+        const auto keys = models::key_names(*schema);
+        std::stable_partition(node.children.begin(), node.children.end(), [&keys](const RequestNode &child) {
+            return std::find(keys.begin(), keys.end(), child.tag) != keys.end();
+        });
     }
 
-    std::vector<RequestNode> type_children(const std::vector<WrittenNode> &nodes, const lysc_node *parent,
-                                           const std::string &parent_path, bool removed) const {
-        std::vector<RequestNode> typed;
-        const std::vector<std::string_view> keys =
-            parent == nullptr ? std::vector<std::string_view>() : models::key_names(*parent);
-        for (const WrittenNode &node : nodes) {
+    // `removed`: a node around them is taken away.
+    void type_children(std::vector<RequestNode> &nodes, const Place *above, bool removed) const {
+        const lysc_node *parent = above == nullptr ? nullptr : above->schema;
+        Said said;
+        for (RequestNode &node : nodes) {
             const lysc_node *schema = schema_.child(parent, node.tag, node.namespace_uri);
-            const auto info = schema == nullptr ? std::nullopt : std::optional(models::describe(*schema));
-            const std::string path = parent_path + step(node, info);
-            const bool key = std::find(keys.begin(), keys.end(), node.tag) != keys.end();
-            if (edit_ && info && info->kind != NodeKind::list && !key) {
-                check_single(typed, node, path);
+            const Place place{above, node, schema};
+            check_bytes(place);
+            if (schema == nullptr) {
+                type_unknown(node, place);
+                continue;
             }
-            typed.push_back(info ? type_known(node, *info, key, path, removed) : type_unknown(node, path));
-        }
-        const auto is_key = [&keys](const RequestNode &node) {
-            return std::find(keys.begin(), keys.end(), node.tag) != keys.end();
-        };
-        std::stable_partition(typed.begin(), typed.end(), is_key);
-        return typed;
-    }
-
-    static void check_single(const std::vector<RequestNode> &before, const WrittenNode &node, const std::string &path) {
-        const auto same = [&node](const RequestNode &other) {
-            return other.tag == node.tag && other.namespace_uri == node.namespace_uri;
-        };
-        if (std::any_of(before.begin(), before.end(), same)) {
-            refuse("bad-element", path, node.tag + " stands more than once", "say it once");
+            if (edit_) {
+                said.add(place);
+            }
+            type_known(node, place, removed);
         }
     }
 
-    // `removed`: a node around it is taken away.
-    RequestNode type_known(const WrittenNode &node, const NodeInfo &info, bool key, const std::string &path,
-                           bool removed) const {
-        if (node.namespace_uri != info.namespace_uri) {
-            refuse("unknown-namespace", path,
+    void type_known(RequestNode &node, const Place &place, bool removed) const {
+        const NodeInfo info = models::describe(*place.schema);
+        if (!is_in_namespace(node, *place.schema)) {
+            refuse("unknown-namespace", place,
                    node.tag + " is in " +
-                       (node.namespace_uri.empty() ? "no namespace" : "the namespace " + node.namespace_uri) +
+                       (node.namespace_uri.empty() ? "no namespace" : "the namespace " + node.namespace_uri.str()) +
                        ", the model's is in " + std::string(info.namespace_uri));
         }
-        RequestNode typed{node.tag, node.namespace_uri, std::nullopt, operation_of(node, path), {}};
-        removed = removed || takes_away(typed.operation);
+        settle_operation(node, place);
+        removed = removed || takes_away(node.operation);
         if (info.kind == NodeKind::leaf) {
             if (!node.children.empty()) {
-                refuse("invalid-value", path, node.tag + " is a leaf and has nothing below it");
+                refuse("invalid-value", place, node.tag + " is a leaf and has nothing below it");
             }
-            typed.value = leaf_value(node, info, key || removed, path);
-            return typed;
+            settle_value(node, info, lysc_is_key(place.schema) || removed, place);
+        } else if (node.value) {
+            refuse("invalid-value", place,
+                   node.tag + " is no leaf and has no value, but " + quoted(*node.value) + " stands there");
+        } else {
+            type_children(node.children, &place, removed);
         }
-        if (node.form != ValueForm::none && node.form != ValueForm::empty_element) {
-            refuse("invalid-value", path,
-                   node.tag + " is no leaf and has no value, but " + quoted(node.value) + " stands there");
-        }
-        typed.children = type_children(node.children, info.node, path, removed);
-        return typed;
+        node.form = ValueForm::none;
     }
 
     // The model says nothing about such a node and what is below it.
-    RequestNode type_unknown(const WrittenNode &node, const std::string &path) const {
-        RequestNode typed{node.tag, node.namespace_uri, std::nullopt, operation_of(node, path), {}};
-        for (const WrittenNode &child : node.children) {
-            typed.children.push_back(type_unknown(child, path + "/" + child.tag));
+    void type_unknown(RequestNode &node, const Place &place) const {
+        settle_operation(node, place);
+        if (!node.children.empty()) {
+            node.value.reset();
         }
-        if (node.children.empty() && node.form != ValueForm::none && node.form != ValueForm::empty_element) {
-            typed.value = node.value;
+        node.form = ValueForm::none;
+        for (RequestNode &child : node.children) {
+            const Place below{&place, child, nullptr};
+            check_bytes(below);
+            type_unknown(child, below);
         }
-        return typed;
     }
 
-    uint32_t operation_of(const WrittenNode &node, const std::string &path) const {
-        uint32_t operation = YFW_OPERATION_MERGE;
-        for (const Attribute &attribute : node.attributes) {
+    void settle_operation(RequestNode &node, const Place &place) const {
+        for (const RequestAttribute &attribute : node.attributes) {
             if (attribute.name != "operation" || attribute.namespace_uri != netconf_namespace) {
-                refuse("unknown-attribute", path, "the attribute " + attribute.name + " is not known here",
+                refuse("unknown-attribute", place, "the attribute " + attribute.name + " is not known here",
                        "the operation attribute belongs to the namespace " + std::string(netconf_namespace) +
                            " (JSON: ietf-netconf:operation)");
             }
-            if (!edit_) {
-                refuse("bad-attribute", path, "a read has no operations", "leave it out, or send an edit");
-            }
             const auto named = operation_named(attribute.value);
-            if (!named) {
-                refuse("bad-attribute", path, "there is no operation " + quoted(attribute.value),
+            if (edit_ && !named) {
+                refuse("bad-attribute", place, "there is no operation " + quoted(attribute.value),
                        "merge, replace, create, delete or remove");
             }
-            operation = static_cast<uint32_t>(*named);
+            node.operation = named.value_or(node.operation);
         }
-        return operation;
+        if (!edit_ && (!node.attributes.empty() || node.operation != Operation::merge)) {
+            refuse("bad-attribute", place, "a read has no operations", "leave it out, or send an edit");
+        }
+        node.attributes = {};
     }
 
     // `may_be_absent`: whether a key may be empty is the plug-in's question; what is taken away needs no value.
-    std::optional<std::string> leaf_value(const WrittenNode &node, const NodeInfo &info, bool may_be_absent,
-                                          const std::string &path) const {
-        const bool written = node.form != ValueForm::none && node.form != ValueForm::empty_element;
+    void settle_value(RequestNode &node, const NodeInfo &info, bool may_be_absent, const Place &place) const {
         if (!edit_) {
-            return written ? std::optional(models::canonical(*info.node, node.value).value_or(node.value))
-                           : std::nullopt;
+            if (node.value) {
+                node.value = models::canonical(*info.node, *node.value).value_or(*node.value);
+            }
+            return;
         }
-        if (!written && (may_be_absent || !info.config)) {
-            return std::nullopt;
+        if (!node.value && (may_be_absent || !info.config)) {
+            return;
         }
-        if (!check_values_ || !info.config) {
-            return node.form == ValueForm::none ? std::nullopt : std::optional(node.value);
+        if (node.form == ValueForm::empty_element) {
+            node.value = "";
         }
-        return checked(node, info, path);
+        if (check_values_ && info.config) {
+            node.value = checked(node, info, place);
+        }
     }
 
-    std::string checked(const WrittenNode &node, const NodeInfo &info, const std::string &path) const {
+    std::string checked(const RequestNode &node, const NodeInfo &info, const Place &place) const {
         const std::string expected = "a value of type " + std::string(info.type) + allowed(info) + " is expected";
-        if (node.form == ValueForm::none) {
-            refuse("invalid-value", path, node.tag + " has no value", expected);
+        if (!node.value) {
+            refuse("invalid-value", place, node.tag + " has no value", expected);
         }
         std::optional<std::string> value;
         if (json_form_fits(node.form, info.type)) {
-            value = models::canonical(*info.node, node.value);
+            value = models::canonical(*info.node, *node.value);
         }
         if (!value) {
-            refuse("invalid-value", path,
-                   node.value.empty() ? "an empty value is not allowed" : quoted(node.value) + " is not allowed",
+            refuse("invalid-value", place,
+                   node.value->empty() ? "an empty value is not allowed" : quoted(*node.value) + " is not allowed",
                    expected);
         }
         return *value;
@@ -255,8 +298,9 @@ private:
 
 } // namespace
 
-std::vector<RequestNode> type_request(const std::vector<WrittenNode> &tops, Kind kind, bool check_values) {
-    return Typing(kind, check_values).type(tops);
+std::vector<RequestNode> type_request(std::vector<RequestNode> tops, Kind kind, bool check_values) {
+    Typing(kind, check_values).type(tops);
+    return tops;
 }
 
 } // namespace ocpsm::framework

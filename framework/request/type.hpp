@@ -4,20 +4,20 @@
 
 #include <vector>
 
-#include "framework/host/data_tree.hpp"
 #include "framework/kind.hpp"
-#include "framework/request/node.hpp"
+#include "framework/request_tree.hpp"
 
 namespace ocpsm::framework {
 
 /*
  * Types the top nodes of a request against the OpenConfig model: operations and values are read, list keys put first in
  * their entry, selections told from values. In an edit the values of known configuration leaves are checked and made
- * canonical, unless `check_values` is false. Nodes that the model does not know stay as they were written; those that
- * only bear a known name, in another namespace, are refused.
+ * canonical, unless `check_values` is false; a node and an entry are said once. The equal selections of a read become
+ * one. Nodes that the model does not know stay as they were written; those that only bear a known name, in another
+ * namespace, are refused, and so are texts with a byte 0 and a list with more than max_instances entries.
  * Throws ocpsm::Error (refused) with the OpenConfig path of the node for what the model or the protocol does not allow.
  */
-std::vector<RequestNode> type_request(const std::vector<WrittenNode> &tops, Kind kind, bool check_values);
+std::vector<RequestNode> type_request(std::vector<RequestNode> tops, Kind kind, bool check_values);
 
 } // namespace ocpsm::framework
 

@@ -102,7 +102,7 @@ SimulatedLineSystem SimulatedLineSystem::temporary(const std::vector<int> &slots
     return SimulatedLineSystem(parts);
 }
 
-std::unique_ptr<Device> SimulatedLineSystem::device() const {
+std::shared_ptr<Device> SimulatedLineSystem::device() const {
     return std::make_unique<SimulatedDevice>(parts_);
 }
 

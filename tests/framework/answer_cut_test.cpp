@@ -46,7 +46,7 @@ std::vector<AnswerNode> two_modules() {
     return tops({module("0/1-PSM-OM", "true", "5"), module("0/2-PSM-OM", "false", "5")});
 }
 
-std::vector<ocpsm::framework::RequestNode> selections(const std::string &content) {
+std::vector<ocpsm::RequestNode> selections(const std::string &content) {
     return ocpsm::framework::type_request(ocpsm::framework::parse_request(modules_text(content), Kind::get), Kind::get,
                                           true);
 }

@@ -8,10 +8,10 @@
 
 namespace {
 
+using ocpsm::RequestNode;
 using ocpsm::framework::AnswerTree;
 using ocpsm::framework::DataTree;
 using ocpsm::framework::MappingContext;
-using ocpsm::framework::RequestNode;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -251,12 +251,13 @@ TEST_F(Answering, NamesOfModulesMayHoldAnything) {
 const std::string interfaces_space = "http://vexlo.example/ns/yang/Vexlo-ORBIT-ifmgr-cfg";
 
 TEST_F(Answering, TheInnermostEntryWithSuchAKeyIsFound) {
-    const RequestNode inner{"slot", "urn:s", std::nullopt, 0, {{"slot-id", "urn:s", "1"}}};
-    DataTree native(RequestNode{"active-nodes",
-                                "urn:n",
-                                std::nullopt,
-                                0,
-                                {{"active-node", "urn:n", std::nullopt, 0, {{"node-name", "urn:n", "0"}, inner}}}});
+    const RequestNode inner{"slot", "urn:s", std::nullopt, ocpsm::Operation::merge, {{"slot-id", "urn:s", "1"}}};
+    DataTree native(RequestNode{
+        "active-nodes",
+        "urn:n",
+        std::nullopt,
+        ocpsm::Operation::merge,
+        {{"active-node", "urn:n", std::nullopt, ocpsm::Operation::merge, {{"node-name", "urn:n", "0"}, inner}}}});
     const auto key = [this](const char *name) {
         const char *text = "untouched";
         EXPECT_EQ(yfw_map_get_node_info(&context, "/of/any/list", name, &text), KERR_SUCCESS);

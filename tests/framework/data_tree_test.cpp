@@ -4,14 +4,16 @@
 
 namespace {
 
+using ocpsm::Operation;
+using ocpsm::RequestNode;
 using ocpsm::framework::children_of;
 using ocpsm::framework::DataTree;
 using ocpsm::framework::print;
-using ocpsm::framework::RequestNode;
 using testing::ElementsAre;
 
 RequestNode sample() {
-    return {"aps", "urn:a", {}, 0, {{"one", "urn:a", "1", 3, {}}, {"two", "", {}, 0, {{"leaf", "urn:b", "", 0, {}}}}}};
+    const RequestNode two{"two", "", {}, Operation::merge, {{"leaf", "urn:b", ""}}};
+    return {"aps", "urn:a", {}, Operation::merge, {{"one", "urn:a", "1", Operation::delete_existing}, two}};
 }
 
 TEST(DataTree, FlagsSayWhatANodeHas) {

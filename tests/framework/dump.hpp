@@ -6,11 +6,14 @@
 #include <vector>
 
 #include "framework/error.hpp"
-#include "framework/host/data_tree.hpp"
+#include "framework/request_tree.hpp"
 
 // One node per line, two blanks per level: tag, " {namespace}" unless it is the OpenConfig model's, " = value", and the
 // name of an operation other than merge.
-std::string dump(const std::vector<ocpsm::framework::RequestNode> &nodes);
+std::string dump(const std::vector<ocpsm::RequestNode> &nodes);
+
+// The trees that such lines tell. Throws std::invalid_argument for a line that stands too deep.
+std::vector<ocpsm::RequestNode> read_dump(const std::string &text);
 
 // The protocol error that `call` throws, as "source|tag|path|message|advice"; "nothing" when it throws none.
 template <typename Call>

@@ -10,10 +10,10 @@ inline const std::string openconfig = "http://openconfig.net/yang/optical-transp
 
 class FrameworkFixture : public testing::Test {
 protected:
-    using RequestNode = ocpsm::framework::RequestNode;
+    using RequestNode = ocpsm::RequestNode;
 
     static RequestNode container(std::string tag, std::vector<RequestNode> children) {
-        return {std::move(tag), openconfig, std::nullopt, 0, std::move(children)};
+        return {std::move(tag), openconfig, std::nullopt, ocpsm::Operation::merge, std::move(children)};
     }
     static RequestNode leaf(std::string tag, std::string value) {
         return {std::move(tag), openconfig, std::move(value)};

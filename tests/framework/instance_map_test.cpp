@@ -7,9 +7,9 @@
 
 namespace {
 
+using ocpsm::RequestNode;
 using ocpsm::framework::DataTree;
 using ocpsm::framework::InstanceMap;
-using ocpsm::framework::RequestNode;
 
 const std::string nodes_space = "http://vexlo.example/ns/yang/Vexlo-ORBIT-config-mda-cfg";
 const std::string slots_space = "http://vexlo.example/ns/yang/Vexlo-ORBIT-tlm2200-ots-cfg";
@@ -29,18 +29,22 @@ class Map : public testing::Test {
 protected:
     // The instance of the slot with this number, and of what is below it.
     std::string slot(const std::string &number, std::size_t levels = 3) {
-        const RequestNode psm{"psm", slots_space, std::nullopt, 0, {{"lockout-from", slots_space, ""}}};
-        DataTree tree(
-            RequestNode{"active-nodes",
-                        nodes_space,
-                        std::nullopt,
-                        0,
-                        {{"active-node",
-                          nodes_space,
-                          std::nullopt,
-                          0,
-                          {{"node-name", nodes_space, "0/RP0/CPU0"},
-                           {"slot", slots_space, std::nullopt, 0, {{"slot-id", slots_space, number}, psm}}}}}});
+        const RequestNode psm{
+            "psm", slots_space, std::nullopt, ocpsm::Operation::merge, {{"lockout-from", slots_space, ""}}};
+        DataTree tree(RequestNode{"active-nodes",
+                                  nodes_space,
+                                  std::nullopt,
+                                  ocpsm::Operation::merge,
+                                  {{"active-node",
+                                    nodes_space,
+                                    std::nullopt,
+                                    ocpsm::Operation::merge,
+                                    {{"node-name", nodes_space, "0/RP0/CPU0"},
+                                     {"slot",
+                                      slots_space,
+                                      std::nullopt,
+                                      ocpsm::Operation::merge,
+                                      {{"slot-id", slots_space, number}, psm}}}}}});
         const kidl_yfw_datatree &node = tree.root().children[0];
         const kidl_yfw_datatree &entry = node.children[1];
         const std::vector<const kidl_yfw_datatree *> chain{&tree.root(), &node, &entry, &entry.children[1]};

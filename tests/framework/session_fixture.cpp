@@ -107,11 +107,11 @@ EditResult edit(const Plugin &plugin, const std::string &text, DeviceTransaction
 
 EditResult set_leaf(const Plugin &plugin, const std::string &path, const std::string &value,
                     DeviceTransaction &device) {
-    return edit(plugin, ocpsm::Edit(ocpsm::PathEdit{path, ocpsm::Operation::merge, value}), device, {});
+    return edit(plugin, ocpsm::Edit(ocpsm::PathEdits{{path, ocpsm::Operation::merge, value}}), device, {});
 }
 
 EditResult delete_node(const Plugin &plugin, const std::string &path, DeviceTransaction &device) {
-    return edit(plugin, ocpsm::Edit(ocpsm::PathEdit{path, ocpsm::Operation::delete_existing}), device, {});
+    return edit(plugin, ocpsm::Edit(ocpsm::PathEdits{{path, ocpsm::Operation::delete_existing}}), device, {});
 }
 
 } // namespace requests

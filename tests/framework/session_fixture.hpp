@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "framework/error.hpp"
 #include "framework/native/native_data.hpp"
 #include "framework/requests.hpp"
 #include "simulator/database/client_library.hpp"

@@ -14,9 +14,10 @@ inline ocpsm::framework::Translation translate(ocpsm::framework::Callback root, 
                                                const std::vector<std::string> &fitted_modules = {}) {
     using namespace ocpsm::framework;
     auto tops = type_request(parse_request(text, kind), kind, options.check_values);
-    return translate_trees(
-        root, kind == ocpsm::Kind::edit ? hand_over_edit(std::move(tops), fitted_modules) : hand_over_read(tops), kind,
-        options);
+    return translate_trees(root,
+                           kind == ocpsm::Kind::edit ? hand_over_edit(std::move(tops), fitted_modules)
+                                                     : hand_over_read(std::move(tops)),
+                           kind, options);
 }
 
 #endif

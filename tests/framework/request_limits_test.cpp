@@ -1,0 +1,452 @@
+// What a request may cost: limits that are refused in a word, time linear in the text, memory in proportion to it.
+#include <gtest/gtest.h>
+#include <libyang/libyang.h>
+#include <malloc.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <ctime>
+#include <fstream>
+#include <functional>
+#include <random>
+
+#include "dump.hpp"
+#include "framework/host/data_tree.hpp"
+#include "framework/models/models.hpp"
+#include "framework/request/hand_over.hpp"
+#include "framework/request/node_path.hpp"
+#include "framework/request/parse.hpp"
+#include "framework/request/syntax.hpp"
+#include "framework/request/type.hpp"
+
+namespace {
+
+using ocpsm::RequestNode;
+using ocpsm::framework::DataTree;
+using ocpsm::Kind;
+
+// `make` of 0 to `count` - 1, one behind the other.
+std::string each(std::size_t count, const std::function<std::string(std::size_t)> &make) {
+    std::string all;
+    for (std::size_t number = 0; number < count; ++number) {
+        all += make(number);
+    }
+    return all;
+}
+
+std::string repeated(std::size_t count, const std::string &text) {
+    return each(count, [&text](std::size_t) { return text; });
+}
+
+// "PREFIX<number>SUFFIX", so many of them.
+std::string numbered(std::size_t count, const std::string &prefix, const std::string &suffix) {
+    return each(count, [&](std::size_t number) { return prefix + std::to_string(number) + suffix; });
+}
+
+// A JSON object with members, each with a comma in front of it.
+std::string object(const std::string &members) {
+    return "{" + (members.empty() ? members : members.substr(1)) + "}";
+}
+
+std::string aps(const std::string &content) {
+    return "<aps xmlns=\"http://openconfig.net/yang/optical-transport-line-protection\" "
+           "xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\">" +
+           content + "</aps>";
+}
+
+std::string modules(const std::string &content) {
+    return aps("<aps-modules>" + content + "</aps-modules>");
+}
+
+std::string json(const std::string &members) {
+    return "{\"openconfig-transport-line-protection:aps\":" + object(members) + "}";
+}
+
+std::string entries(std::size_t count, const std::string &content) {
+    return each(count, [&content](std::size_t number) {
+        return "<aps-module><name>" + std::to_string(number) + "</name>" + content + "</aps-module>";
+    });
+}
+
+// Every way of a request up to the trees that the plug-in gets, of which there are two. Returns how many are handed
+// over.
+std::size_t hand_over(std::vector<RequestNode> tops, Kind kind) {
+    tops = type_request(std::move(tops), kind, true);
+    const auto trees = kind == Kind::edit ? ocpsm::framework::hand_over_edit(std::move(tops), {})
+                                          : ocpsm::framework::hand_over_read(std::move(tops));
+    for (const RequestNode &tree : trees) {
+        const DataTree registered(tree);
+        const DataTree duplicate(registered.root());
+    }
+    return trees.size();
+}
+
+std::size_t hand_over(const std::string &text, Kind kind) {
+    return hand_over(ocpsm::framework::parse_request(text, kind), kind);
+}
+
+std::string refusal(const std::string &text, Kind kind = Kind::edit) {
+    return error_of([&] { (void)hand_over(text, kind); });
+}
+
+std::string scanned(const std::string &text) {
+    return error_of([&text] { (void)ocpsm::framework::inspect(text); });
+}
+
+std::string too_big(const std::string &what, const std::string &advice = "send it in pieces") {
+    return "input|too-big||" + what + "|" + advice;
+}
+
+const std::string no_more = "an operation is all that is known";
+
+TEST(RequestLimits, Size) {
+    EXPECT_EQ(scanned("<a>" + std::string((8U << 20U) - 7, ' ') + "</a>"), "nothing");
+    EXPECT_EQ(scanned("<a>" + std::string((8U << 20U) - 6, ' ') + "</a>"), too_big("the request has more than 8 MiB"));
+}
+
+TEST(RequestLimits, Levels) {
+    const std::string error = too_big("the request is nested deeper than 64 levels", "the model needs eight");
+    EXPECT_EQ(scanned(repeated(64, "<a>") + repeated(64, "</a>")), "nothing");
+    EXPECT_EQ(scanned(repeated(65, "<a>") + repeated(65, "</a>")), error);
+    EXPECT_EQ(scanned(repeated(64, "{\"a\":") + "1" + repeated(64, "}")), "nothing");
+    EXPECT_EQ(scanned(repeated(65, "{\"a\":") + "1" + repeated(65, "}")), error);
+    EXPECT_EQ(scanned("{\"a\":" + repeated(100000, "[")), error);
+    EXPECT_EQ(scanned("<a>" + repeated(100, "<!-- <b> --><![CDATA[<b>]]><?p <b>?><c/><d x='>'></d>") + "</a>"),
+              "nothing");
+}
+
+TEST(RequestLimits, AttributesOfOneElement) {
+    const std::string error = too_big("an element of the request has more than 64 attributes", no_more);
+    const auto attributes = [](std::size_t count) { return "<a" + numbered(count, " a", "='>'") + "/>"; };
+    EXPECT_EQ(scanned(attributes(64)), "nothing");
+    EXPECT_EQ(scanned(attributes(65)), error);
+    EXPECT_EQ(scanned("<a>" + repeated(3, attributes(64)) + "</a>"), "nothing");
+    EXPECT_EQ(refusal(attributes(80000)), error);
+    EXPECT_EQ(refusal(aps("<x" + numbered(20000, " xmlns:n", "='urn:x'") + "/>")), error);
+    const auto metadata = [](std::size_t count) {
+        return json(",\"x\":1,\"@x\":[null," + object(numbered(count, ",\"m:a", "\":1")) + "]");
+    };
+    EXPECT_EQ(scanned(metadata(64)), "nothing");
+    EXPECT_EQ(scanned(metadata(65)), error);
+    EXPECT_EQ(refusal(json(",\"@\":" + object(numbered(80000, ",\"m:a", "\":1")))), error);
+}
+
+TEST(RequestLimits, AttributesInTotal) {
+    const auto attributes = [](std::size_t more) {
+        return "<a>" + repeated(1024, "<b" + numbered(64, " a", "=''") + "/>") + repeated(more, "<b a=''/>") + "</a>";
+    };
+    EXPECT_EQ(scanned(attributes(0)), "nothing");
+    EXPECT_EQ(scanned(attributes(1)), too_big("the request has more than 65536 attributes"));
+}
+
+TEST(RequestLimits, ChildrenOfOneElement) {
+    const std::string error = too_big("an element of the request has more than 2048 children");
+    const auto children = [](std::size_t count) { return aps(numbered(count, "<e", "/>")); };
+    EXPECT_EQ(scanned(children(2048)), "nothing");
+    EXPECT_EQ(scanned(children(2049)), error);
+    EXPECT_EQ(refusal(children(10000)), error);
+    EXPECT_EQ(refusal(children(100000)), error);
+    EXPECT_EQ(scanned(json(numbered(2048, ",\"e", "\":1"))), "nothing");
+    EXPECT_EQ(scanned(json(numbered(2049, ",\"e", "\":1"))), error);
+    EXPECT_EQ(refusal(json(numbered(100000, ",\"e", "\":1"))), error);
+    // An array counts, and so do its items.
+    const auto items = [](std::size_t count) { return json(",\"x\":1,\"l\":[1" + repeated(count - 1, ",1") + "]"); };
+    EXPECT_EQ(scanned(items(2046)), "nothing");
+    EXPECT_EQ(scanned(items(2047)), error);
+    // Entries of an edit and a read that name the same, as they came with 2 GB and more.
+    EXPECT_EQ(refusal(modules(repeated(20000, "<aps-module><name>x</name></aps-module>")), Kind::get), error);
+    EXPECT_EQ(refusal(modules(entries(10000, "")), Kind::get), error);
+}
+
+TEST(RequestLimits, ElementsInTotal) {
+    const auto elements = [](std::size_t more) {
+        return "<a>" + repeated(31, "<b>" + repeated(2047, "<c/>") + "</b>") + "<b>" + repeated(2046 + more, "<c/>") +
+               "</b></a>";
+    };
+    EXPECT_EQ(scanned(elements(0)), "nothing");
+    EXPECT_EQ(scanned(elements(1)), too_big("the request has more than 65536 elements"));
+}
+
+TEST(RequestLimits, Names) {
+    const std::string error = too_big("a name or an attribute of the request has more than 1024 bytes", "shorten it");
+    const std::string longest(1024, 'n');
+    EXPECT_EQ(scanned("<" + longest + "/><a " + longest.substr(2) + "=''/><a b='" + longest + "'/>"), "nothing");
+    EXPECT_EQ(scanned("<" + longest + "n/>"), error);
+    EXPECT_EQ(scanned("<a " + longest + "=''/>"), error);
+    EXPECT_EQ(scanned("<a b='" + longest + "n'/>"), error);
+    EXPECT_EQ(scanned("{\"" + longest + "\":\"" + longest + longest + "\"}"), "nothing");
+    EXPECT_EQ(scanned("{\"" + longest + "n\":1}"), error);
+}
+
+TEST(RequestLimits, NamespacesOfValues) {
+    const std::string error = too_big("the values of the request bring along more than 16 MiB of namespace names");
+    const auto values = [](std::size_t size, const std::string &value) {
+        return aps("<x" + numbered(60, " xmlns:n", "='" + std::string(size, 'u') + "'") + ">" + repeated(2000, value) +
+                   "</x>");
+    };
+    EXPECT_EQ(scanned(values(1024, "<a>1</a>")), "nothing");
+    EXPECT_EQ(scanned(values(1024, "<a> n1:n2:n3:n4:n5:n6:n7:n8 </a>")), error);
+    EXPECT_EQ(scanned(values(1024, "<a b='n1&#58;n2:n3:n4:n5:n6:n7:n8'/>")), error);
+    EXPECT_EQ(scanned(values(1024, "<a><![CDATA[n1:n2:n3:n4:n5:n6:n7:n8]]></a>")), error);
+    EXPECT_EQ(scanned(values(1024, "<a/>n1:n2:n3:n4:n5:n6:n7:n8")), "nothing"); // the parser refuses it
+    EXPECT_EQ(scanned(values(10, "<a>n1:n2:n3:n4:n5:n6:n7:n8</a>")), "nothing");
+}
+
+TEST(RequestLimits, InstancesOfAList) {
+    const std::string error =
+        "refused|too-big|/aps/aps-modules|there are more than 1000 of aps-module|send them in pieces";
+    EXPECT_EQ(hand_over(modules(entries(1000, "")), Kind::get), 1000U);
+    EXPECT_EQ(refusal(modules(entries(1001, "")), Kind::get), error);
+    EXPECT_EQ(hand_over(modules(entries(1000, "")), Kind::edit), 1U);
+    EXPECT_EQ(refusal(modules(entries(1001, ""))), error);
+    // What is named again is not counted again.
+    EXPECT_EQ(hand_over(modules(entries(1000, "<config/>") + entries(1000, "<state/>")), Kind::get), 1000U);
+    std::vector<RequestNode> paths;
+    for (int number = 0; number < 1001; ++number) {
+        const auto path = "/aps/aps-modules/aps-module[name=" + std::to_string(number) + "]";
+        paths.push_back(ocpsm::framework::read_of(path).front());
+        paths.push_back(paths.back());
+    }
+    EXPECT_EQ(error_of([&paths] { (void)hand_over(paths, Kind::get); }), error);
+    paths.resize(2000);
+    EXPECT_EQ(hand_over(paths, Kind::get), 1000U);
+}
+
+// A value for every configuration leaf below a node.
+std::string everything_below(const lysc_node *parent) {
+    std::string text;
+    for (const lysc_node *node : ocpsm::models::Schema::openconfig().children(parent)) {
+        const auto info = ocpsm::models::describe(*node);
+        if (!info.config || lysc_is_key(node)) {
+            continue;
+        }
+        const std::string value = info.kind != ocpsm::models::NodeKind::leaf ? everything_below(node)
+                                  : !info.choices.empty()                    ? std::string(info.choices.front())
+                                  : info.type == "boolean"                   ? "true"
+                                                                             : "1";
+        text += "<" + std::string(info.name) + ">" + value + "</" + std::string(info.name) + ">";
+    }
+    return text;
+}
+
+TEST(RequestLimits, AnEditOfAThousandModulesWithAllTheirLeavesIsNotTooBig) {
+    const std::string all = everything_below(ocpsm::models::Schema::openconfig().find("/aps/aps-modules/aps-module"));
+    EXPECT_NE(all.find("<target-attenuation>1</target-attenuation>"), std::string::npos);
+    EXPECT_EQ(refusal(modules(entries(1000, all))), "nothing");
+}
+
+// ---- time ----
+
+double seconds(const std::string &text, Kind kind) {
+    const std::clock_t begin = std::clock();
+    const std::string error = refusal(text, kind);
+    EXPECT_EQ(error.find("too-big"), std::string::npos) << error;
+    return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
+}
+
+// How many times longer the greater of two requests takes, both at their best.
+double growth(const std::string &small, const std::string &great, Kind kind) {
+    double least_small = 1e9;
+    double least_great = 1e9;
+    for (int round = 0; round < 5; ++round) {
+        least_small = std::min(least_small, seconds(small, kind));
+        least_great = std::min(least_great, seconds(great, kind));
+    }
+    return least_great / least_small;
+}
+
+struct Growing {
+    const char *name;
+    Kind kind;
+    std::function<std::string(std::size_t)> text; // of a size: 1, and 4 at the limits
+};
+
+const Growing growing[] = {
+    {"siblings with distinct names", Kind::edit,
+     [](std::size_t n) { return aps(numbered(512 * n, "<e", "><f>1</f></e>")); }},
+    {"elements in groups", Kind::get,
+     [](std::size_t n) { return aps(repeated(8 * n, "<b>" + numbered(2000, "<e", "/>") + "</b>")); }},
+    {"attributes", Kind::edit,
+     [](std::size_t n) {
+         return aps(repeated(250 * n, "<b nc:operation='merge'" + numbered(60, " xmlns:n", "='u'") + "/>"));
+     }},
+    {"entries of an edit", Kind::edit,
+     [](std::size_t n) { return modules(entries(250 * n, "<config><revertive>true</revertive></config>")); }},
+    {"entries of a read", Kind::get, [](std::size_t n) { return modules(entries(250 * n, "<config/>")); }},
+    {"equal entries of a read", Kind::get,
+     [](std::size_t n) {
+         return modules(repeated(500 * n, "<aps-module><name>x</name><config><name/></config></aps-module>"));
+     }},
+    {"json members", Kind::edit, [](std::size_t n) { return json(numbered(512 * n, ",\"e", "\":1")); }},
+    {"json annotations", Kind::edit,
+     [](std::size_t n) {
+         return json(each(250 * n, [](std::size_t number) {
+             const std::string name = "e" + std::to_string(number);
+             return ",\"" + name + "\":1,\"@" + name + "\":{\"ietf-netconf:operation\":\"merge\"}";
+         }));
+     }},
+    {"a long text", Kind::edit, [](std::size_t n) { return aps("<x>" + std::string(n << 20U, 'x') + "</x>"); }},
+    {"names on the way down", Kind::edit,
+     [](std::size_t n) {
+         const std::string name(1000, 'n');
+         return aps("<" + name + ">" + repeated(512 * n, "<" + name + "/>") + "</" + name + ">");
+     }},
+};
+
+TEST(RequestTime, IsLinear) {
+    for (const Growing &row : growing) {
+        EXPECT_LT(growth(row.text(1), row.text(4), row.kind), 8) << row.name;
+    }
+}
+
+// ---- memory ----
+
+// How much memory a call takes at its peak, in a process of its own.
+std::size_t peak_of(const std::function<void()> &call) {
+    const auto memory = [](const std::string &what) {
+        std::ifstream status("/proc/self/status");
+        std::string name;
+        std::size_t kib = 0;
+        while (status >> name && name != what) {
+            status.ignore(1000, '\n');
+        }
+        status >> kib;
+        return kib << 10U;
+    };
+    int ends[2];
+    EXPECT_EQ(pipe(ends), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        malloc_trim(0);
+        std::ofstream("/proc/self/clear_refs") << "5"; // the peak begins anew
+        const std::size_t before = memory("VmRSS:");
+        call();
+        const std::size_t taken = memory("VmHWM:") - before;
+        _exit(write(ends[1], &taken, sizeof taken) == sizeof taken ? 0 : 1);
+    }
+    close(ends[1]);
+    std::size_t taken = 0;
+    EXPECT_EQ(read(ends[0], &taken, sizeof taken), static_cast<ssize_t>(sizeof taken));
+    close(ends[0]);
+    int status = 0;
+    waitpid(child, &status, 0);
+    return taken;
+}
+
+struct Costly {
+    const char *name;
+    Kind kind;
+    std::string text;
+};
+
+std::vector<Costly> costly() {
+    const std::string settings =
+        "<config><name>x</name><revertive>true</revertive><force-to-port>NONE</force-to-port></config>";
+    const std::string groups = repeated(32, "<b>" + repeated(2000, "<a/>") + "</b>");
+    std::string prefixes = "<x" + each(50, [](std::size_t number) {
+                               const char name = static_cast<char>(number < 26 ? 'a' + number : 'A' + number - 26);
+                               return " xmlns:" + std::string(1, name) + "='" + std::string(1000, 'u') + "'";
+                           });
+    prefixes += ">" + repeated(1000, "<y>a:b:c:d:e:f:g:h:i:j:k:l</y>") + "</x>";
+    return {
+        {"an entry named 400 times", Kind::edit,
+         modules(repeated(400, "<aps-module><name>x</name>" + settings + "</aps-module>"))},
+        {"400 entries", Kind::edit, modules(entries(400, settings))},
+        {"20,000 equal entries of a read", Kind::get,
+         modules(repeated(20000, "<aps-module><name>x</name></aps-module>"))},
+        {"1,000 entries of a read", Kind::get, modules(entries(1000, "<config/>"))},
+        {"elements", Kind::edit, aps(groups)},
+        {"levels", Kind::edit, aps(repeated(1000, repeated(60, "<a>") + repeated(60, "</a>")))},
+        {"attributes", Kind::edit, aps(repeated(1000, "<b" + numbered(60, " a", "=''") + "/>"))},
+        {"namespaces", Kind::edit, aps(repeated(1000, "<b" + numbered(60, " xmlns:n", "='u'") + "/>"))},
+        {"values with long namespaces", Kind::edit, aps(prefixes)},
+        {"long namespaces", Kind::edit,
+         "<x xmlns='" + std::string(1000, 'u') + "'>" + repeated(2000, "<y>1</y>") + "</x>"},
+        {"a long text", Kind::edit, aps("<x>" + std::string(8U << 20U, 'x').substr(1000) + "</x>")},
+        {"a long key", Kind::edit,
+         modules("<aps-module><name>" + std::string(8000000, 'x') + "</name><config/></aps-module>")},
+        {"a long wrong value", Kind::edit,
+         modules("<aps-module><config><revertive>" + std::string(8000000, 'x') + "</revertive></config></aps-module>")},
+        {"json numbers", Kind::edit,
+         json(each(32,
+                   [](std::size_t number) {
+                       return ",\"b" + std::to_string(number) + "\":{\"a\":[1" + repeated(2000, ",1") + "]}";
+                   }))},
+        {"json annotations", Kind::edit,
+         json(each(1000,
+                   [](std::size_t number) {
+                       return ",\"@e" + std::to_string(number) +
+                              "\":" + object(numbered(60, ",\"ietf-netconf:a", "\":1"));
+                   }))},
+    };
+}
+
+TEST(RequestMemory, IsInProportionToTheText) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer keeps what is released";
+#endif
+    for (const Costly &row : costly()) {
+        const std::size_t peak = peak_of([&row] { (void)refusal(row.text, row.kind); });
+        EXPECT_LE(peak, 64 * row.text.size() + (32U << 20U)) << row.name;
+        EXPECT_NE(peak, 0U) << row.name;
+        if (getenv("SHOW") != nullptr) {
+            printf("%-34s %9zu bytes, peak %10zu, %.1f per byte  %s\n", row.name, row.text.size(), peak,
+                   double(peak) / double(row.text.size()), refusal(row.text, row.kind).substr(0, 150).c_str());
+        }
+    }
+}
+
+// ---- whatever stands in a text ----
+
+std::string damaged(std::string text, std::mt19937 &random) {
+    const std::string alphabet = "<>/&;\"'{}[]:,@!-?=\\ \n\xff\x01"
+                                 "anx0";
+    const auto pick = [&random](std::size_t end) { return static_cast<std::size_t>(random()) % end; };
+    for (std::size_t damage = 1 + pick(3); damage > 0; --damage) {
+        const std::size_t at = pick(text.size());
+        switch (pick(3)) {
+        case 0:
+            text[at] = alphabet[pick(alphabet.size())];
+            break;
+        case 1:
+            text.erase(at, 1 + pick(8));
+            break;
+        default:
+            text.insert(at, text.substr(pick(text.size()), pick(40)));
+            break;
+        }
+    }
+    return text;
+}
+
+TEST(DamagedRequest, IsHandedOverOrRefused) {
+    const std::string operation = "\"ietf-netconf:operation\"";
+    const std::array<std::string, 2> seeds{
+        "<config xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\">" +
+            modules("<aps-module nc:operation=\"replace\"><name>0/1-PSM-OM</name><config><revertive "
+                    "nc:operation=\"delete\"/><wait-to-restore-time>300</wait-to-restore-time></config></aps-module>") +
+            "</config>",
+        json(",\"aps-modules\":{\"aps-module\":[{\"@\":{" + operation +
+             ":\"replace\"},\"name\":\"0/1-PSM-OM\",\"config\":{\"revertive\":[null],\"@revertive\":{" + operation +
+             ":\"delete\"},\"wait-to-restore-time\":300}}]}")};
+    std::mt19937 random(7);
+    std::size_t refused = 0;
+    for (int round = 0; round < 3000; ++round) {
+        const std::string text = damaged(seeds.at(random() % seeds.size()), random);
+        for (const Kind kind : {Kind::edit, Kind::get}) {
+            try {
+                (void)hand_over(text, kind);
+            } catch (const ocpsm::Error &error) {
+                ++refused;
+                EXPECT_FALSE(error.tag.empty());
+                EXPECT_STRNE(error.what(), "");
+            }
+        }
+    }
+    EXPECT_GT(refused, 2000U);
+}
+
+} // namespace
