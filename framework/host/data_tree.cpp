@@ -76,17 +76,17 @@ kidl_yfw_datatree DataTree::copy(const kidl_yfw_datatree &node, Kept &kept) {
 }
 
 kidl_yfw_datatree &DataTree::add_child(kidl_yfw_datatree &parent, const RequestNode &leaf) {
-    const auto owns = [&parent](const Block &block) {
-        return parent.children != nullptr && block.data() == parent.children;
-    };
-    auto block = std::find_if(blocks_.begin(), blocks_.end(), owns);
-    if (block == blocks_.end()) {
-        block = blocks_.emplace(blocks_.end());
+    const auto grown = grown_.extract(parent.children);
+    // The first time the children move to an array that has room.
+    Block &block = grown.empty() ? blocks_.emplace_back() : *grown.mapped();
+    if (grown.empty() && parent.children != nullptr && parent.child_count > 0) {
+        block.assign(parent.children, parent.children + parent.child_count);
     }
     Kept kept;
-    block->push_back(build(leaf, kept));
-    give_children(parent, *block);
-    return block->back();
+    block.push_back(build(leaf, kept));
+    give_children(parent, block);
+    grown_.emplace(parent.children, &block);
+    return block.back();
 }
 
 std::span<const kidl_yfw_datatree> children_of(const kidl_yfw_datatree &node) {

@@ -52,7 +52,8 @@ private:
     void give_children(kidl_yfw_datatree &node, Block &block);
 
     std::deque<std::string> texts_;
-    std::list<Block> blocks_; // each a child array; the first holds the root
+    std::list<Block> blocks_;                                      // each a child array; the first holds the root
+    std::unordered_map<const kidl_yfw_datatree *, Block *> grown_; // those that add_child has made, by their array
 };
 
 // The children of a node that are not hidden; empty where the count is not above zero. A view of the node's own array.

@@ -45,6 +45,7 @@ struct Place {
     const Place *above; // null: a top node
     const RequestNode &node;
     const lysc_node *schema; // null: the model does not know it
+    std::size_t depth = above == nullptr ? 1 : above->depth + 1;
 };
 
 std::string path_of(const Place &place) {
@@ -60,11 +61,16 @@ bool is_in_namespace(const RequestNode &node, const lysc_node &schema) {
     return node.namespace_uri == schema.module->ns;
 }
 
-void check_bytes(const Place &place) {
+// A ready tree has not been read from a text, of which this is known.
+void check_tree(const Place &place) {
     const RequestNode &node = place.node;
     const auto holds_zero = [](std::string_view text) { return text.find('\0') != std::string_view::npos; };
     if (holds_zero(node.tag) || holds_zero(node.namespace_uri) || (node.value && holds_zero(*node.value))) {
         refuse("invalid-value", place, "a text of the request holds a byte 0", "leave it out");
+    }
+    if (place.depth > max_request_depth) {
+        refuse("too-big", place, "the request is nested deeper than " + std::to_string(max_request_depth) + " levels",
+               "the model needs eight");
     }
 }
 
@@ -172,7 +178,7 @@ private:
         for (RequestNode &node : nodes) {
             const lysc_node *schema = schema_.child(parent, node.tag, node.namespace_uri);
             const Place place{above, node, schema};
-            check_bytes(place);
+            check_tree(place);
             if (schema == nullptr) {
                 type_unknown(node, place);
                 continue;
@@ -217,7 +223,7 @@ private:
         node.form = ValueForm::none;
         for (RequestNode &child : node.children) {
             const Place below{&place, child, nullptr};
-            check_bytes(below);
+            check_tree(below);
             type_unknown(child, below);
         }
     }

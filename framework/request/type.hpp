@@ -14,7 +14,8 @@ namespace ocpsm::framework {
  * their entry, selections told from values. In an edit the values of known configuration leaves are checked and made
  * canonical, unless `check_values` is false; a node and an entry are said once. The equal selections of a read become
  * one. Nodes that the model does not know stay as they were written; those that only bear a known name, in another
- * namespace, are refused, and so are texts with a byte 0 and a list with more than max_instances entries.
+ * namespace, are refused, and so are texts with a byte 0, more than max_request_depth levels, and a list with more than
+ * max_instances entries.
  * Throws ocpsm::Error (refused) with the OpenConfig path of the node for what the model or the protocol does not allow.
  */
 std::vector<RequestNode> type_request(std::vector<RequestNode> tops, Kind kind, bool check_values);

@@ -9,10 +9,11 @@
 #include "framework/request_tree.hpp"
 
 // One node per line, two blanks per level: tag, " {namespace}" unless it is the OpenConfig model's, " = value", and the
-// name of an operation other than merge.
+// name of an operation other than merge. A node of which there is no more to say than one child stands in front of
+// that, and so does the name of a module: aps/aps-modules/aps-module[0/1-PSM-OM]/config/revertive = true.
 std::string dump(const std::vector<ocpsm::RequestNode> &nodes);
 
-// The trees that such lines tell. Throws std::invalid_argument for a line that stands too deep.
+// The trees that such lines tell.
 std::vector<ocpsm::RequestNode> read_dump(const std::string &text);
 
 // The protocol error that `call` throws, as "source|tag|path|message|advice"; "nothing" when it throws none.

@@ -43,6 +43,11 @@ std::optional<std::string> input(const Case &test, const std::string &name) {
     return section == nullptr ? std::nullopt : std::optional(without_last_end(section->text()));
 }
 
+std::string part(const Case &test, const std::string &name) {
+    const auto *section = test.find_input(name);
+    return section == nullptr ? "" : section->text();
+}
+
 std::string text_of(const Case &test) {
     return input(test, "").value_or("");
 }
@@ -87,7 +92,7 @@ Trees ready(const Case &test, Kind kind) {
 std::string each(const Trees &trees) {
     std::string all;
     for (const RequestNode &tree : trees) {
-        all += "--\n" + dump({tree});
+        all += (&tree == &trees.front() ? "" : "--\n") + dump({tree});
     }
     return all;
 }
@@ -217,8 +222,30 @@ std::string of_a_text(const Case &test, const std::string &wanted) {
     return wanted == "modules" ? modules(parsed(test, Kind::edit)) : of_a_tree(test, wanted);
 }
 
-// What is wanted, or the error instead of it.
+// The case with one of its input lines as the whole input, between the sections "before" and "after".
+Case with_input(const Case &test, const std::string &section, const std::string &line) {
+    Case single{test.file, test.line, test.name, {}, {}};
+    for (const case_runner::Section &other : test.input) {
+        if (!other.name.empty() && other.name != section) {
+            single.input.push_back(other);
+        }
+    }
+    case_runner::Section input{section, test.line, {}};
+    input.lines = {{test.line, without_last_end(part(test, "before") + line + "\n" + part(test, "after"))}};
+    single.input.push_back(input);
+    return single;
+}
+
+// What is wanted, or the error instead of it; "each" wants it of every line of the input, or of the tree.
 std::string answer(const Case &test, const std::string &wanted) {
+    if (wanted.starts_with("each ")) {
+        const std::string section = test.find_input("tree") == nullptr ? "" : "tree";
+        std::string all;
+        for (const case_runner::Line &line : test.find_input(section)->lines) {
+            all += answer(with_input(test, section, line.text), wanted.substr(5));
+        }
+        return all;
+    }
     std::string text;
     const std::string error = error_of([&] { text = of_a_text(test, wanted); });
     return error == "nothing" ? text : ocpsm::one_line(error, ocpsm::whole_text) + "\n";
