@@ -109,6 +109,14 @@ TEST_F(BagTest, NoBagIsACodeOfItsOwn) {
     EXPECT_EQ(happened(), lines_of({trace(search, "Start"), trace(search, "NULL == bag_data")}));
 }
 
+// It is told before the names of the path are counted.
+TEST_F(BagTest, NoBagIsToldForAPathOfElevenNamesToo) {
+    Buffer out(20);
+    EXPECT_EQ(get_value_in_bag(request.ctx(), "a.b.c.d.e.f.g.h.i.j.k", 4, nullptr, 40, out.data()), 0xffffffffu);
+    EXPECT_TRUE(out.untouched());
+    EXPECT_EQ(happened(), lines_of({trace(search, "Start"), trace(search, "NULL == bag_data")}));
+}
+
 TEST_F(BagTest, AFailingHeaderEndsTheSearch) {
     Bag bag = bag_of({integer("a", 1)});
     bag.header_result = 0x51;

@@ -45,6 +45,7 @@ TEST(PsmKey, CarriesTheSlotOfTheController) {
              {"Ots0/-4/0/2", "0/-4-PSM-OM", 11},
              {"abc", "0/-1-PSM-OM", 11},
              {"", "0/-1-PSM-OM", 11},
+             {"O", "0/-1-PSM-OM", 11},
              {"Ots1/2/0/1", "0/-1-PSM-OM", 11},
              {"Ots0_2_0_1", "0/-1-PSM-OM", 11},
              {"0/2-PSM-OM", "0/-1-PSM-OM", 11},
@@ -75,6 +76,7 @@ TEST(DatabaseKey, CarriesTheSlotOfTheModule) {
              {"0/1-PSM-OM and more", "Ots0_%d_0_2", "Ots0_1_0_2", 10},
              {"PSM-1", "Ots0_%d_0_2", "Ots0_-1_0_2", 11},
              {"", "Ots0_%d_0_0", "Ots0_-1_0_0", 11},
+             {"0", "Ots0_%d_0_0", "Ots0_-1_0_0", 11},
              {"1/2-PSM-OM", "Ots0_%d_0_0", "Ots0_-1_0_0", 11},
              {"0/-2147483648-PSM-OM", "Ots0_%d_0_2", "Ots0_-2147483648_0_", 20}, // 19 characters and the terminator
              {"0/2147483647-PSM-OM", "Ots0_%d_0_2", "Ots0_2147483647_0_2", 19},

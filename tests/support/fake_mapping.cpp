@@ -1,6 +1,7 @@
 // The operations of the mapping framework, recorded.
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -56,6 +57,13 @@ const char *key_in_hierarchy(std::string_view key) {
         }
     }
     return nullptr;
+}
+
+// The framework copies the record as it stands: what lies behind the terminators of its texts must not be chance.
+template <std::size_t size>
+bool is_zero_behind(const char (&text)[size]) {
+    const auto *const terminator = std::find(std::begin(text), std::end(text), '\0');
+    return terminator != std::end(text) && std::all_of(terminator, std::end(text), [](char c) { return c == '\0'; });
 }
 
 int bounded(char *dest, std::size_t size, std::size_t used, std::string_view source) {
@@ -233,6 +241,10 @@ kerrno yfw_map_stitch_list_to_list(yfw_map_ctx ctx, yfw_map_stitch_entry *entry)
         joined(named(ctx), "in_use=" + number(entry->in_use), named(entry->destination),
                "kind=" + number(entry->value_kind), "ns=" + fake::namespace_name(entry->namespace_uri),
                "value=" + quoted(entry->value), quoted(entry->instance_path), quoted(entry->schema_path)));
+    if (!is_zero_behind(entry->namespace_uri) || !is_zero_behind(entry->value) ||
+        !is_zero_behind(entry->instance_path) || !is_zero_behind(entry->schema_path)) {
+        Platform::current().fault("a stitch record that is not zero behind its texts");
+    }
     return scripted.value_or(KERR_SUCCESS);
 }
 

@@ -108,6 +108,19 @@ TEST_F(FakePlatformTest, NoticesMessagesThatBreakTheContract) {
     EXPECT_EQ(platform.logged().size(), 3u);
 }
 
+TEST_F(FakePlatformTest, NoticesAStitchRecordThatIsNotZeroBehindItsTexts) {
+    yfw_map_stitch_entry entry{};
+    entry.in_use = 1;
+    EXPECT_EQ(yfw_map_stitch_list_to_list(request.ctx(), &entry), 0u);
+    EXPECT_EQ(platform.faults(), Lines{});
+    for (char *const text : {entry.namespace_uri, entry.value, entry.instance_path, entry.schema_path}) {
+        text[3] = 'x';
+        yfw_map_stitch_list_to_list(request.ctx(), &entry);
+        EXPECT_EQ(platform.take_faults(), (Lines{"a stitch record that is not zero behind its texts"}));
+        text[3] = '\0';
+    }
+}
+
 // ---- database and bags ----
 
 TEST_F(FakePlatformTest, HandsOutItemsAndFollowsTheirBags) {
