@@ -342,8 +342,9 @@ void Scene::dies(const Line &line, const Words &all) {
     const std::string function = whole_name(line, std::distance(word, all.end()) == 4 ? *(word + 3) : call.function);
     const char *const counted = call.arguments.size() == 4 ? "unsigned int, " : "";
     const std::string text = last_words([&] { return run(line, call); });
+    const bool any_file = *(word + 1) == "any";
     for (const std::string &wanted :
-         {": manageability/yang/framework/mapping/oc-psm/src/" + *(word + 1) + ":",
+         {": manageability/yang/framework/mapping/oc-psm/src/" + (any_file ? "" : *(word + 1) + ":"),
           ": kerrno " + function + "(yfw_map_ctx, const struct kidl_yfw_datatree *, " + counted +
               "struct kidl_yfw_datatree *): Assertion `((void *)0) != ctx' failed."}) {
         if (text.find(wanted) == std::string::npos) {

@@ -77,6 +77,7 @@ private:
     void dies(const Line &line, const Words &all);
     void on_every_channel(const Line &line, const Words &all);
     void same(const Line &line, const Words &all);
+    void first_write(const Line &line, const Words &all);
     void formats(const Line &line, const Words &all);
     void left(const Line &line, const Words &all);
     void count(const Line &line, const Words &all);

@@ -133,6 +133,7 @@ const std::map<std::string, Scene::Step> &Scene::steps() {
                                                  {"on-every-channel", &Scene::on_every_channel},
                                                  {"same", &Scene::same},
                                                  {"formats", &Scene::formats},
+                                                 {"first-write", &Scene::first_write},
                                                  {"left", &Scene::left},
                                                  {"count", &Scene::count},
                                                  {"heap", &Scene::heap},
@@ -510,6 +511,18 @@ void Scene::tolerate(const Line &line, const Words &all) {
 void Scene::count(const Line &line, const Words &all) {
     demand(all.size() == 4 && all[2] == "is", line, "count OPERATION is NUMBER");
     compare(line, "the number of calls of " + all[1], {all[3]}, {std::to_string(stage_.platform.count(all[1]))});
+}
+
+// The first add or stitch of the last call holds a text.
+void Scene::first_write(const Line &line, const Words &all) {
+    demand(all.size() == 2, line, "first-write TEXT");
+    const std::vector<std::string> calls = stage_.platform.calls(fake::Output);
+    const auto first = std::find_if(calls.begin(), calls.end(), [](const std::string &call) {
+        return call.compare(0, 4, "add(") == 0 || call.compare(0, 7, "stitch(") == 0;
+    });
+    if (first == calls.end() || first->find(text_of(line, all[1])) == std::string::npos) {
+        fail(line, "what is written first is " + (first == calls.end() ? "nothing" : *first));
+    }
 }
 
 void Scene::heap(const Line &line, const Words &all) {
