@@ -63,7 +63,7 @@ public:
     // line system without modules.
     static const std::vector<int> &example_slots();
 
-    // Makes a line system in a directory, itself made where it is missing, or opens the one that is there: data-missing
+    // Makes a line system in a directory, with the directories on the way, or opens the one that is there: data-missing
     // where there is none. `stand_in` is the database client's stand-in (simulator/database/client_library.hpp); empty:
     // where the build has put it.
     static SimulatedLineSystem make(const std::filesystem::path &directory,

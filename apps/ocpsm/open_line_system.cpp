@@ -1,7 +1,5 @@
 #include "open_line_system.hpp"
 
-#include <system_error>
-
 #include "device.hpp"
 #include "framework/error.hpp"
 
@@ -20,15 +18,6 @@ SimulatedLineSystem open_line_system(const std::filesystem::path &state) {
 }
 
 SimulatedLineSystem make_line_system(const std::filesystem::path &state, const std::vector<int> &slots) {
-    // Without the client nothing is made, not even a directory.
-    std::error_code failed;
-    if (load_database_client().installed()) {
-        std::filesystem::create_directories(state, failed);
-    }
-    if (failed) {
-        throw Error(Error::Source::input, {}, {}, "cannot make " + state.string() + ": " + failed.message(),
-                    "name another directory with --state");
-    }
     return SimulatedLineSystem::make(state, slots, database_stand_in());
 }
 

@@ -1,5 +1,6 @@
 #include <optional>
 #include <string>
+#include <system_error>
 #include <utility>
 
 #include "framework/error.hpp"
@@ -86,8 +87,15 @@ const std::vector<int> &SimulatedLineSystem::example_slots() {
 
 SimulatedLineSystem SimulatedLineSystem::make(const std::filesystem::path &directory, const std::vector<int> &slots,
                                               const std::filesystem::path &stand_in) {
+    const sysdb::Client client = load_client(stand_in);
     const LineSystem made = line_system::example_in(slots);
-    return SimulatedLineSystem(keep(line_system::create(load_client(stand_in), directory, made)));
+    std::error_code failure;
+    std::filesystem::create_directories(directory, failure);
+    if (failure) {
+        throw Error(Error::Source::input, "", "", "cannot make " + directory.string() + ": " + failure.message(),
+                    "name another directory");
+    }
+    return SimulatedLineSystem(keep(line_system::create(client, directory, made)));
 }
 
 SimulatedLineSystem SimulatedLineSystem::open(const std::filesystem::path &directory,

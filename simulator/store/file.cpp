@@ -157,7 +157,7 @@ State File::read(const State &before) const {
         if (const auto now = position(file)) {
             return *now == before.position ? before : read_changes(file, before, *now);
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        std::this_thread::sleep_for(std::chrono::microseconds(100));
     }
     refuse_damaged("it does not begin as it was written");
 }
