@@ -8,16 +8,24 @@
 namespace ocpsm::line_system {
 
 native::NativeData LineSystemDevice::answer(const native::NetRequest &read) {
-    return native::answer(native_data(load(snapshot_)), read);
+    return native::answer(native_data(system()), read);
 }
 
 void LineSystemDevice::apply(const native::NetRequest &edit) {
     if (transaction_ == nullptr) {
         throw std::logic_error("an edit needs a write transaction");
     }
-    const Edited edited = carry_out(load(*transaction_), edit);
+    const Edited edited = carry_out(system(), edit);
     save(*transaction_, edited.system);
-    require_kept(edited, load(*transaction_));
+    system_ = load(*transaction_);
+    require_kept(edited, *system_);
+}
+
+const LineSystem &LineSystemDevice::system() {
+    if (!system_) {
+        system_ = load(snapshot_);
+    }
+    return *system_;
 }
 
 void LineSystemDevice::commit() {

@@ -3,6 +3,7 @@
 #define OCPSM_SIMULATOR_LINE_SYSTEM_LINE_SYSTEM_DEVICE_HPP
 
 #include <functional>
+#include <optional>
 
 #include "framework/device.hpp"
 #include "simulator/line_system/line_system.hpp"
@@ -10,7 +11,8 @@
 
 namespace ocpsm::line_system {
 
-// Answers from a transaction of the caller's, and edits in it; the caller commits. It must not outlive the transaction.
+// Answers from a transaction of the caller's, and edits in it. It must not outlive the transaction, in which nobody
+// else changes anything.
 class LineSystemDevice : public DeviceTransaction {
 public:
     // To answer only: an edit is a std::logic_error.
@@ -28,8 +30,11 @@ public:
     void commit() override;
 
 private:
+    const LineSystem &system();
+
     const sysdb::ReadTransaction &snapshot_;
     sysdb::WriteTransaction *transaction_ = nullptr;
+    std::optional<LineSystem> system_; // as the transaction sees it; none: not read yet
 };
 
 // Changes the line system of an open store in one write transaction, and returns it as it is then. When the change or

@@ -123,18 +123,26 @@ TEST_F(StoreFailure, IsNoneForWhatStandsBehindTheEnd) {
     EXPECT_EQ(open_store(state, Store::Mode::existing)->read()->get(Table::items, "key7"), "new");
 }
 
-// A store that is open goes on from a copy that has been put in its place.
+// A store that is open goes on from a copy that has been put in its place, a shorter or a longer one.
 TEST_F(StoreFailure, IsNoneForAStoreThatIsRestored) {
     make_store();
     const std::string copy = read_file();
     const auto store = open_store(state, Store::Mode::existing);
-    for (int round = 0; round < 3; ++round) {
-        const auto transaction = store->write();
-        transaction->put(Table::items, "key7", std::to_string(round));
+    const auto put = [&](Store &target, const std::string &value) {
+        const auto transaction = target.write();
+        transaction->put(Table::items, "key7", value);
         transaction->commit();
-    }
+    };
+    put(*store, "short");
     write_file(copy);
     EXPECT_EQ(store->read()->get(Table::items, "key7"), std::string(1000, 'x'));
+    put(*open_store(state, Store::Mode::existing), "other");
+    put(*open_store(state, Store::Mode::existing), "other again");
+    const std::string longer = read_file();
+    write_file(copy);
+    put(*store, "short");
+    write_file(longer);
+    EXPECT_EQ(store->read()->get(Table::items, "key7"), "other again");
 }
 
 TEST_F(StoreFailure, NamesDamageThatComesWhileItIsOpen) {
