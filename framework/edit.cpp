@@ -2,7 +2,6 @@
 #include <libyang/libyang.h>
 
 #include <algorithm>
-#include <map>
 #include <utility>
 
 #include "framework/models/models.hpp"
@@ -18,31 +17,6 @@
 namespace ocpsm::framework {
 
 namespace {
-
-std::vector<Change> changes_between(const std::vector<AnswerNode> &before, const std::vector<AnswerNode> &after) {
-    using Values = std::map<std::string, std::optional<std::string>>;
-    const auto values_of = [](const std::vector<AnswerNode> &tops) {
-        Values values;
-        for_each_leaf(tops, [&values](const std::string &path, const AnswerNode &leaf) { values[path] = leaf.value; });
-        return values;
-    };
-    const Values old_values = values_of(before);
-    const Values new_values = values_of(after);
-    std::vector<AnswerNode> both = before;
-    join(both, after);
-    std::vector<Change> changes;
-    for_each_leaf(both, [&](const std::string &path, const AnswerNode & /*leaf*/) {
-        const auto in = [&path](const Values &values) {
-            const auto found = values.find(path);
-            return found == values.end() ? std::optional<std::string>() : found->second;
-        };
-        Change change{path, in(old_values), in(new_values)};
-        if (change.before != change.after) {
-            changes.push_back(std::move(change));
-        }
-    });
-    return changes;
-}
 
 // Whether two nodes of an edit by paths are one: entries of the list are told apart by their keys, which stand first.
 bool is_same(const RequestNode &one, const RequestNode &other) {
@@ -150,13 +124,13 @@ EditResult carry_out(const Plugin &plugin, Tree tops, DeviceTransaction &device,
     EditResult result;
     try {
         const auto modules = concerns_all_modules(tops) ? std::nullopt : std::optional(named_modules(tops));
-        const std::vector<AnswerNode> before = configuration(plugin, device, modules);
-        settle_existence(tops, before);
+        const Answer before = configuration(plugin, device, modules);
+        settle_existence(tops, tree_of(before));
         Options traced = options;
         traced.trace = true; // it tells where each native node comes from
         Translation translation =
             translate_trees(plugin.callback(openconfig_root_walker),
-                            hand_over_edit(std::move(tops), modules_in(before)), Kind::edit, traced);
+                            hand_over_edit(std::move(tops), tree_of(before).entry_names()), Kind::edit, traced);
         take_messages(result, translation);
         if (!options.trace) {
             result.trace.clear();
@@ -166,7 +140,8 @@ EditResult carry_out(const Plugin &plugin, Tree tops, DeviceTransaction &device,
         }
         result.native = DeviceRequest(std::make_shared<native::NetRequest>(apply_all(translation.handed_over, device)));
         if (options.report_changes) {
-            result.changes = changes_between(before, configuration(plugin, device, modules));
+            const Answer after = configuration(plugin, device, modules);
+            result.changes = changes_between(tree_of(before), tree_of(after));
         }
     } catch (const Error &error) {
         result.error = error;

@@ -41,8 +41,8 @@ void append_texts(const Lines &lines, std::vector<std::string> &texts) {
 }
 
 // Has the device answer what was handed over, and the plug-in map it back.
-std::vector<AnswerNode> answer_one(const Plugin &plugin, Kind kind, const HandedOver &handed, DeviceTransaction &device,
-                                   Channels &channels, const Options &options) {
+AnswerTree answer_one(const Plugin &plugin, Kind kind, const HandedOver &handed, DeviceTransaction &device,
+                      Channels &channels, const Options &options) {
     const native::NativeData data = device.answer(handed.native.net());
     return cut(walk_answer(plugin, kind, handed.request, data, channels, options), {handed.request});
 }
@@ -50,15 +50,16 @@ std::vector<AnswerNode> answer_one(const Plugin &plugin, Kind kind, const Handed
 void answer_all(const Plugin &plugin, Kind kind, const Translation &translation, DeviceTransaction &device,
                 const Options &options, ReadResult &result) {
     Channels channels;
-    std::vector<AnswerNode> tops;
+    std::vector<AnswerTree> parts;
     try {
         for (const HandedOver &handed : translation.handed_over) {
             if (!handed.nothing_supported) {
-                join(tops, answer_one(plugin, kind, handed, device, channels, options));
+                parts.push_back(answer_one(plugin, kind, handed, device, channels, options));
             }
         }
-        if (!tops.empty()) {
-            result.answer = Answer(std::make_shared<Answer::Data>(std::move(tops)));
+        AnswerTree tree = join(std::move(parts));
+        if (!tree.empty()) {
+            result.answer = Answer(std::make_shared<Answer::Data>(std::move(tree)));
         }
     } catch (const Error &error) {
         result.error = error;
@@ -92,8 +93,8 @@ ReadResult answer_read(const Plugin &plugin, const std::vector<RequestNode> &top
     return result;
 }
 
-std::vector<AnswerNode> configuration(const Plugin &plugin, DeviceTransaction &device,
-                                      const std::optional<std::vector<std::string>> &modules) {
+Answer configuration(const Plugin &plugin, DeviceTransaction &device,
+                     const std::optional<std::vector<std::string>> &modules) {
     Tree selected;
     if (modules) {
         std::transform(modules->begin(), modules->end(), std::back_inserter(selected), read_of_instance);
@@ -104,19 +105,12 @@ std::vector<AnswerNode> configuration(const Plugin &plugin, DeviceTransaction &d
     if (result.error) {
         throw Error(*result.error);
     }
-    return result.answer.empty() ? std::vector<AnswerNode>() : result.answer.data().tops;
+    return std::move(result.answer);
 }
 
-std::vector<std::string> modules_in(const std::vector<AnswerNode> &tops) {
-    std::vector<std::string> names;
-    for (const AnswerNode &top : tops) {
-        for (const AnswerNode &list : top.children) {
-            for (const AnswerNode &module : list.children) {
-                names.push_back(find_child(module, "name")->value.value_or(""));
-            }
-        }
-    }
-    return names;
+const AnswerTree &tree_of(const Answer &answer) {
+    static const AnswerTree nothing;
+    return answer.empty() ? nothing : answer.data().tree;
 }
 
 } // namespace ocpsm::framework

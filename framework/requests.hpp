@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "framework/answer/node.hpp"
+#include "framework/answer/tree.hpp"
 #include "framework/device.hpp"
 #include "framework/host/plugin.hpp"
 #include "framework/request_tree.hpp"
@@ -15,9 +15,9 @@
 
 namespace ocpsm {
 
-// What an answer holds: top nodes, at least one.
+// What an answer holds.
 struct Answer::Data {
-    std::vector<framework::AnswerNode> tops;
+    framework::AnswerTree tree; // not empty
 };
 
 namespace framework {
@@ -27,19 +27,18 @@ Tree typed(const Selection &selection, Kind kind);
 Tree typed(const Edit &edit, const EditOptions &options);
 
 // Answers a typed read.
-ReadResult answer_read(const Plugin &plugin, const std::vector<RequestNode> &tops, Kind kind, DeviceTransaction &device,
-                       const Options &options);
+ReadResult answer_read(const Plugin &plugin, Tree tops, Kind kind, DeviceTransaction &device, const Options &options);
 
 // Carries out a typed edit in a transaction: without an error the caller may commit it, or show it and drop it; with
 // one it has to drop it.
 EditResult carry_out(const Plugin &plugin, Tree tops, DeviceTransaction &device, const EditOptions &options);
 
 // The configuration of the named modules, without names of all. Throws Error when it cannot be read.
-std::vector<AnswerNode> configuration(const Plugin &plugin, DeviceTransaction &device,
-                                      const std::optional<std::vector<std::string>> &modules);
+Answer configuration(const Plugin &plugin, DeviceTransaction &device,
+                     const std::optional<std::vector<std::string>> &modules);
 
-// Names of the modules in an answer.
-std::vector<std::string> modules_in(const std::vector<AnswerNode> &tops);
+// What an answer holds; an empty tree when it is empty.
+const AnswerTree &tree_of(const Answer &answer);
 
 // Takes over what a translation says, but its result.
 void take_messages(Outcome &outcome, Translation &translation);

@@ -5,7 +5,6 @@
 #include <stdexcept>
 #include <utility>
 
-#include "framework/answer/print.hpp"
 #include "framework/host/codes.hpp"
 #include "framework/request/existence.hpp"
 #include "framework/request/hand_over.hpp"
@@ -26,16 +25,14 @@ bool Answer::empty() const {
 }
 
 std::string Answer::print(Format format) const {
-    return framework::print_answer(empty() ? std::vector<framework::AnswerNode>() : data_->tops, format);
+    return framework::tree_of(*this).print(format);
 }
 
 std::vector<Leaf> Answer::leaves() const {
     std::vector<Leaf> leaves;
-    if (!empty()) {
-        framework::for_each_leaf(data_->tops, [&](const std::string &path, const framework::AnswerNode &leaf) {
-            leaves.push_back({path, leaf.value.value_or("")});
-        });
-    }
+    framework::tree_of(*this).for_each_leaf([&leaves](const std::string &path, std::string_view value) {
+        leaves.push_back({path, std::string(value)});
+    });
     return leaves;
 }
 
@@ -81,7 +78,8 @@ struct Service::Parts {
         }
         std::vector<std::string> modules;
         if (transaction != nullptr && framework::concerns_all_modules(tops)) {
-            modules = framework::modules_in(framework::configuration(plugin, *transaction, std::nullopt));
+            const Answer standing = framework::configuration(plugin, *transaction, std::nullopt);
+            modules = framework::tree_of(standing).entry_names();
         }
         return framework::hand_over_edit(std::move(tops), modules);
     }

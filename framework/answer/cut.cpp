@@ -3,6 +3,9 @@
 #include <libyang/libyang.h>
 
 #include <algorithm>
+#include <functional>
+#include <unordered_set>
+#include <utility>
 
 #include "framework/models/models.hpp"
 
@@ -10,69 +13,105 @@ namespace ocpsm::framework {
 
 namespace {
 
-bool selects(const RequestNode &selection, const AnswerNode &node) {
-    return selection.tag == name_of(node) && selection.namespace_uri == node.schema->module->ns;
+using Selections = std::vector<const RequestNode *>;
+
+Selections pointers_to(const std::vector<RequestNode> &nodes) {
+    Selections pointers;
+    for (const RequestNode &node : nodes) {
+        pointers.push_back(&node);
+    }
+    return pointers;
+}
+
+bool selects(const RequestNode &selection, const lyd_node &node) {
+    return selection.tag == node.schema->name && selection.namespace_uri == node.schema->module->ns;
 }
 
 // A leaf that is given a value: what is beside it counts only where the values are equal.
-bool is_content_match(const RequestNode &selection) {
-    return selection.value.has_value();
+bool is_content_match(const RequestNode *selection) {
+    return selection->value.has_value();
 }
 
-bool has_match(const AnswerNode &node, const RequestNode &match) {
-    return std::any_of(node.children.begin(), node.children.end(), [&match](const AnswerNode &child) {
-        return selects(match, child) && child.value == match.value;
-    });
-}
-
-std::vector<AnswerNode> select_below(const std::vector<AnswerNode> &nodes, const std::vector<RequestNode> &selections);
-
-// The selected children of a node, by the selections below it. None when it is not selected at all.
-std::optional<std::vector<AnswerNode>> select_children(const AnswerNode &node,
-                                                       const std::vector<RequestNode> &selections) {
-    std::vector<RequestNode> wanted;
-    for (const RequestNode &selection : selections) {
-        if (!is_content_match(selection)) {
-            wanted.push_back(selection);
-        } else if (!has_match(node, selection)) {
-            return std::nullopt;
-        }
-    }
-    if (wanted.empty()) {
-        return node.children;
-    }
-    const bool matched = wanted.size() < selections.size();
-    std::vector<AnswerNode> children = select_below(node.children, wanted);
-    if (children.empty() && !matched) {
-        return std::nullopt;
-    }
-    for (const AnswerNode &child : node.children) {
-        const bool content = std::any_of(selections.begin(), selections.end(), [&child](const RequestNode &selection) {
-            return is_content_match(selection) && selects(selection, child);
-        });
-        if (content || lysc_is_key(child.schema)) {
-            join(children, {child});
-        }
-    }
-    return children;
-}
-
-std::vector<AnswerNode> select_below(const std::vector<AnswerNode> &nodes, const std::vector<RequestNode> &selections) {
-    std::vector<AnswerNode> selected;
-    for (const AnswerNode &node : nodes) {
-        for (const RequestNode &selection : selections) {
-            if (!selects(selection, node)) {
-                continue;
-            }
-            if (selection.children.empty()) {
-                join(selected, {node});
-            } else if (auto children = select_children(node, selection.children)) {
-                join(selected, {AnswerNode{node.schema, node.value, std::move(*children)}});
+// Finds out what is selected, then takes the rest away.
+class Cut {
+public:
+    // True when anything among these siblings is selected.
+    bool select(const lyd_node *first, const Selections &selections) {
+        bool any = false;
+        for (const lyd_node *node = first; node != nullptr; node = node->next) {
+            for (const RequestNode *selection : selections) {
+                any = (selects(*selection, *node) && select_node(*node, *selection)) || any;
             }
         }
+        return any;
     }
-    return selected;
-}
+
+    // Frees what is not selected of a node; true when nothing of it is.
+    bool prune(lyd_node &node) const {
+        if (selected_.contains(&node)) {
+            return false;
+        }
+        std::vector<lyd_node *> dropped;
+        bool any = false;
+        for (lyd_node *child = lyd_child(&node); child != nullptr; child = child->next) {
+            if (prune(*child)) {
+                dropped.push_back(child);
+            } else {
+                any = true;
+            }
+        }
+        if (any) { // else the node goes with all that is below it
+            std::for_each(dropped.begin(), dropped.end(), lyd_free_tree);
+        }
+        return !any;
+    }
+
+private:
+    bool select_node(const lyd_node &node, const RequestNode &selection) {
+        if (!selection.children.empty()) {
+            return select_children(node, selection.children);
+        }
+        selected_.insert(&node);
+        return true;
+    }
+
+    bool select_children(const lyd_node &node, const std::vector<RequestNode> &selections) {
+        Selections wanted = pointers_to(selections);
+        const auto matches = std::stable_partition(wanted.begin(), wanted.end(), std::not_fn(is_content_match));
+        std::vector<const lyd_node *> beside;
+        for (auto match = matches; match != wanted.end(); ++match) {
+            const lyd_node *leaf = find_match(node, **match);
+            if (leaf == nullptr) {
+                return false;
+            }
+            beside.push_back(leaf);
+        }
+        wanted.erase(matches, wanted.end());
+        if (wanted.empty()) {
+            selected_.insert(&node);
+            return true;
+        }
+        if (!select(lyd_child(&node), wanted) && beside.empty()) {
+            return false;
+        }
+        for (const lyd_node *key = lyd_child(&node); key != nullptr && lysc_is_key(key->schema); key = key->next) {
+            beside.push_back(key);
+        }
+        selected_.insert(beside.begin(), beside.end());
+        return true;
+    }
+
+    static const lyd_node *find_match(const lyd_node &node, const RequestNode &match) {
+        for (const lyd_node *child = lyd_child(&node); child != nullptr; child = child->next) {
+            if (selects(match, *child) && child->schema->nodetype == LYS_LEAF && leaf_value(*child) == *match.value) {
+                return child;
+            }
+        }
+        return nullptr;
+    }
+
+    std::unordered_set<const lyd_node *> selected_; // leaves, and nodes with all that is below them
+};
 
 struct Named {
     std::size_t state_leaves = 0;
@@ -106,8 +145,14 @@ void count(const RequestNode &selection, const lysc_node *parent, Named &named) 
 
 } // namespace
 
-std::vector<AnswerNode> cut(const std::vector<AnswerNode> &tops, const std::vector<RequestNode> &selections) {
-    return select_below(tops, selections);
+AnswerTree cut(AnswerTree answer, const std::vector<RequestNode> &selections) {
+    Cut cut;
+    if (!cut.select(answer.top(), pointers_to(selections))) {
+        return {};
+    }
+    OwnedNode top = answer.release();
+    cut.prune(*top);
+    return AnswerTree(std::move(top));
 }
 
 std::size_t state_leaves_only(const std::vector<RequestNode> &selections) {

@@ -2,15 +2,16 @@
 #ifndef OCPSM_FRAMEWORK_ANSWER_CUT_HPP
 #define OCPSM_FRAMEWORK_ANSWER_CUT_HPP
 
+#include <cstddef>
 #include <vector>
 
-#include "framework/answer/node.hpp"
+#include "framework/answer/tree.hpp"
 #include "framework/host/data_tree.hpp"
 
 namespace ocpsm::framework {
 
-// Cuts an answer with canonical values to what a typed read selects. The keys of an entry always come along.
-std::vector<AnswerNode> cut(const std::vector<AnswerNode> &tops, const std::vector<RequestNode> &selections);
+// Cuts an answer to what a typed read selects. The keys of an entry always come along.
+AnswerTree cut(AnswerTree answer, const std::vector<RequestNode> &selections);
 
 // How many state leaves a typed read names; none when it also names anything else (keys of lists left out).
 std::size_t state_leaves_only(const std::vector<RequestNode> &selections);

@@ -3,6 +3,7 @@
 #include <libyang/libyang.h>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "framework/host/data_tree.hpp"
@@ -11,47 +12,103 @@ namespace ocpsm::framework {
 
 namespace {
 
-bool is_selected(const kidl_yfw_datatree &node, const native::NetNode &selection) {
-    const lysc_node &schema = *selection.schema;
-    if (!yfw_map_do_these_match(node.tag, schema.name) ||
-        !yfw_map_do_these_match(node.namespace_uri, schema.module->ns)) {
-        return false;
+// The values of these keys of a node, each with its end; none when one of them is missing.
+std::optional<std::string> values_of(const kidl_yfw_datatree &node, const std::vector<const lysc_node *> &keys) {
+    std::string values;
+    for (const lysc_node *key : keys) {
+        const kidl_yfw_datatree *leaf = find_child(node, key->name);
+        const auto value = leaf == nullptr ? std::nullopt : value_of(*leaf);
+        if (!value) {
+            return std::nullopt;
+        }
+        values.append(*value).push_back('\0');
     }
-    return std::all_of(selection.keys.begin(), selection.keys.end(), [&node](const native::NetKey &key) {
-        const kidl_yfw_datatree *leaf = find_child(node, key.schema->name);
-        return !key.value || (leaf != nullptr && value_of(*leaf) == *key.value);
-    });
+    return values;
 }
 
-// A selection without anything below it selects all that is below it.
-bool are_selected(std::span<const kidl_yfw_datatree *const> chain, const std::vector<native::NetNode> &selections) {
-    if (chain.empty()) {
-        return true;
-    }
-    return std::any_of(selections.begin(), selections.end(), [chain](const native::NetNode &selection) {
-        return is_selected(*chain.front(), selection) &&
-               (selection.children.empty() || are_selected(chain.subspan(1), selection.children));
-    });
+bool is_of(const kidl_yfw_datatree &node, const lysc_node &schema) {
+    return yfw_map_do_these_match(node.tag, schema.name) != 0 &&
+           yfw_map_do_these_match(node.namespace_uri, schema.module->ns) != 0;
 }
 
 } // namespace
 
-void InstanceMap::add(std::string instance, native::NetRequest read) {
-    rows_.push_back({std::move(instance), std::move(read)});
+InstanceMap::Owner InstanceMap::both(Owner one, Owner other) {
+    if (one == nobody || one == other) {
+        return other;
+    }
+    return other == nobody ? one : several;
 }
 
-std::optional<std::string> InstanceMap::instance_of(std::span<const kidl_yfw_datatree *const> chain) const {
-    std::optional<std::string> instance;
-    for (const Row &row : rows_) {
-        if (!are_selected(chain, row.read.roots)) {
-            continue;
+InstanceMap::Selection &InstanceMap::find_or_add(Selection &above, const native::NetNode &node) {
+    std::vector<const lysc_node *> keys;
+    std::string values;
+    for (const native::NetKey &key : node.keys) {
+        if (key.value) {
+            keys.push_back(key.schema);
+            values.append(*key.value).push_back('\0');
         }
-        if (instance) {
-            return std::nullopt;
-        }
-        instance = row.instance;
     }
-    return instance;
+    auto family = std::find_if(above.below.begin(), above.below.end(), [&](const Family &candidate) {
+        return candidate.schema == node.schema && candidate.keys == keys;
+    });
+    if (family == above.below.end()) {
+        family = above.below.insert(family, Family{node.schema, std::move(keys), {}});
+    }
+    Selection *&selection = family->by_values[std::move(values)];
+    if (selection == nullptr) {
+        selection = &selections_.emplace_back();
+    }
+    return *selection;
+}
+
+void InstanceMap::add_below(Selection &above, const std::vector<native::NetNode> &nodes, Owner owner) {
+    for (const native::NetNode &node : nodes) {
+        Selection &selection = find_or_add(above, node);
+        selection.owner = both(selection.owner, owner);
+        if (node.children.empty()) {
+            selection.whole = both(selection.whole, owner);
+        }
+        add_below(selection, node.children, owner);
+    }
+}
+
+void InstanceMap::add(std::string instance, const native::NetRequest &read) {
+    const Owner owner = instances_.size();
+    instances_.push_back(std::move(instance));
+    Selection &top = selections_.front();
+    top.owner = both(top.owner, owner);
+    add_below(top, read.roots, owner);
+}
+
+InstanceMap::Place InstanceMap::top() const {
+    Place place;
+    place.selections_.push_back(&selections_.front());
+    return place;
+}
+
+InstanceMap::Place InstanceMap::below(const Place &above, const kidl_yfw_datatree &node) const {
+    Place place;
+    place.around_ = above.around_;
+    for (const Selection *selection : above.selections_) {
+        place.around_ = both(place.around_, selection->whole);
+        for (const Family &family : selection->below) {
+            const auto values = is_of(node, *family.schema) ? values_of(node, family.keys) : std::nullopt;
+            const auto found = values ? family.by_values.find(*values) : family.by_values.end();
+            if (found != family.by_values.end()) {
+                place.selections_.push_back(found->second);
+            }
+        }
+    }
+    return place;
+}
+
+const std::string *InstanceMap::instance_of(const Place &place) const {
+    Owner owner = place.around_;
+    for (const Selection *selection : place.selections_) {
+        owner = both(owner, selection->owner);
+    }
+    return owner == nobody || owner == several ? nullptr : &instances_[owner];
 }
 
 } // namespace ocpsm::framework

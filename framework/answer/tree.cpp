@@ -3,197 +3,246 @@
 #include <libyang/libyang.h>
 
 #include <algorithm>
+#include <cstdlib>
+#include <new>
+#include <stdexcept>
 #include <utility>
 
-#include "framework/host/codes.hpp"
-#include "framework/models/models.hpp"
+#include "framework/quiet_library.hpp"
 #include "framework/request/instance_path.hpp"
 
 namespace ocpsm::framework {
 
 namespace {
 
-constexpr std::string_view list_path = "/aps/aps-modules/aps-module";
-constexpr std::string_view predicate_begin = "[name=";
-
-// The node below `top` that a leaf lies in, made where it is missing.
-AnswerNode &place(AnswerNode &top, const lysc_node &schema) {
-    if (&schema == top.schema) {
-        return top;
+struct FreeText {
+    void operator()(char *text) const noexcept {
+        std::free(text); // NOLINT(cppcoreguidelines-no-malloc, cppcoreguidelines-owning-memory)
     }
-    AnswerNode &parent = place(top, *schema.parent);
-    if (const AnswerNode *found = find_child(parent, schema)) {
-        return parent.children[static_cast<std::size_t>(found - parent.children.data())];
-    }
-    join(parent.children, {AnswerNode{&schema}});
-    return place(top, schema);
-}
-
-// An instance path of a stitch: the key, and the rest as a schema path.
-struct StitchPath {
-    std::string key;
-    std::string schema_path;
 };
 
-std::optional<StitchPath> parse_stitch_path(std::string_view path) {
-    if (!path.starts_with(list_path)) {
-        return std::nullopt;
+void require(LY_ERR result) {
+    if (result == LY_EMEM) {
+        throw std::bad_alloc();
     }
-    path.remove_prefix(list_path.size());
-    if (!path.starts_with(predicate_begin)) {
-        return std::nullopt;
+    if (result != LY_SUCCESS) {
+        throw std::logic_error("libyang refuses to work on an answer");
     }
-    path.remove_prefix(predicate_begin.size());
-    // The key may hold slashes and brackets, the names behind it may not.
-    const std::size_t end = path.rfind(']');
-    if (end == std::string_view::npos) {
-        return std::nullopt;
-    }
-    return StitchPath{std::string(path.substr(0, end)), std::string(list_path) + std::string(path.substr(end + 1))};
 }
+
+bool is_leaf(const lyd_node &node) {
+    return node.schema->nodetype == LYS_LEAF;
+}
+
+// The entries of the only list of the model.
+std::vector<lyd_node *> entries_of(const lyd_node *top) {
+    std::vector<lyd_node *> entries;
+    const lyd_node *container = top == nullptr ? nullptr : lyd_child(top);
+    for (lyd_node *entry = container == nullptr ? nullptr : lyd_child(container); entry != nullptr;
+         entry = entry->next) {
+        entries.push_back(entry);
+    }
+    return entries;
+}
+
+std::string_view key_of(const lyd_node &entry) {
+    return leaf_value(*lyd_child(&entry));
+}
+
+bool has_lower_key(const lyd_node *one, const lyd_node *other) {
+    return key_of(*one) < key_of(*other);
+}
+
+// Entries that libyang has put behind the others go to their places.
+void sort_entries(lyd_node &top) {
+    std::vector<lyd_node *> entries = entries_of(&top);
+    if (std::is_sorted(entries.begin(), entries.end(), has_lower_key)) {
+        return;
+    }
+    std::sort(entries.begin(), entries.end(), has_lower_key);
+    lyd_node *container = lyd_child(&top);
+    for (lyd_node *entry : entries) {
+        require(lyd_insert_child(container, entry)); // takes it out first
+    }
+}
+
+// An instance path that grows and shrinks with a walk.
+class Path {
+public:
+    void enter(const lyd_node &node) { text_ += answer_step(node); }
+    void leave(std::size_t length) { text_.resize(length); }
+    std::size_t length() const { return text_.size(); }
+    const std::string &text() const { return text_; }
+
+private:
+    std::string text_;
+};
+
+template <typename Visit>
+void visit_leaves(const lyd_node *first, Path &path, const Visit &visit) {
+    for (const lyd_node *node = first; node != nullptr; node = node->next) {
+        const std::size_t length = path.length();
+        path.enter(*node);
+        if (is_leaf(*node)) {
+            visit(path.text(), *node);
+        } else {
+            visit_leaves(lyd_child(node), path, visit);
+        }
+        path.leave(length);
+    }
+}
+
+// Below zero when one of two siblings stands before the other, zero when they are the same node in two answers.
+int document_order(const lyd_node &one, const lyd_node &other) {
+    if (one.schema == other.schema) {
+        return one.schema->nodetype == LYS_LIST ? key_of(one).compare(key_of(other)) : 0;
+    }
+    for (const lysc_node *later = one.schema->next; later != nullptr; later = later->next) {
+        if (later == other.schema) {
+            return -1;
+        }
+    }
+    return 1;
+}
+
+class Comparison {
+public:
+    // Siblings of one node in both answers; null where there are none, or no more.
+    void compare(const lyd_node *before, const lyd_node *after) {
+        while (before != nullptr || after != nullptr) {
+            const int order = before == nullptr  ? 1
+                              : after == nullptr ? -1
+                                                 : document_order(*before, *after);
+            compare_one(order <= 0 ? before : nullptr, order >= 0 ? after : nullptr);
+            before = order <= 0 ? before->next : before;
+            after = order >= 0 ? after->next : after;
+        }
+    }
+
+    std::vector<Change> take_changes() { return std::move(changes_); }
+
+private:
+    // One node, which stands in at least one of them.
+    void compare_one(const lyd_node *before, const lyd_node *after) {
+        const lyd_node &node = before != nullptr ? *before : *after;
+        const std::size_t length = path_.length();
+        path_.enter(node);
+        if (is_leaf(node)) {
+            const auto value = [](const lyd_node *leaf) {
+                return leaf == nullptr ? std::nullopt : std::optional(std::string(leaf_value(*leaf)));
+            };
+            Change change{path_.text(), value(before), value(after)};
+            if (change.before != change.after) {
+                changes_.push_back(std::move(change));
+            }
+        } else {
+            compare(before == nullptr ? nullptr : lyd_child(before), after == nullptr ? nullptr : lyd_child(after));
+        }
+        path_.leave(length);
+    }
+
+    Path path_;
+    std::vector<Change> changes_;
+};
 
 } // namespace
 
-AnswerTree::AnswerTree() : list_{this}, list_schema_(models::Schema::openconfig().find(list_path)) {}
-
-AnswerTree::Index AnswerTree::entry(std::string_view name) {
-    const auto found = std::find_if(entries_.begin(), entries_.end(),
-                                    [name](const Entry &candidate) { return candidate.name == name; });
-    if (found != entries_.end()) {
-        return static_cast<std::size_t>(found - entries_.begin());
-    }
-    entries_.push_back({std::string(name), false, AnswerNode{list_schema_}});
-    return entries_.size() - 1;
+void FreeNode::operator()(lyd_node *node) const noexcept {
+    lyd_free_tree(node);
 }
 
-void AnswerTree::write(const lysc_node &leaf, std::string_view value) {
-    AnswerNode &node = place(entries_[*current_].node, leaf);
-    if (!node.value || !value.empty()) {
-        node.value = value;
-    }
+AnswerTree::AnswerTree(OwnedNode top) : top_(std::move(top)) {
+    const std::vector<lyd_node *> entries = entries_of(top_.get());
+    entries_.assign(entries.begin(), entries.end());
+    // libyang makes some canonical texts when they are first asked for; readers of several threads must not.
+    Path path;
+    visit_leaves(top_.get(), path, [](const std::string & /*path*/, const lyd_node &leaf) { leaf_value(leaf); });
 }
 
-// An entry without a name takes it, unless another one has it; an entry is never given a second one.
-kerrno AnswerTree::write_key(std::string_view value) {
-    if (!current_) {
-        return KERR_SUCCESS;
+std::string AnswerTree::print(Format format) const {
+    if (empty()) {
+        return format == Format::json ? "{}\n" : "";
     }
-    const auto bears = [value](const Entry &candidate) { return candidate.name == value; };
-    Entry &current = entries_[*current_];
-    if (!current.name && std::none_of(entries_.begin(), entries_.end(), bears)) {
-        current.name = value;
-    }
-    current_ = entry(value);
-    entries_[*current_].part_of_answer = true;
-    return KERR_SUCCESS;
+    const QuietLibrary quiet;
+    char *printed = nullptr;
+    const LY_ERR result = lyd_print_mem(&printed, top_.get(), format == Format::json ? LYD_JSON : LYD_XML, 0);
+    const std::unique_ptr<char, FreeText> text(printed);
+    require(result);
+    return text.get();
 }
 
-kerrno AnswerTree::add(std::string_view path, std::string_view namespace_uri, std::optional<std::string_view> value,
-                       bool opens) {
-    const lysc_node *node = models::Schema::openconfig().find(without_prefixes(path));
-    if (node == nullptr || namespace_uri != node->module->ns) {
-        return unknown_answer_node;
-    }
-    if (node->nodetype != LYS_LEAF) {
-        if (value) {
-            return unexpected_answer_value;
-        }
-        if (node == list_schema_ && opens) {
-            entries_.push_back({std::nullopt, false, AnswerNode{list_schema_}});
-            current_ = entries_.size() - 1;
-        }
-        return KERR_SUCCESS;
-    }
-    if (!value || !current_) {
-        return KERR_SUCCESS;
-    }
-    if (lysc_is_key(node)) {
-        return write_key(*value);
-    }
-    write(*node, *value);
-    return KERR_SUCCESS;
+void AnswerTree::for_each_leaf(
+    const std::function<void(const std::string &path, std::string_view value)> &visit) const {
+    Path path;
+    visit_leaves(top_.get(), path,
+                 [&visit](const std::string &text, const lyd_node &leaf) { visit(text, leaf_value(leaf)); });
 }
 
-kerrno AnswerTree::search_or_add(std::string_view path, std::string_view key_name, std::string_view key,
-                                 std::string_view namespace_uri) {
-    if (without_prefixes(path) != list_path || key_name != models::key_names(*list_schema_).front() ||
-        namespace_uri != list_schema_->module->ns) {
-        return unknown_answer_node;
-    }
-    current_ = entry(key);
-    entries_[*current_].part_of_answer = true;
-    return KERR_SUCCESS;
-}
-
-kerrno AnswerTree::stitch(const yfw_map_stitch_entry &stitched) {
-    const std::optional<StitchPath> path = parse_stitch_path(stitched.instance_path);
-    if (stitched.in_use != 1 || stitched.value_kind != YFW_STITCH_VALUE_TEXT || !path ||
-        path->schema_path != stitched.schema_path) {
-        return invalid_arguments;
-    }
-    const lysc_node *leaf = models::Schema::openconfig().find(path->schema_path);
-    if (leaf == nullptr || leaf->nodetype != LYS_LEAF || leaf->module->ns != std::string_view(stitched.namespace_uri)) {
-        return unknown_answer_node;
-    }
-    if (lysc_is_key(leaf) && path->key != stitched.value) {
-        return invalid_arguments;
-    }
-    current_ = entry(path->key);
-    if (lysc_is_key(leaf)) {
-        entries_[*current_].part_of_answer = true;
-    } else {
-        write(*leaf, stitched.value);
-    }
-    return KERR_SUCCESS;
-}
-
-void AnswerTree::note_failure(kerrno result) {
-    if (failure_ == KERR_SUCCESS) {
-        failure_ = result;
-    }
-}
-
-void AnswerTree::point_to(const std::optional<std::string> &name) {
-    current_ = name ? entry(*name) : std::nullopt;
-}
-
-void AnswerTree::open_scope() {
-    scopes_.push_back(current_);
-}
-
-void AnswerTree::close_scope() {
-    if (!scopes_.empty()) {
-        scopes_.pop_back();
-    }
-    current_ = scopes_.empty() ? std::nullopt : scopes_.back();
-}
-
-std::vector<std::string> AnswerTree::names() const {
+std::vector<std::string> AnswerTree::entry_names() const {
     std::vector<std::string> names;
-    for (const Entry &entry : entries_) {
-        if (entry.part_of_answer) {
-            names.push_back(*entry.name);
-        }
+    for (const lyd_node *entry : entries_) {
+        names.emplace_back(key_of(*entry));
     }
     return names;
 }
 
-std::vector<AnswerNode> AnswerTree::answer() const {
-    const lysc_node *key = models::Schema::openconfig().children(list_schema_).front();
-    std::vector<AnswerNode> entries;
-    for (const Entry &entry : entries_) {
-        if (!entry.part_of_answer) {
-            continue;
+const lyd_node *AnswerTree::find_entry(std::string_view key) const {
+    const auto found = std::lower_bound(entries_.begin(), entries_.end(), key,
+                                        [](const lyd_node *entry, std::string_view wanted) {
+                                            return key_of(*entry) < wanted;
+                                        });
+    return found != entries_.end() && key_of(**found) == key ? *found : nullptr;
+}
+
+OwnedNode AnswerTree::release() noexcept {
+    entries_.clear();
+    return std::move(top_);
+}
+
+AnswerTree join(std::vector<AnswerTree> parts) {
+    const QuietLibrary quiet;
+    lyd_node *joined = nullptr;
+    // Merging gives the leaves of the source: the first part comes last.
+    OwnedNode owner;
+    for (auto part = parts.rbegin(); part != parts.rend(); ++part) {
+        if (!part->empty()) {
+            joined = owner.release();
+            const LY_ERR result = lyd_merge_tree(&joined, part->release().release(), LYD_MERGE_DESTRUCT);
+            owner.reset(joined);
+            require(result);
         }
-        AnswerNode node = entry.node;
-        node.children.insert(node.children.begin(), AnswerNode{key, entry.name});
-        join(entries, {node});
     }
-    if (entries.empty()) {
-        return {};
+    if (owner) {
+        sort_entries(*owner);
     }
-    const lysc_node *list_container = list_schema_->parent;
-    return {AnswerNode{list_container->parent, {}, {AnswerNode{list_container, {}, std::move(entries)}}}};
+    return AnswerTree(std::move(owner));
+}
+
+std::vector<Change> changes_between(const AnswerTree &before, const AnswerTree &after) {
+    Comparison comparison;
+    comparison.compare(before.top(), after.top());
+    return comparison.take_changes();
+}
+
+const lyd_node *find_sibling(const lyd_node *first, const lysc_node &schema) {
+    while (first != nullptr && first->schema != &schema) {
+        first = first->next;
+    }
+    return first;
+}
+
+std::string_view leaf_value(const lyd_node &leaf) {
+    return lyd_get_value(&leaf);
+}
+
+std::string answer_step(const lyd_node &node) {
+    std::string step = "/" + std::string(node.schema->name);
+    if (node.schema->nodetype == LYS_LIST) {
+        for (const lyd_node *key = lyd_child(&node); key != nullptr && lysc_is_key(key->schema); key = key->next) {
+            step += key_predicate(key->schema->name, leaf_value(*key));
+        }
+    }
+    return step;
 }
 
 } // namespace ocpsm::framework

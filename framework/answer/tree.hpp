@@ -1,89 +1,78 @@
-// The OpenConfig answer while the plug-in writes it.
+// An OpenConfig answer, on libyang's own data nodes.
 #ifndef OCPSM_FRAMEWORK_ANSWER_TREE_HPP
 #define OCPSM_FRAMEWORK_ANSWER_TREE_HPP
 
-#include <cstddef>
-#include <optional>
+#include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "framework/answer/node.hpp"
-#include "kerr.h"
-#include "yfw_map.h"
+#include "framework/service.hpp"
+
+struct lyd_node;
+struct lysc_node;
 
 namespace ocpsm::framework {
-class AnswerTree;
-}
 
-// What the plug-in hands on to yfw_map_search_or_add_list.
-struct yfw_map_module_list {
-    ocpsm::framework::AnswerTree *tree;
+struct FreeNode {
+    void operator()(lyd_node *node) const noexcept;
 };
 
-namespace ocpsm::framework {
+// A node with all that is below it, which stands in no tree.
+using OwnedNode = std::unique_ptr<lyd_node, FreeNode>;
 
 /*
- * The entries of /aps/aps-modules/aps-module, the only list of the model. What is written without a key goes to the
- * current entry, or nowhere when none is current. An entry is part of the answer once the plug-in has written its name:
- * its key leaf, or by search-or-add. Leaves are written again and again: the last value counts.
+ * The top node with what is below it, or nothing. The children of a node stand in the order of the model, the keys of a
+ * list entry first, the entries of the list in the order of their keys. Values are canonical. Several threads may read
+ * one tree.
  */
 class AnswerTree {
 public:
-    AnswerTree();
-    AnswerTree(const AnswerTree &) = delete;
-    AnswerTree &operator=(const AnswerTree &) = delete;
+    AnswerTree() = default;
 
-    yfw_map_module_list *module_list() { return &list_; }
+    // Takes over a top node.
+    explicit AnswerTree(OwnedNode top);
 
-    // Writes to the current entry. The path of the list itself makes a new entry, which has no name yet, when
-    // `opens`. A value that is absent or empty leaves one that stands.
-    kerrno add(std::string_view path, std::string_view namespace_uri, std::optional<std::string_view> value,
-               bool opens);
+    bool empty() const noexcept { return top_ == nullptr; }
+    const lyd_node *top() const noexcept { return top_.get(); } // null: nothing
 
-    // Finds or makes the entry with this name and makes it current.
-    kerrno search_or_add(std::string_view list_path, std::string_view key_name, std::string_view key,
-                         std::string_view namespace_uri);
+    // Gives the top node away; nothing is left.
+    OwnedNode release() noexcept;
 
-    // Writes a leaf of the entry that the instance path names, which becomes the current one.
-    kerrno stitch(const yfw_map_stitch_entry &stitched);
+    // Indented, with a line end behind it; nothing is no text in XML, "{}" in JSON (RFC 7951).
+    std::string print(Format format) const;
 
-    // Keeps the first failure of a stitch: the plug-in does not look at it.
-    void note_failure(kerrno result);
-    kerrno failure() const { return failure_; }
+    // Calls `visit` for every leaf in document order, with its instance path.
+    void for_each_leaf(const std::function<void(const std::string &path, std::string_view value)> &visit) const;
 
-    // The entry with this name becomes current, which does not make it part of the answer; without a name, none.
-    void point_to(const std::optional<std::string> &name);
+    // The keys of the list's entries, in their order.
+    std::vector<std::string> entry_names() const;
 
-    // The output scope of a native list entry: closing it makes the entry current that was so around it.
-    void open_scope();
-    void close_scope();
-
-    // Names of the entries of the answer, in the order in which they were first written.
-    std::vector<std::string> names() const;
-
-    // The answer as it stands: the top node, or nothing.
-    std::vector<AnswerNode> answer() const;
+    // The entry with this key, or null.
+    const lyd_node *find_entry(std::string_view key) const;
 
 private:
-    struct Entry {
-        std::optional<std::string> name; // none: it has been opened, and nobody has said which one it is
-        bool part_of_answer = false;
-        AnswerNode node;
-    };
-    using Index = std::optional<std::size_t>;
-
-    Index entry(std::string_view name);
-    void write(const lysc_node &leaf, std::string_view value);
-    kerrno write_key(std::string_view value);
-
-    yfw_map_module_list list_;
-    const lysc_node *list_schema_;
-    std::vector<Entry> entries_;
-    Index current_;
-    std::vector<Index> scopes_;
-    kerrno failure_ = KERR_SUCCESS;
+    OwnedNode top_;
+    std::vector<const lyd_node *> entries_; // of the only list of the model, in order
 };
+
+// All that is in any of the answers; where several have a leaf, the first of them counts.
+AnswerTree join(std::vector<AnswerTree> parts);
+
+// The leaves that differ, in document order.
+std::vector<Change> changes_between(const AnswerTree &before, const AnswerTree &after);
+
+// ---- single nodes ----
+
+// The node with this schema among siblings (null: none), or null.
+const lyd_node *find_sibling(const lyd_node *first, const lysc_node &schema);
+
+// The canonical value of a leaf.
+std::string_view leaf_value(const lyd_node &leaf);
+
+// A node's step of an instance path, with a predicate for each of its keys: "/aps-module[name='0/1-PSM-OM']".
+std::string answer_step(const lyd_node &node);
 
 } // namespace ocpsm::framework
 

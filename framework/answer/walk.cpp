@@ -6,10 +6,9 @@
 #include <list>
 #include <string>
 
-#include "framework/answer/check.hpp"
 #include "framework/answer/cut.hpp"
 #include "framework/answer/instance_map.hpp"
-#include "framework/answer/tree.hpp"
+#include "framework/answer/writer.hpp"
 #include "framework/error.hpp"
 #include "framework/host/codes.hpp"
 #include "framework/host/mapping_context.hpp"
@@ -87,7 +86,7 @@ public:
         }
     }
 
-    std::vector<AnswerNode> run() {
+    AnswerTree run() {
         for (const TopWalker &walker : top_walkers) {
             walk_tops(walker);
         }
@@ -96,9 +95,7 @@ public:
         for (const AugmentWalker &walker : augment_walkers) {
             walk_augmented(walker);
         }
-        std::vector<AnswerNode> tops = answer_.answer();
-        check_answer(tops);
-        return tops;
+        return std::move(answer_).finish();
     }
 
 private:
@@ -180,15 +177,15 @@ private:
     const Plugin &plugin_;
     const RequestNode &request_;
     std::list<DataTree> models_; // one for each top node of the answer
-    AnswerTree answer_;
+    AnswerWriter answer_;
     InstanceMap map_;
     MappingContext context_;
 };
 
 } // namespace
 
-std::vector<AnswerNode> walk_answer(const Plugin &plugin, Kind kind, const RequestNode &request,
-                                    const native::NativeData &data, Channels &channels, const Options &options) {
+AnswerTree walk_answer(const Plugin &plugin, Kind kind, const RequestNode &request, const native::NativeData &data,
+                       Channels &channels, const Options &options) {
     return AnswerWalk(plugin, kind, request, data, channels, options).run();
 }
 

@@ -2,9 +2,7 @@
 #ifndef OCPSM_FRAMEWORK_ANSWER_WALK_HPP
 #define OCPSM_FRAMEWORK_ANSWER_WALK_HPP
 
-#include <vector>
-
-#include "framework/answer/node.hpp"
+#include "framework/answer/tree.hpp"
 #include "framework/host/data_tree.hpp"
 #include "framework/host/log_service.hpp"
 #include "framework/host/plugin.hpp"
@@ -20,8 +18,8 @@ namespace ocpsm::framework {
  * against the model, not yet cut to what was selected. Throws ocpsm::Error (refused, operation-failed) when a walker
  * fails or a value is refused.
  */
-std::vector<AnswerNode> walk_answer(const Plugin &plugin, Kind kind, const RequestNode &request,
-                                    const native::NativeData &data, Channels &channels, const Options &options);
+AnswerTree walk_answer(const Plugin &plugin, Kind kind, const RequestNode &request, const native::NativeData &data,
+                       Channels &channels, const Options &options);
 
 } // namespace ocpsm::framework
 

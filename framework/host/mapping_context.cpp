@@ -21,13 +21,13 @@ MappingContext::MappingContext(uint32_t kind, const RequestNode &registered, Cha
                                native::NativeRequest &native)
     : MappingContext(kind, registered, channels, &native, nullptr) {}
 
-MappingContext::MappingContext(uint32_t kind, const RequestNode &registered, Channels &channels, AnswerTree &answer)
+MappingContext::MappingContext(uint32_t kind, const RequestNode &registered, Channels &channels, AnswerWriter &answer)
     : MappingContext(kind, registered, channels, nullptr, &answer) {
     request_.module_list = answer.module_list();
 }
 
 MappingContext::MappingContext(uint32_t kind, const RequestNode &registered, Channels &channels,
-                               native::NativeRequest *native, AnswerTree *answer)
+                               native::NativeRequest *native, AnswerWriter *answer)
     : yfw_map_context{}, channels_(channels), native_(native), answer_(answer),
       schema_(answer == nullptr ? models::Schema::openconfig() : models::Schema::native()), tree_(registered),
       duplicate_(tree_.root()), destination_(RequestNode{answer == nullptr ? "native" : "openconfig", ""}) {
@@ -80,7 +80,9 @@ void MappingContext::push_level(const kidl_yfw_datatree &node, uint32_t kind) {
     std::string path = entries_.empty() ? "" : entries_.back().schema_path;
     path.append("/").append(node.tag == nullptr ? "" : node.tag);
     std::string step = instance_step(schema_, path, node);
-    entries_.push_back({std::move(path), std::move(step)});
+    HierarchyEntry &entry = entries_.emplace_back();
+    entry.schema_path = std::move(path);
+    entry.step = std::move(step);
     levels_.push_back({&node, kind});
     show_hierarchy();
 }
@@ -93,9 +95,7 @@ void MappingContext::pop_level(const kidl_yfw_datatree &node) {
     }
     levels_.erase(std::prev(found.base()), levels_.end());
     entries_.resize(levels_.size());
-    const auto is_current = [this](const yfw_map_hierarchy_level &level) { return level.node == list_entry_; };
-    if (std::none_of(levels_.begin(), levels_.end(), is_current)) {
-        list_entry_ = nullptr;
+    if (levels_.size() <= list_depth_) {
         list_copy_.reset();
         request_.list_node = nullptr;
     }
@@ -111,11 +111,17 @@ std::string MappingContext::hierarchy_path() const {
 }
 
 void MappingContext::point_answer() {
-    std::vector<const kidl_yfw_datatree *> chain;
-    for (const yfw_map_hierarchy_level &level : levels_) {
-        chain.push_back(level.node);
+    const InstanceMap::Place top = map_->top();
+    const InstanceMap::Place *place = &top;
+    for (std::size_t level = 0; level < levels_.size(); ++level) {
+        std::optional<InstanceMap::Place> &here = entries_[level].place;
+        if (!here) {
+            here = map_->below(*place, *levels_[level].node);
+        }
+        place = &*here;
     }
-    answer_->point_to(map_->instance_of(chain));
+    const std::string *instance = map_->instance_of(*place);
+    answer_->point_to(instance == nullptr ? std::nullopt : std::optional(*instance));
 }
 
 void MappingContext::update_list_node(const std::string &list_path) {
@@ -128,20 +134,40 @@ void MappingContext::update_list_node(const std::string &list_path) {
     const bool current =
         !levels_.empty() && levels_.back().kind == list_level && entries_.back().schema_path == list_path;
     list_copy_.reset();
-    list_entry_ = current ? levels_.back().node : nullptr;
     if (current) {
-        list_copy_.emplace(*list_entry_);
+        // A walk of a whole subtree pushes one node several times: the outermost of them counts.
+        const kidl_yfw_datatree *node = levels_.back().node;
+        const auto outermost = std::find_if(levels_.begin(), levels_.end(),
+                                            [node](const auto &level) { return level.node == node; });
+        list_depth_ = static_cast<std::size_t>(outermost - levels_.begin());
+        list_copy_.emplace(*node);
     }
     request_.list_node = current ? &list_copy_->root() : nullptr;
 }
 
-const char *MappingContext::innermost_key(std::string_view key) const {
-    const auto value_in = [key](const yfw_map_hierarchy_level &level) -> const char * {
-        const kidl_yfw_datatree *leaf = level.kind == list_level ? find_child(*level.node, key) : nullptr;
-        return leaf != nullptr && value_of(*leaf) ? leaf->value : nullptr;
-    };
-    const auto innermost = std::find_if(levels_.rbegin(), levels_.rend(), value_in);
-    return innermost == levels_.rend() ? nullptr : value_in(*innermost);
+const kidl_yfw_datatree *MappingContext::child_at(std::size_t level, std::string_view tag) {
+    const kidl_yfw_datatree &node = *levels_[level].node;
+    HierarchyEntry &entry = entries_[level];
+    if (entry.children != node.children || entry.child_count != node.child_count) {
+        entry.children = node.children;
+        entry.child_count = node.child_count;
+        entry.found.clear();
+    }
+    auto found = entry.found.find(tag);
+    if (found == entry.found.end()) {
+        found = entry.found.emplace(tag, find_child(node, tag)).first;
+    }
+    return found->second;
+}
+
+const char *MappingContext::innermost_key(std::string_view key) {
+    for (std::size_t level = levels_.size(); level-- > 0;) {
+        const kidl_yfw_datatree *leaf = levels_[level].kind == list_level ? child_at(level, key) : nullptr;
+        if (leaf != nullptr && value_of(*leaf)) {
+            return leaf->value;
+        }
+    }
+    return nullptr;
 }
 
 kerrno MappingContext::add_absolute(AddRecord &add) {

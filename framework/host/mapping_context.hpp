@@ -3,13 +3,15 @@
 #define OCPSM_FRAMEWORK_HOST_MAPPING_CONTEXT_HPP
 
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "framework/answer/instance_map.hpp"
-#include "framework/answer/tree.hpp"
+#include "framework/answer/writer.hpp"
 #include "framework/host/add_record.hpp"
 #include "framework/host/data_tree.hpp"
 #include "framework/host/log_service.hpp"
@@ -24,6 +26,12 @@ namespace ocpsm::framework {
 struct HierarchyEntry {
     std::string schema_path;
     std::string step;
+    std::optional<InstanceMap::Place> place; // found when it is first asked for
+
+    // Children that have been looked for, by tag (null: there is none), in the array that the node had then.
+    const kidl_yfw_datatree *children = nullptr;
+    int32_t child_count = 0;
+    std::map<std::string, const kidl_yfw_datatree *, std::less<>> found;
 };
 
 /*
@@ -36,7 +44,7 @@ public:
     // `native`.
     MappingContext(uint32_t kind, const RequestNode &registered, Channels &channels, native::NativeRequest &native);
     // The same for the way back: native answers to the request are walked, what the plug-in writes goes to `answer`.
-    MappingContext(uint32_t kind, const RequestNode &registered, Channels &channels, AnswerTree &answer);
+    MappingContext(uint32_t kind, const RequestNode &registered, Channels &channels, AnswerWriter &answer);
     ~MappingContext();
     MappingContext(const MappingContext &) = delete;
     MappingContext &operator=(const MappingContext &) = delete;
@@ -57,7 +65,7 @@ public:
 
     // ---- answers ----
     // What the plug-in writes to; null while a request is translated.
-    AnswerTree *answer() { return answer_; }
+    AnswerWriter *answer() { return answer_; }
     // The answer of a model is going to be walked.
     void set_answer_root(kidl_yfw_datatree &root);
     // From now on the native list entries that become current make their instances current too.
@@ -73,7 +81,7 @@ public:
     // leaves no current entry. A native one makes the instance current that the map gives it to.
     void update_list_node(const std::string &list_path);
     // The value of this key in the innermost list entry that shows one, null when there is none.
-    const char *innermost_key(std::string_view key) const;
+    const char *innermost_key(std::string_view key);
 
     // ---- instance-tree stack ----
     std::vector<yfw_map_itree_entry> &itree_stack() { return itree_stack_; }
@@ -100,15 +108,16 @@ public:
 
 private:
     MappingContext(uint32_t kind, const RequestNode &registered, Channels &channels, native::NativeRequest *native,
-                   AnswerTree *answer);
+                   AnswerWriter *answer);
 
     void show_hierarchy();
     void point_answer();
+    const kidl_yfw_datatree *child_at(std::size_t level, std::string_view tag);
     std::string walked_path() const;
 
     Channels &channels_;
     native::NativeRequest *native_; // of the two one is null
-    AnswerTree *answer_;
+    AnswerWriter *answer_;
     const InstanceMap *map_ = nullptr;
     const models::Schema &schema_; // of the tree that is walked
     yfw_map_registration registration_{};
@@ -117,7 +126,7 @@ private:
     DataTree duplicate_;
     DataTree destination_;
     std::optional<DataTree> list_copy_;
-    const kidl_yfw_datatree *list_entry_ = nullptr; // what list_copy_ is a copy of
+    std::size_t list_depth_ = 0; // there is a current entry while the hierarchy has more levels than this
     std::vector<yfw_map_hierarchy_level> levels_;
     std::vector<HierarchyEntry> entries_; // one for each level
     std::vector<yfw_map_itree_entry> itree_stack_;

@@ -27,23 +27,8 @@ struct Place {
     const Place *above; // null: a top node
     const RequestNode &node;
     const lysc_node &schema;
-    const AnswerNode *standing; // null: it is not there
+    const lyd_node *standing; // null: it is not there
 };
-
-// The entry with the keys of an edited one, or the node with this schema.
-const AnswerNode *find_standing(const std::vector<AnswerNode> &nodes, const RequestNode &node,
-                                const lysc_node &schema) {
-    const auto keys = models::key_names(schema);
-    const auto is_it = [&](const AnswerNode &candidate) {
-        return candidate.schema == &schema && std::all_of(keys.begin(), keys.end(), [&](std::string_view name) {
-                   const AnswerNode *leaf = find_child(candidate, name);
-                   const RequestNode *key = find_key(node, name);
-                   return leaf != nullptr && key != nullptr && leaf->value == key->value;
-               });
-    };
-    const auto found = std::find_if(nodes.begin(), nodes.end(), is_it);
-    return found == nodes.end() ? nullptr : &*found;
-}
 
 std::string path_of(const Place &place) {
     return (place.above == nullptr ? std::string() : path_of(*place.above)) + path_step(place.node, &place.schema);
@@ -95,39 +80,50 @@ bool goes_below(const RequestNode &node, const lysc_node &schema) {
     return !takes_away(node.operation) && (node.operation != Operation::replace || is_around_modules(schema));
 }
 
-// What stands below a node that is not there.
-const std::vector<AnswerNode> nothing;
+// An edit against what stands there.
+class Settlement {
+public:
+    explicit Settlement(const AnswerTree &standing) : standing_(standing) {}
 
-// Returns whether the node stays in the edit.
-bool settle(RequestNode &node, const Place *above, const std::vector<AnswerNode> &standing);
-
-void settle_below(std::vector<RequestNode> &nodes, const Place *above, const std::vector<AnswerNode> &standing) {
-    // A node stays where it is until all are settled: refusals show the keys of the entry around them.
-    std::vector<bool> stays;
-    for (RequestNode &node : nodes) {
-        stays.push_back(settle(node, above, standing));
+    // `first` is the first of the siblings that stand where the nodes are; null: there are none.
+    void settle_below(std::vector<RequestNode> &nodes, const Place *above, const lyd_node *first) const {
+        // A node stays where it is until all are settled: refusals show the keys of the entry around them.
+        std::vector<bool> stays;
+        for (RequestNode &node : nodes) {
+            stays.push_back(settle(node, above, first));
+        }
+        auto settled = stays.begin();
+        nodes.erase(std::remove_if(nodes.begin(), nodes.end(), [&settled](const RequestNode &) { return !*settled++; }),
+                    nodes.end());
     }
-    auto settled = stays.begin();
-    nodes.erase(std::remove_if(nodes.begin(), nodes.end(), [&settled](const RequestNode &) { return !*settled++; }),
-                nodes.end());
-}
 
-bool settle(RequestNode &node, const Place *above, const std::vector<AnswerNode> &standing) {
-    const lysc_node *schema = known_schema(node, above == nullptr ? nullptr : &above->schema);
-    if (schema == nullptr || !is_settled_here(node, *schema)) {
+private:
+    // Returns whether the node stays in the edit.
+    bool settle(RequestNode &node, const Place *above, const lyd_node *first) const {
+        const lysc_node *schema = known_schema(node, above == nullptr ? nullptr : &above->schema);
+        if (schema == nullptr || !is_settled_here(node, *schema)) {
+            return true;
+        }
+        const Place place{above, node, *schema, find(first, node, *schema)};
+        check_entry(place);
+        check_operation(place);
+        if (schema == module_list() && place.standing == nullptr) {
+            return false;
+        }
+        if (goes_below(node, *schema)) {
+            settle_below(node.children, &place, place.standing == nullptr ? nullptr : lyd_child(place.standing));
+        }
         return true;
     }
-    const Place place{above, node, *schema, find_standing(standing, node, *schema)};
-    check_entry(place);
-    check_operation(place);
-    if (schema == module_list() && place.standing == nullptr) {
-        return false;
+
+    // The entry with the key of an edited one, or the node with this schema.
+    const lyd_node *find(const lyd_node *first, const RequestNode &node, const lysc_node &schema) const {
+        return &schema == module_list() ? standing_.find_entry(*find_key(node, openconfig::key_name)->value)
+                                        : find_sibling(first, schema);
     }
-    if (goes_below(node, *schema)) {
-        settle_below(node.children, &place, place.standing == nullptr ? nothing : place.standing->children);
-    }
-    return true;
-}
+
+    const AnswerTree &standing_;
+};
 
 struct Names {
     std::vector<std::string> in_order;
@@ -173,8 +169,8 @@ bool concerns_all_modules(const std::vector<RequestNode> &tops) {
     return std::any_of(tops.begin(), tops.end(), [](const RequestNode &top) { return has_operation(top, nullptr); });
 }
 
-void settle_existence(std::vector<RequestNode> &tops, const std::vector<AnswerNode> &standing) {
-    settle_below(tops, nullptr, standing);
+void settle_existence(std::vector<RequestNode> &tops, const AnswerTree &standing) {
+    Settlement(standing).settle_below(tops, nullptr, standing.top());
 }
 
 } // namespace ocpsm::framework

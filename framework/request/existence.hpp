@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "framework/answer/node.hpp"
+#include "framework/answer/tree.hpp"
 #include "framework/request_tree.hpp"
 
 namespace ocpsm::framework {
@@ -29,7 +29,7 @@ bool concerns_all_modules(const std::vector<RequestNode> &tops);
  * Modules that are to be removed and are not there are taken out of the edit. What the model does not know, operational
  * state, and what stands below a node that is taken away or replaced is not looked at.
  */
-void settle_existence(std::vector<RequestNode> &tops, const std::vector<AnswerNode> &standing);
+void settle_existence(std::vector<RequestNode> &tops, const AnswerTree &standing);
 
 } // namespace ocpsm::framework
 

@@ -162,6 +162,7 @@ TEST_F(Output, OutputScopesNest) {
 
 TEST_F(Output, WhatNeedsAnAnswerFailsInARequest) {
     yfw_map_stitch_entry stitch{};
+    EXPECT_EQ(context.request->module_list, nullptr);
     EXPECT_EQ(yfw_map_stitch_list_to_list(&context, &stitch), 0xaaf30600U);
     EXPECT_EQ(yfw_map_search_or_add_list(&context, &context.destination(), nullptr, "/aps/aps-modules/aps-module",
                                          "one", "name", openconfig.c_str()),

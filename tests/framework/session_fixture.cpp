@@ -12,17 +12,6 @@ using ocpsm::framework::Plugin;
 
 namespace {
 
-// A path below the modules, begun with the module's slot; as it is when it is no such path.
-std::string short_path(const std::string &path) {
-    const std::string begin = "/aps/aps-modules/aps-module[name='0/";
-    const std::string end = "-PSM-OM']";
-    const auto at = path.find(end);
-    if (!path.starts_with(begin) || at == std::string::npos) {
-        return path;
-    }
-    return path.substr(begin.size(), at - begin.size()) + path.substr(at + end.size());
-}
-
 struct Step {
     std::string name;
     std::vector<std::pair<std::string, std::string>> keys;
@@ -116,16 +105,22 @@ EditResult delete_node(const Plugin &plugin, const std::string &path, DeviceTran
 
 } // namespace requests
 
+std::string short_path(const std::string &path) {
+    const std::string begin = "/aps/aps-modules/aps-module[name='0/";
+    const std::string end = "-PSM-OM']";
+    const auto at = path.find(end);
+    if (!path.starts_with(begin) || at == std::string::npos) {
+        return path;
+    }
+    return path.substr(begin.size(), at - begin.size()) + path.substr(at + end.size());
+}
+
 Lines leaves_of(const ocpsm::Answer &answer) {
     Lines lines;
     for (const ocpsm::Leaf &leaf : answer.leaves()) {
         lines.push_back(short_path(leaf.path) + " = " + leaf.value);
     }
     return lines;
-}
-
-Lines leaves_of(const std::vector<ocpsm::framework::AnswerNode> &tops) {
-    return leaves_of(ocpsm::Answer(std::make_shared<ocpsm::Answer::Data>(ocpsm::Answer::Data{tops})));
 }
 
 std::string refusal_of(const Outcome &outcome) {

@@ -60,7 +60,9 @@ EditResult delete_node(const Plugin &plugin, const std::string &path, DeviceTran
 
 // The leaves of an answer below its modules, in document order: "1/config/revertive = true" in the slot of the module.
 Lines leaves_of(const ocpsm::Answer &answer);
-Lines leaves_of(const std::vector<ocpsm::framework::AnswerNode> &tops);
+
+// An instance path below a module, begun with the module's slot: "1/config/revertive"; any other path as it is.
+std::string short_path(const std::string &path);
 
 // "tag|location|message|advice|offending node"; "none" without an error.
 std::string refusal_of(const ocpsm::Outcome &outcome);
