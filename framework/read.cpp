@@ -81,10 +81,9 @@ void take_messages(Outcome &outcome, Translation &translation) {
     outcome.error = std::move(translation.error);
 }
 
-ReadResult answer_read(const Plugin &plugin, const std::vector<RequestNode> &tops, Kind kind, DeviceTransaction &device,
-                       const Options &options) {
+ReadResult answer_read(const Plugin &plugin, Tree tops, Kind kind, DeviceTransaction &device, const Options &options) {
     Translation translation =
-        translate_trees(plugin.callback(openconfig_root_walker), hand_over_read(tops), kind, options);
+        translate_trees(plugin.callback(openconfig_root_walker), hand_over_read(std::move(tops)), kind, options);
     ReadResult result;
     take_messages(result, translation);
     if (!result.error) {

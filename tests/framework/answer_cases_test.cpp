@@ -34,7 +34,6 @@ using case_runner::unescaped;
 using ocpsm::framework::AnswerTree;
 using ocpsm::framework::DataTree;
 using ocpsm::framework::InstanceMap;
-using ocpsm::framework::RequestNode;
 
 const std::string space = "http://openconfig.net/yang/optical-transport-line-protection";
 const std::string list = "/aps/aps-modules/aps-module";

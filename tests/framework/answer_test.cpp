@@ -13,7 +13,6 @@ namespace {
 using ocpsm::framework::AnswerWriter;
 using ocpsm::framework::DataTree;
 using ocpsm::framework::MappingContext;
-using ocpsm::framework::RequestNode;
 
 const std::string space = "http://openconfig.net/yang/optical-transport-line-protection";
 const std::string list = "/aps/aps-modules/aps-module";
