@@ -97,7 +97,7 @@ void apply_default(Tree &tops, DefaultOperation operation) {
 }
 
 // The native request, carried out in the transaction.
-native::NetRequest apply_all(const std::vector<HandedOver> &all, DeviceTransaction &device) {
+native::NetRequest apply_all(Callback root, const std::vector<HandedOver> &all, DeviceTransaction &device) {
     native::NetRequest request{native::RequestKind::edit, {}};
     for (const HandedOver &handed : all) {
         request = handed.native.net();
@@ -105,7 +105,8 @@ native::NetRequest apply_all(const std::vector<HandedOver> &all, DeviceTransacti
             request.check();
             device.apply(request);
         } catch (Error &error) {
-            error.path = openconfig_origin(handed, error.native_path.empty() ? error.message() : error.native_path);
+            error.path =
+                openconfig_origin(root, handed, error.native_path.empty() ? error.message() : error.native_path);
             throw;
         }
     }
@@ -126,19 +127,14 @@ EditResult carry_out(const Plugin &plugin, Tree tops, DeviceTransaction &device,
         const auto modules = concerns_all_modules(tops) ? std::nullopt : std::optional(named_modules(tops));
         const Answer before = configuration(plugin, device, modules);
         settle_existence(tops, tree_of(before));
-        Options traced = options;
-        traced.trace = true; // it tells where each native node comes from
-        Translation translation =
-            translate_trees(plugin.callback(openconfig_root_walker),
-                            hand_over_edit(std::move(tops), tree_of(before).entry_names()), Kind::edit, traced);
+        const Callback root = plugin.callback(openconfig_root_walker);
+        Translation translation = translate_trees(
+            root, hand_over_edit(std::move(tops), tree_of(before).entry_names()), Kind::edit, options);
         take_messages(result, translation);
-        if (!options.trace) {
-            result.trace.clear();
-        }
         if (result.error) {
             return result;
         }
-        result.native = DeviceRequest(std::make_shared<native::NetRequest>(apply_all(translation.handed_over, device)));
+        result.native = DeviceRequest(std::make_shared<native::NetRequest>(apply_all(root, translation.handed_over, device)));
         if (options.report_changes) {
             const Answer after = configuration(plugin, device, modules);
             result.changes = changes_between(tree_of(before), tree_of(after));

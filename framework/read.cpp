@@ -33,10 +33,9 @@ struct Written {
     Tree operator()(const Tree &tree) const { return tree; }
 };
 
-template <class Lines>
-void append_texts(const Lines &lines, std::vector<std::string> &texts) {
-    for (const auto &line : lines) {
-        texts.push_back(line.text);
+void append_texts(std::vector<LogLine> lines, std::vector<std::string> &texts) {
+    for (LogLine &line : lines) {
+        texts.push_back(std::move(line.text));
     }
 }
 
@@ -64,8 +63,8 @@ void answer_all(const Plugin &plugin, Kind kind, const Translation &translation,
     } catch (const Error &error) {
         result.error = error;
     }
-    append_texts(channels.log(), result.log);
-    append_texts(channels.trace(), result.trace);
+    append_texts(channels.take_log(), result.log);
+    append_texts(channels.take_trace(), result.trace);
 }
 
 } // namespace
@@ -76,14 +75,14 @@ Tree typed(const Selection &selection, Kind kind) {
 
 void take_messages(Outcome &outcome, Translation &translation) {
     outcome.warnings = std::move(translation.warnings);
-    append_texts(translation.log, outcome.log);
-    append_texts(translation.trace, outcome.trace);
+    append_texts(std::move(translation.log), outcome.log);
+    append_texts(std::move(translation.trace), outcome.trace);
     outcome.error = std::move(translation.error);
 }
 
 ReadResult answer_read(const Plugin &plugin, Tree tops, Kind kind, DeviceTransaction &device, const Options &options) {
     Translation translation =
-        translate_trees(plugin.callback(openconfig_root_walker), hand_over_read(std::move(tops)), kind, options);
+        translate_trees(plugin.callback(openconfig_root_walker), hand_over_read(std::move(tops)), kind, options, Adds::dropped);
     ReadResult result;
     take_messages(result, translation);
     if (!result.error) {

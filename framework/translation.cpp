@@ -4,6 +4,7 @@
 #include <set>
 #include <utility>
 
+#include "framework/host/allocation.hpp"
 #include "framework/host/codes.hpp"
 #include "framework/host/mapping_context.hpp"
 #include "framework/refusal.hpp"
@@ -20,20 +21,25 @@ bool is_read(Kind kind) {
 // All trees of one request: channels and what was said of them belong together.
 class Run {
 public:
-    Run(Callback root, Kind kind, const Options &options)
-        : root_(root), kind_(kind), options_(options), selections_(kind) {}
+    Run(Callback root, Kind kind, const Options &options, Adds adds)
+        : root_(root), kind_(kind), options_(options), adds_(adds), selections_(kind) {}
 
     // False when the plug-in has refused the tree.
     bool hand_over(const RequestNode &tree) {
         HandedOver handed{tree,
                           native::NativeRequest(is_read(kind_) ? native::RequestKind::read : native::RequestKind::edit),
                           {},
+                          {},
                           KERR_SUCCESS,
                           false};
+        const AllocationWatch watch;
         MappingContext context(static_cast<uint32_t>(kind_), tree, channels_, handed.native);
         context.switch_channels(options_.log, options_.trace);
+        context.keep_adds(adds_ == Adds::kept);
         handed.result = root_(&context, &context.request_tree(), &context.destination());
+        watch.require_none("");
         handed.adds = context.take_adds();
+        handed.origins = context.take_origins();
         if (!context.at_rest()) {
             warn("the plug-in has not ended its walk as it began it; this is a defect of the plug-in");
         }
@@ -52,8 +58,8 @@ public:
             warn(std::move(text));
         }
         translation_.result_name = name_of(translation_.result);
-        translation_.log = channels_.log();
-        translation_.trace = channels_.trace();
+        translation_.log = channels_.take_log();
+        translation_.trace = channels_.take_trace();
         return std::move(translation_);
     }
 
@@ -67,6 +73,7 @@ private:
     Callback root_;
     Kind kind_;
     const Options &options_;
+    Adds adds_;
     Channels channels_;
     Translation translation_;
     Selections selections_;
@@ -74,8 +81,9 @@ private:
 
 } // namespace
 
-Translation translate_trees(Callback root, const std::vector<RequestNode> &trees, Kind kind, const Options &options) {
-    Run run(root, kind, options);
+Translation translate_trees(Callback root, const std::vector<RequestNode> &trees, Kind kind, const Options &options,
+                            Adds adds) {
+    Run run(root, kind, options, adds);
     if (trees.empty()) {
         run.warn(is_read(kind) ? "the request selects nothing" : "the request changes nothing");
     }

@@ -10,6 +10,7 @@
 #include "framework/host/add_record.hpp"
 #include "framework/host/data_tree.hpp"
 #include "framework/host/log_service.hpp"
+#include "framework/host/origins.hpp"
 #include "framework/host/plugin.hpp"
 #include "framework/kind.hpp"
 #include "framework/native/native_request.hpp"
@@ -22,7 +23,8 @@ namespace ocpsm::framework {
 struct HandedOver {
     RequestNode request; // as it was handed over: the walk changes its own copy
     native::NativeRequest native;
-    std::vector<AddRecord> adds;
+    std::vector<AddRecord> adds; // those that failed, at most one of a code, and all where they are to be kept
+    Origins origins;
     kerrno result = KERR_SUCCESS;
     bool nothing_supported = false; // a read of nodes without support only: it is answered empty
 };
@@ -33,14 +35,18 @@ struct Translation {
     kerrno result = KERR_SUCCESS; // of the plug-in; the first refusal ends a translation
     std::string result_name;      // "KERR_SUCCESS", "YMAP_ERR_UNSUPPORTED", ...
     std::vector<LogLine> log;
-    std::vector<TraceLine> trace;
+    std::vector<LogLine> trace;
     std::optional<Error> error; // there exactly when `result` is not success
     std::vector<std::string> warnings;
 };
 
+// Whether the calls of the add operation are kept, which takes far more room than what they add.
+enum class Adds { dropped, kept };
+
 // Hands trees, as hand_over_read and hand_over_edit make them, to the plug-in's root walker. What the plug-in refuses
-// is in the result.
-Translation translate_trees(Callback root, const std::vector<RequestNode> &trees, Kind kind, const Options &options);
+// is in the result. Throws Error (resource-denied) when an allocation has failed meanwhile.
+Translation translate_trees(Callback root, const std::vector<RequestNode> &trees, Kind kind, const Options &options,
+                            Adds adds = Adds::kept);
 
 } // namespace ocpsm::framework
 

@@ -2,7 +2,6 @@
 
 #include <libyang/libyang.h>
 
-#include <array>
 #include <list>
 #include <string>
 
@@ -10,10 +9,12 @@
 #include "framework/answer/instance_map.hpp"
 #include "framework/answer/writer.hpp"
 #include "framework/error.hpp"
+#include "framework/host/allocation.hpp"
 #include "framework/host/codes.hpp"
 #include "framework/host/mapping_context.hpp"
 #include "framework/native/native_request.hpp"
 #include "framework/request/instance_read.hpp"
+#include "native_entries.hpp"
 
 namespace ocpsm::framework {
 
@@ -21,38 +22,6 @@ namespace {
 
 constexpr uint32_t container_level = 1;
 constexpr uint32_t list_level = 2;
-
-// Walkers of the answers of whole models, in the order in which they are called.
-struct TopWalker {
-    const char *tag;
-    const char *callback;
-};
-
-constexpr std::array top_walkers{
-    TopWalker{"interface-configurations", "ymap_n2o_oc_opt_psm_vexloorbitifmgrcfg_lvla_interfaceconfigurations"},
-    TopWalker{"active-nodes", "ymap_n2o_oc_opt_psm_vexloorbitconfigmdacfg_lvla_activenodes"},
-    TopWalker{"ots-oper", "ymap_n2o_oc_opt_psm_vexloorbitcontrollertlm2200otsoper_lvla_otsoper"},
-    TopWalker{"optics-oper", "ymap_n2o_oc_opt_psm_vexloorbitcontrolleropticsoper_lvla_opticsoper"},
-    TopWalker{"performance-management-history",
-              "ymap_n2o_oc_opt_psm_vexloorbitpmengineoper_lvla_performancemanagementhistory"},
-};
-
-// Walkers of the nodes that augment the entries of another model's list, right below its top container.
-struct AugmentWalker {
-    const char *top;
-    const char *list;
-    const char *tag;
-    const char *callback;
-};
-
-constexpr std::array augment_walkers{
-    AugmentWalker{"active-nodes", "active-node", "slot",
-                  "ymap_n2o_oc_opt_psm_vexloorbittlm2200otscfg_augment_lvla_active_node"},
-    AugmentWalker{"preconfigured-nodes", "preconfigured-node", "slot",
-                  "ymap_n2o_oc_opt_psm_vexloorbittlm2200otscfg_augment_lvla_preconfigured_node"},
-    AugmentWalker{"interface-configurations", "interface-configuration", "optics",
-                  "ymap_n2o_oc_opt_psm_vexloorbitcontrolleropticscfg_augment_lvla_interface_configuration"},
-};
 
 RequestNode tree_of(const native::DataNode &native) {
     RequestNode node{native.schema->name, native.schema->module->ns, native.value};
@@ -81,26 +50,33 @@ public:
         if (kind == Kind::get) {
             context_.select_state_leaves(state_leaves_only({request}));
         }
+        context_.keep_adds(false);
         for (const native::DataNode &root : data.roots) {
             models_.emplace_back(tree_of(root));
         }
     }
 
     AnswerTree run() {
-        for (const TopWalker &walker : top_walkers) {
-            walk_tops(walker);
+        for (const ymap::NativeEntry &entry : ymap::native_entries) {
+            if (entry.list.empty()) {
+                walk_tops(entry);
+            }
         }
         make_map();
         context_.set_instance_map(map_);
-        for (const AugmentWalker &walker : augment_walkers) {
-            walk_augmented(walker);
+        for (const ymap::NativeEntry &entry : ymap::native_entries) {
+            if (!entry.list.empty()) {
+                walk_augmented(entry);
+            }
         }
+        watch_.require_none(request_path(request_));
         return std::move(answer_).finish();
     }
 
 private:
-    void call(const char *callback, kidl_yfw_datatree &node, const std::string &where) {
-        const kerrno result = plugin_.callback(callback)(&context_, &node, &context_.destination());
+    void call(Callback callback, kidl_yfw_datatree &node, const std::string &where) {
+        const kerrno result = callback(&context_, &node, &context_.destination());
+        watch_.require_none(request_path(request_));
         const kerrno failure = result != KERR_SUCCESS ? result : answer_.failure();
         if (failure != KERR_SUCCESS) {
             const std::string told = context_.own_refusal().value_or(context_.error_path().value_or(""));
@@ -108,54 +84,58 @@ private:
         }
     }
 
-    void walk_tops(const TopWalker &walker) {
+    void walk_tops(const ymap::NativeEntry &entry) {
         for (DataTree &model : models_) {
-            if (yfw_map_do_these_match(model.root().tag, walker.tag) != 0) {
+            if (entry.tag == model.root().tag) {
                 context_.set_answer_root(model.root());
-                call(walker.callback, model.root(), std::string("/") + walker.tag);
-                check_rest(walker.tag);
+                call(callback_of(entry), model.root(), "/" + std::string(entry.tag));
+                check_rest(model.root());
             }
         }
     }
 
-    void walk_augmented(const AugmentWalker &walker) {
+    // The list stands right below the top of the model that is augmented.
+    void walk_augmented(const ymap::NativeEntry &entry) {
+        const std::size_t slash = entry.list.rfind('/');
         for (DataTree &model : models_) {
-            if (yfw_map_do_these_match(model.root().tag, walker.top) == 0) {
+            kidl_yfw_datatree &root = model.root();
+            if (entry.list.substr(1, slash - 1) != root.tag) {
                 continue;
             }
-            context_.set_answer_root(model.root());
-            context_.push_level(model.root(), container_level);
-            for (int32_t index = 0; index < model.root().child_count; ++index) {
-                kidl_yfw_datatree &entry = model.root().children[index];
-                if (yfw_map_do_these_match(entry.tag, walker.list) != 0) {
-                    walk_entry(walker, entry);
+            context_.set_answer_root(root);
+            context_.push_level(root, container_level);
+            for (int32_t index = 0; index < root.child_count; ++index) {
+                if (entry.list.substr(slash + 1) == root.children[index].tag) {
+                    walk_entry(entry, root.children[index]);
                 }
             }
-            context_.pop_level(model.root());
-            check_rest(walker.top);
+            context_.pop_level(root);
+            check_rest(root);
         }
     }
 
-    // The entry's hierarchy and scope are those that its own walker would have made.
-    void walk_entry(const AugmentWalker &walker, kidl_yfw_datatree &entry) {
-        context_.push_level(entry, list_level);
-        context_.update_list_node(std::string("/") + walker.top + "/" + walker.list);
-        context_.push_output(&entry, &context_.destination());
-        for (int32_t index = 0; index < entry.child_count; ++index) {
-            kidl_yfw_datatree &child = entry.children[index];
-            if (yfw_map_do_these_match(child.tag, walker.tag) != 0 &&
-                yfw_map_do_these_match(child.namespace_uri, entry.namespace_uri) == 0) {
-                call(walker.callback, child, context_.hierarchy_path() + "/" + walker.tag);
+    // The hierarchy and scope of a list entry are those that its own walker would have made.
+    void walk_entry(const ymap::NativeEntry &entry, kidl_yfw_datatree &node) {
+        const Callback callback = callback_of(entry);
+        context_.push_level(node, list_level);
+        context_.update_list_node(std::string(entry.list));
+        context_.push_output(&node, &context_.destination());
+        for (int32_t index = 0; index < node.child_count; ++index) {
+            kidl_yfw_datatree &child = node.children[index];
+            if (entry.tag == child.tag && yfw_map_do_these_match(child.namespace_uri, node.namespace_uri) == 0) {
+                call(callback, child, context_.hierarchy_path() + "/" + child.tag);
             }
         }
         context_.pop_output();
-        context_.pop_level(entry);
+        context_.pop_level(node);
     }
 
-    void check_rest(const std::string &tag) {
+    Callback callback_of(const ymap::NativeEntry &entry) const { return plugin_.callback(std::string(entry.walker)); }
+
+    void check_rest(const kidl_yfw_datatree &root) {
         if (!context_.at_rest()) {
             throw Error(Error::Source::refused, "operation-failed", request_path(request_),
-                        "the plug-in has not ended its walk of /" + tag + " as it began it");
+                        "the plug-in has not ended its walk of /" + std::string(root.tag) + " as it began it");
         }
     }
 
@@ -165,8 +145,10 @@ private:
             Channels silent;
             native::NativeRequest read(native::RequestKind::read);
             MappingContext context(YFW_KIND_GET, read_of_instance(name), silent, read);
+            context.keep_adds(false);
             const kerrno result =
                 plugin_.callback(openconfig_root_walker)(&context, &context.request_tree(), &context.destination());
+            watch_.require_none(request_path(request_));
             if (result != KERR_SUCCESS) {
                 fail(request_, result, "a read of " + instance_path(name));
             }
@@ -180,6 +162,7 @@ private:
     AnswerWriter answer_;
     InstanceMap map_;
     MappingContext context_;
+    AllocationWatch watch_;
 };
 
 } // namespace

@@ -22,7 +22,7 @@ struct AddRecord {
     bool relative = false;  // below a node of the request itself (a path without a leading slash)
     std::string walker;     // innermost walker at that moment; empty without trace
     std::string conversion; // innermost conversion at that moment; empty without trace, or outside one
-    std::string location;   // OpenConfig instance path of the node that was being walked; empty without trace
+    std::uint32_t origin = 0; // of an add to a native request: the node that was being walked, see Origins
     std::optional<native::NativeRequest::NodeId> node; // what an add to a native request has made or found
     kerrno result = KERR_SUCCESS;
 };

@@ -31,6 +31,7 @@ constexpr std::array codes{
     Code{not_served, "YFW_ERR_NOT_SERVED", "the framework does not serve this operation here"},
     Code{unknown_answer_node, "YFW_ERR_UNKNOWN_NODE", "the OpenConfig model has no node with this path and namespace"},
     Code{unexpected_answer_value, "YFW_ERR_UNEXPECTED_VALUE", "an OpenConfig container or list was given a value"},
+    Code{out_of_memory, "YFW_ERR_NO_MEMORY", "out of memory"},
     Code{native::add_unknown_path, "NATIVE_ERR_UNKNOWN_PATH", nullptr},
     Code{native::add_wrong_namespace, "NATIVE_ERR_WRONG_NAMESPACE", nullptr},
     Code{native::add_unexpected_value, "NATIVE_ERR_UNEXPECTED_VALUE", nullptr},

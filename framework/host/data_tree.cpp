@@ -138,6 +138,16 @@ void print_below(const kidl_yfw_datatree &node, std::size_t depth, std::vector<s
 
 } // namespace
 
+std::size_t line_count(const kidl_yfw_datatree &node) {
+    std::size_t lines = 1;
+    if ((node.flags & YFW_NODE_IN_USE) != 0) {
+        for (const kidl_yfw_datatree &child : children_of(node)) {
+            lines += line_count(child);
+        }
+    }
+    return lines;
+}
+
 std::vector<std::string> print(const kidl_yfw_datatree &node) {
     std::vector<std::string> lines;
     print_below(node, 0, lines);

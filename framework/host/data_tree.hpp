@@ -65,6 +65,9 @@ const kidl_yfw_datatree *find_child(const kidl_yfw_datatree &node, std::string_v
 // A leaf's value, none when the node does not carry one (flag and text).
 std::optional<std::string_view> value_of(const kidl_yfw_datatree &node);
 
+// How many lines `print` gives.
+std::size_t line_count(const kidl_yfw_datatree &node);
+
 // A line per node, indented by two blanks per level; a node that is not in use with its whole subtree says so.
 std::vector<std::string> print(const kidl_yfw_datatree &node);
 

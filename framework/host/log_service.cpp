@@ -58,7 +58,6 @@ std::string innermost(const std::vector<std::string> &open, Predicate predicate)
 
 TraceLine parse_trace_line(std::string_view text) {
     TraceLine line;
-    line.text = text;
     std::string_view rest = text;
     std::string_view function;
     std::string_view context;
@@ -89,7 +88,7 @@ void OpenFunctions::see(const TraceLine &line) {
         return;
     }
     if (line.message == "Start") {
-        open_.push_back(line.function);
+        open_.emplace_back(line.function);
     } else if (line.message == "End") {
         const auto found = std::find(open_.rbegin(), open_.rend(), line.function);
         if (found != open_.rend()) {
@@ -106,10 +105,23 @@ std::string OpenFunctions::conversion() const {
     return innermost(open_, is_conversion);
 }
 
-std::vector<std::string> OpenFunctions::walkers() const {
-    std::vector<std::string> walkers;
-    std::copy_if(open_.begin(), open_.end(), std::back_inserter(walkers), is_walker);
-    return walkers;
+void KeptLines::add(LogLine line) {
+    const std::size_t cost = line.text.size() + line_cost;
+    if (full() || cost > room - used_) {
+        drop(1);
+        return;
+    }
+    used_ += cost;
+    lines_.push_back(std::move(line));
+}
+
+std::vector<LogLine> KeptLines::take() {
+    if (full()) {
+        lines_.push_back({false, 0, std::to_string(dropped_) + " more lines are not kept: there is room for 64 MiB"});
+    }
+    used_ = 0;
+    dropped_ = 0;
+    return std::exchange(lines_, {});
 }
 
 } // namespace ocpsm::framework

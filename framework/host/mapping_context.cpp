@@ -15,6 +15,8 @@ namespace {
 constexpr uint32_t list_level = 2;
 constexpr uint32_t all_levels = 0xffffffff;
 
+thread_local const kidl_yfw_datatree *asked = nullptr; // see note_question
+
 } // namespace
 
 MappingContext::MappingContext(uint32_t kind, const RequestNode &registered, Channels &channels,
@@ -39,6 +41,7 @@ MappingContext::MappingContext(uint32_t kind, const RequestNode &registered, Cha
     trace_log = channels.trace_log();
     trace_buffer = channels.trace_buffer();
     root_node = &tree_.root();
+    asked = nullptr;
 }
 
 MappingContext::~MappingContext() {
@@ -65,6 +68,8 @@ void MappingContext::select_state_leaves(std::size_t count) {
 }
 
 void MappingContext::show_hierarchy() {
+    last_origin_.reset();
+    asked = nullptr;
     request_.hierarchy = levels_.data();
     request_.hierarchy_length = static_cast<uint32_t>(levels_.size());
     const auto node_at = [this](std::size_t from_top) {
@@ -170,7 +175,7 @@ const char *MappingContext::innermost_key(std::string_view key) {
     return nullptr;
 }
 
-kerrno MappingContext::add_absolute(AddRecord &add) {
+kerrno MappingContext::add_absolute(AddRecord &add, const kidl_yfw_datatree *source) {
     const auto value = add.value ? std::optional<std::string_view>(*add.value) : std::nullopt;
     if (answer_ != nullptr) {
         return answer_->add(add.path, add.namespace_uri, value, add.first_flag != 0);
@@ -179,35 +184,50 @@ kerrno MappingContext::add_absolute(AddRecord &add) {
     const kerrno result =
         native_->add(add.path, add.namespace_uri, value, add.source_operation.value_or(YFW_OPERATION_MERGE),
                      add.first_flag != 0, add.second_flag, native::NativeRequest::root, &node);
+    add.origin = origin(source);
     if (result == KERR_SUCCESS) {
         add.node = node;
     }
     return result;
 }
 
-// The walkers that are open tell which node is walked, one below the other: their names end in that of their node,
-// without its dashes. The hierarchy knows the keys.
-std::string MappingContext::walked_path() const {
-    const lysc_node *node = nullptr;
+void MappingContext::note_question(const kidl_yfw_datatree *node) noexcept {
+    asked = node;
+}
+
+// Leaves are not on the hierarchy; they are children of its innermost node.
+std::optional<std::string> MappingContext::path_of(const kidl_yfw_datatree *node) const {
+    if (node == nullptr || levels_.empty()) {
+        return std::nullopt;
+    }
+    const auto children = children_of(*levels_.back().node);
+    const std::less<> before;
+    if (!children.empty() && !before(node, children.data()) && before(node, children.data() + children.size())) {
+        return hierarchy_path() + "/" + (node->tag == nullptr ? "" : node->tag);
+    }
+    const auto is_it = [node](const yfw_map_hierarchy_level &level) { return level.node == node; };
+    const auto level = std::find_if(levels_.rbegin(), levels_.rend(), is_it);
+    if (level == levels_.rend()) {
+        return std::nullopt;
+    }
     std::string path;
-    for (const std::string &walker : channels_.open_functions().walkers()) {
-        const std::string name = walker.substr(walker.rfind('_') + 1);
-        const auto children = models::Schema::openconfig().children(node);
-        const auto child = std::find_if(children.begin(), children.end(), [&name](const lysc_node *candidate) {
-            std::string plain(candidate->name);
-            plain.erase(std::remove(plain.begin(), plain.end(), '-'), plain.end());
-            return plain == name;
-        });
-        if (child == children.end()) {
-            continue;
-        }
-        node = *child;
-        const std::string schema_path = models::schema_path(*node);
-        const auto level = std::find_if(entries_.begin(), entries_.end(),
-                                        [&](const HierarchyEntry &entry) { return entry.schema_path == schema_path; });
-        path += level == entries_.end() ? schema_path.substr(schema_path.rfind('/')) : level->step;
+    for (std::ptrdiff_t index = 0; index < level.base() - levels_.begin(); ++index) {
+        path += entries_[static_cast<std::size_t>(index)].step;
     }
     return path;
+}
+
+std::uint32_t MappingContext::origin(const kidl_yfw_datatree *source) {
+    const uint32_t whole = request_.whole_subtree_walk;
+    if (last_origin_ && last_origin_->source == source && last_origin_->asked == asked &&
+        last_origin_->whole == whole) {
+        return last_origin_->number;
+    }
+    auto path = path_of(source);
+    path = path ? path : path_of(asked);
+    const std::uint32_t number = origins_.number_of({path ? *path : hierarchy_path(), whole != 0});
+    last_origin_ = LastOrigin{source, asked, whole, number};
+    return number;
 }
 
 kidl_yfw_datatree &MappingContext::add_below(kidl_yfw_datatree &parent, const RequestNode &leaf) {
@@ -221,11 +241,15 @@ kidl_yfw_datatree &MappingContext::add_below(kidl_yfw_datatree &parent, const Re
 }
 
 void MappingContext::record(AddRecord add) {
+    const auto is_same_failure = [&add](const AddRecord &kept) { return kept.result == add.result; };
+    if (!keeps_adds_ &&
+        (add.result == KERR_SUCCESS || std::any_of(adds_.begin(), adds_.end(), is_same_failure))) {
+        return;
+    }
     if (trace_enabled != 0) {
         const OpenFunctions &open = channels_.open_functions();
         add.walker = open.walker();
         add.conversion = open.conversion();
-        add.location = answer_ == nullptr ? walked_path() : hierarchy_path();
     }
     adds_.push_back(std::move(add));
 }

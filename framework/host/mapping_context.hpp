@@ -15,6 +15,7 @@
 #include "framework/host/add_record.hpp"
 #include "framework/host/data_tree.hpp"
 #include "framework/host/log_service.hpp"
+#include "framework/host/origins.hpp"
 #include "framework/models/models.hpp"
 #include "framework/native/native_request.hpp"
 #include "yfw_map.h"
@@ -87,13 +88,26 @@ public:
     std::vector<yfw_map_itree_entry> &itree_stack() { return itree_stack_; }
 
     // ---- output ----
-    kerrno add_absolute(AddRecord &add);
+    kerrno add_absolute(AddRecord &add, const kidl_yfw_datatree *source);
     // Adds a leaf one step below a node of the walked tree; an equal one that stands there is taken instead.
     kidl_yfw_datatree &add_below(kidl_yfw_datatree &parent, const RequestNode &leaf);
+    // Keeps a call of the add operation when that is asked for. Of the calls that fail the first with each code is
+    // always kept.
+    void keep_adds(bool keep) { keeps_adds_ = keep; }
     void record(AddRecord add);
     std::vector<AddRecord> take_adds() { return std::move(adds_); }
     void push_output(const kidl_yfw_datatree *source, const kidl_yfw_datatree *destination);
     void pop_output();
+
+    // ---- origins ----
+    // The plug-in has asked for the operation of a node: a conversion asks before it adds. The question does not say in
+    // which context.
+    static void note_question(const kidl_yfw_datatree *node) noexcept;
+    // The node that is walked: the source of an add where it has one, else the node that was asked about last; the
+    // innermost one of the hierarchy when neither is part of what is walked.
+    std::uint32_t origin(const kidl_yfw_datatree *source);
+    const Origin &origin_at(std::uint32_t number) const { return origins_.at(number); }
+    Origins take_origins() { return std::move(origins_); }
 
     // ---- error location ----
     void record_error_path() { error_path_ = hierarchy_path(); }
@@ -113,7 +127,7 @@ private:
     void show_hierarchy();
     void point_answer();
     const kidl_yfw_datatree *child_at(std::size_t level, std::string_view tag);
-    std::string walked_path() const;
+    std::optional<std::string> path_of(const kidl_yfw_datatree *node) const;
 
     Channels &channels_;
     native::NativeRequest *native_; // of the two one is null
@@ -131,7 +145,17 @@ private:
     std::vector<HierarchyEntry> entries_; // one for each level
     std::vector<yfw_map_itree_entry> itree_stack_;
     std::vector<yfw_map_output_entry> output_;
+    bool keeps_adds_ = true;
     std::vector<AddRecord> adds_;
+    Origins origins_;
+    // The origin that was asked for last, while what it depends on stays as it is.
+    struct LastOrigin {
+        const kidl_yfw_datatree *source;
+        const kidl_yfw_datatree *asked;
+        uint32_t whole;
+        std::uint32_t number;
+    };
+    std::optional<LastOrigin> last_origin_;
     std::optional<std::string> error_path_;
     std::optional<std::string> own_refusal_;
 };

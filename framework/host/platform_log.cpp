@@ -4,9 +4,12 @@
 #include <cstdio>
 #include <string>
 
+#include "framework/host/allocation.hpp"
 #include "framework/host/log_service.hpp"
 #include "hvs_dt.h"
 #include "yfw_map.h"
+
+using ocpsm::framework::without_exceptions;
 
 namespace {
 
@@ -46,20 +49,25 @@ void _hvs_dt_log_filter_adv(hvs_dt_handle log, uint32_t /*zero1*/, uint32_t /*ze
     if (log == nullptr || format == nullptr) {
         return;
     }
+    const uint32_t number = site == nullptr ? unseen_site : number_of_site(*site);
+    if (log->lines->full()) {
+        log->lines->drop(1);
+        return;
+    }
     va_list arguments;
     va_start(arguments, format);
-    std::string text = formatted(format, arguments);
+    without_exceptions([&] { log->lines->add({log->error, number, formatted(format, arguments)}); });
     va_end(arguments);
-    log->lines->push_back({log->error, site == nullptr ? unseen_site : number_of_site(*site), std::move(text)});
 }
 
 void _lstrace(hvs_trace_handle buffer, uint64_t /*options*/, const char *text) {
     if (buffer == nullptr || text == nullptr) {
         return;
     }
-    ocpsm::framework::TraceLine line = ocpsm::framework::parse_trace_line(text);
-    buffer->open.see(line);
-    buffer->lines.push_back(std::move(line));
+    without_exceptions([&] {
+        buffer->open.see(ocpsm::framework::parse_trace_line(text));
+        buffer->lines.add({false, 0, text});
+    });
 }
 
 int yfw_debug_should_log(const struct yfw_debug_filter *filter, uint32_t level) {

@@ -4,11 +4,14 @@
 #include "framework/host/mapping_context.hpp"
 #include "yfw_map.h"
 
+using ocpsm::framework::MappingContext;
+
 int yfw_map_do_these_match(const char *first, const char *second) {
     return first != nullptr && second != nullptr && std::strcmp(first, second) == 0 ? 1 : 0;
 }
 
 int yfw_map_is_request_delete(const struct kidl_yfw_datatree *node) {
+    MappingContext::note_question(node);
     return node != nullptr && (node->operation == YFW_OPERATION_DELETE || node->operation == YFW_OPERATION_REMOVE) ? 1
                                                                                                                    : 0;
 }

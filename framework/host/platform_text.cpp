@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "framework/host/allocation.hpp"
 #include "hvs_dt.h"
 #include "hvs_libc.h"
 #include "yfw_map.h"
@@ -23,7 +24,11 @@ int put(char *dest, size_t size, const char *source, size_t length) {
 } // namespace
 
 char *yfw_strdup(const char *text, const char * /*allocation_tag*/) {
-    return text == nullptr ? nullptr : strdup(text);
+    char *copy = text == nullptr ? nullptr : strdup(text);
+    if (text != nullptr && copy == nullptr) {
+        ocpsm::framework::note_failed_allocation();
+    }
+    return copy;
 }
 
 void hvs_named_free(void *allocation) {

@@ -5,22 +5,24 @@
 #include <limits>
 #include <string_view>
 
+#include "framework/host/allocation.hpp"
 #include "framework/host/codes.hpp"
 #include "framework/host/mapping_context.hpp"
 #include "framework/request/instance_path.hpp"
 #include "yfw_map.h"
 
 using ocpsm::framework::MappingContext;
+using ocpsm::framework::without_exceptions;
 
 void yfw_map_add_to_node_hierarchy(yfw_map_ctx ctx, const struct kidl_yfw_datatree *node, uint32_t kind) {
     if (MappingContext *context = MappingContext::of(ctx); context != nullptr && node != nullptr) {
-        context->push_level(*node, kind);
+        without_exceptions([&] { context->push_level(*node, kind); });
     }
 }
 
 void yfw_map_remove_from_node_hierarchy(yfw_map_ctx ctx, const struct kidl_yfw_datatree *node) {
     if (MappingContext *context = MappingContext::of(ctx); context != nullptr && node != nullptr) {
-        context->pop_level(*node);
+        without_exceptions([&] { context->pop_level(*node); });
     }
 }
 
@@ -29,8 +31,10 @@ kerrno yfw_map_update_current_list_node(yfw_map_ctx ctx, const char *list_path) 
     if (context == nullptr || list_path == nullptr) {
         return ocpsm::framework::invalid_arguments;
     }
-    context->update_list_node(ocpsm::framework::without_prefixes(list_path));
-    return KERR_SUCCESS;
+    return without_exceptions(ocpsm::framework::out_of_memory, [&] {
+        context->update_list_node(ocpsm::framework::without_prefixes(list_path));
+        return KERR_SUCCESS;
+    });
 }
 
 kerrno yfw_map_check_oc_leafref(yfw_map_ctx ctx, const char *list_path, const char *container,
@@ -50,8 +54,10 @@ kerrno yfw_map_check_oc_leafref(yfw_map_ctx ctx, const char *list_path, const ch
     if (!target_value || *target_value == *key_value) {
         return KERR_SUCCESS;
     }
-    context->record_own_refusal(context->hierarchy_path() + "/" + key->tag);
-    return ocpsm::framework::leafref_mismatch;
+    return without_exceptions(ocpsm::framework::out_of_memory, [&] {
+        context->record_own_refusal(context->hierarchy_path() + "/" + key->tag);
+        return ocpsm::framework::leafref_mismatch;
+    });
 }
 
 uint16_t yfw_map_util_itree_stack_size(yfw_map_ctx ctx) {
@@ -66,7 +72,7 @@ uint16_t yfw_map_util_itree_stack_size(yfw_map_ctx ctx) {
 void yfw_map_util_itree_stack_push(yfw_map_ctx ctx, struct kidl_yfw_datatree *children, int32_t child_count,
                                    uint32_t /*reserved*/) {
     if (MappingContext *context = MappingContext::of(ctx)) {
-        context->itree_stack().push_back({children, child_count});
+        without_exceptions([&] { context->itree_stack().push_back({children, child_count}); });
     }
 }
 
@@ -85,6 +91,6 @@ void yfw_map_util_itree_stack_peak(yfw_map_ctx ctx, struct yfw_map_itree_entry *
 
 void yfw_oc_error_path(yfw_map_ctx ctx) {
     if (MappingContext *context = MappingContext::of(ctx)) {
-        context->record_error_path();
+        without_exceptions([&] { context->record_error_path(); });
     }
 }

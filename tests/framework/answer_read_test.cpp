@@ -294,7 +294,7 @@ TEST_F(AnswerRead, BothChannelsTellOfBothDirections) {
         for (const std::string &text : answer.trace) {
             const auto line = ocpsm::framework::parse_trace_line(text);
             if (line.message == "End" && line.function.ends_with("_high")) {
-                ended.push_back(line.function);
+                ended.emplace_back(line.function);
             }
         }
         return std::pair(ended, answer.log.size() > 20);

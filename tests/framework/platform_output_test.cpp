@@ -176,13 +176,99 @@ TEST_F(Output, ATreeIsPrintedToTheTraceUnderItsLabel) {
     yfw_map_print_datatree_internal(&context, &entry(0), "node_data");
     yfw_map_print_datatree_internal(&context, nullptr, "plist");
     std::vector<std::string> lines;
-    for (const auto &line : channels.trace()) {
+    for (const auto &line : channels.take_trace()) {
         lines.push_back(line.text);
     }
     EXPECT_THAT(lines, ElementsAre("node_data: aps-module [" + openconfig + "]",
                                    "node_data:   name = \"one\" [" + openconfig + "]",
                                    "node_data:   config [" + openconfig + "]",
                                    "node_data:     name = \"one\" [" + openconfig + "]", "plist: (none)"));
+}
+
+TEST_F(Output, ATreeThatDoesNotFitInTheTraceIsCounted) {
+    context.switch_channels(false, true);
+    _lstrace(context.trace_buffer, 0, std::string(64U << 20, 'x').c_str());
+    yfw_map_print_datatree_internal(&context, &entry(0), "node_data");
+    entry(0).children[1].flags &= ~YFW_NODE_IN_USE;
+    yfw_map_print_datatree_internal(&context, &entry(0), "node_data");
+    yfw_map_print_datatree_internal(&context, nullptr, "plist");
+    const auto lines = channels.take_trace();
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_EQ(lines[0].text, "9 more lines are not kept: there is room for 64 MiB"); // 1, 4, 3 and 1
+}
+
+// ---- where native nodes come from ----
+
+class NativeOrigins : public Output {
+protected:
+    // The origin of an add with this source, "*" behind one that is spread.
+    std::string origin(const kidl_yfw_datatree *source = nullptr) {
+        const ocpsm::framework::Origin &found = context.origin_at(context.origin(source));
+        return found.location + (found.spread ? "*" : "");
+    }
+    kidl_yfw_datatree &name() { return entry(0).children[0]; }
+};
+
+TEST_F(NativeOrigins, TheSourceOfAnAddIsTheNodeThatIsWalked) {
+    EXPECT_EQ(origin(), "");
+    enter(0);
+    EXPECT_EQ(origin(), "/aps/aps-modules/aps-module[name='one']");
+    EXPECT_EQ(origin(&name()), "/aps/aps-modules/aps-module[name='one']/name");
+    EXPECT_EQ(origin(&entry(0)), "/aps/aps-modules/aps-module[name='one']");
+    EXPECT_EQ(origin(&modules()), "/aps/aps-modules");
+    EXPECT_EQ(origin(&entry(1)), "/aps/aps-modules/aps-module[name='one']"); // no part of what is walked
+}
+
+TEST_F(NativeOrigins, ANodeThatWasAskedAboutIsWalkedUntilTheWalkGoesOn) {
+    enter(0);
+    yfw_map_is_request_delete(&name());
+    EXPECT_EQ(origin(), "/aps/aps-modules/aps-module[name='one']/name");
+    EXPECT_EQ(origin(&modules()), "/aps/aps-modules"); // a source says more than a question
+    yfw_map_is_request_delete(&entry(0));
+    EXPECT_EQ(origin(), "/aps/aps-modules/aps-module[name='one']");
+    yfw_map_is_request_delete(&name());
+    yfw_map_add_to_node_hierarchy(&context, &entry(0).children[1], 1);
+    EXPECT_EQ(origin(), "/aps/aps-modules/aps-module[name='one']/config");
+    yfw_map_remove_from_node_hierarchy(&context, &entry(0).children[1]);
+    EXPECT_EQ(origin(), "/aps/aps-modules/aps-module[name='one']");
+}
+
+TEST_F(NativeOrigins, ChildrenThatAreHiddenAreNotWalked) {
+    enter(0);
+    kidl_yfw_datatree &leaf = name();
+    entry(0).children = nullptr;
+    context.request->whole_subtree_walk = 1;
+    EXPECT_EQ(origin(&leaf), "/aps/aps-modules/aps-module[name='one']*");
+    EXPECT_EQ(origin(&entry(0)), "/aps/aps-modules/aps-module[name='one']*");
+    context.request->whole_subtree_walk = 0;
+    EXPECT_EQ(origin(&entry(0)), "/aps/aps-modules/aps-module[name='one']");
+}
+
+TEST_F(NativeOrigins, EachHasOneNumber) {
+    enter(0);
+    const std::uint32_t first = context.origin(&name());
+    const std::uint32_t second = context.origin(&entry(0));
+    EXPECT_NE(first, second);
+    EXPECT_EQ(context.origin(&name()), first);
+    EXPECT_EQ(context.origin(&entry(0)), second);
+}
+
+TEST_F(NativeOrigins, AQuestionInAnotherContextIsForgotten) {
+    enter(0);
+    yfw_map_is_request_delete(&name());
+    const ocpsm::framework::MappingContext next(YFW_KIND_EDIT_CONFIG, container("aps", {}), channels, native);
+    EXPECT_EQ(origin(), "/aps/aps-modules/aps-module[name='one']");
+}
+
+TEST_F(NativeOrigins, AddsThatAreNotKeptLeaveTheFirstFailureOfEachCode) {
+    context.keep_adds(false);
+    EXPECT_EQ(add(&context.destination(), "/active-nodes", nullptr), KERR_SUCCESS);
+    EXPECT_NE(add(&context.destination(), "/active-nodes/nothing", nullptr), KERR_SUCCESS);
+    EXPECT_NE(add(&context.destination(), "/active-nodes/neither", nullptr), KERR_SUCCESS);
+    EXPECT_NE(add(&context.destination(), "/active-nodes", "1"), KERR_SUCCESS);
+    EXPECT_THAT(records(), ElementsAre("/active-nodes/nothing|-|-|00|absolute|NATIVE_ERR_UNKNOWN_PATH",
+                                       "/active-nodes|1|-|00|absolute|NATIVE_ERR_UNEXPECTED_VALUE"));
+    EXPECT_FALSE(native.empty());
 }
 
 } // namespace
