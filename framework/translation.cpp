@@ -37,13 +37,15 @@ public:
         context.switch_channels(options_.log, options_.trace);
         context.keep_adds(adds_ == Adds::kept);
         handed.result = root_(&context, &context.request_tree(), &context.destination());
-        watch.require_none("");
         handed.adds = context.take_adds();
         handed.origins = context.take_origins();
         if (!context.at_rest()) {
             warn("the plug-in has not ended its walk as it began it; this is a defect of the plug-in");
         }
-        if (handed.result != KERR_SUCCESS) {
+        if (watch.has_failed()) {
+            handed.result = out_of_memory;
+            translation_.error = no_memory("");
+        } else if (handed.result != KERR_SUCCESS) {
             translation_.error = refusal_of(handed.result, context, handed.adds);
         } else if (is_read(kind_)) {
             note_selections(context.request_tree(), handed);

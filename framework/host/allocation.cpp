@@ -24,6 +24,11 @@ void note_and_go_on() {
 
 } // namespace
 
+Error no_memory(const std::string &path) {
+    return {Error::Source::refused, "resource-denied", path, "there is not enough memory for this request",
+            "try again, or ask for less at a time"};
+}
+
 void note_failed_allocation() noexcept {
     ++failed_allocations;
 }
@@ -43,8 +48,7 @@ bool AllocationWatch::has_failed() const noexcept {
 
 void AllocationWatch::require_none(const std::string &path) const {
     if (has_failed()) {
-        throw Error(Error::Source::refused, "resource-denied", path, "there is not enough memory for this request",
-                    "try again, or ask for less at a time");
+        throw no_memory(path);
     }
 }
 

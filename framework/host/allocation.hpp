@@ -4,11 +4,14 @@
 #define OCPSM_FRAMEWORK_HOST_ALLOCATION_HPP
 
 #include <cstdint>
-#include <utility>
+#include <string>
 
 #include "framework/error.hpp"
 
 namespace ocpsm::framework {
+
+// What a request ends with (refused, resource-denied) at this OpenConfig path.
+Error no_memory(const std::string &path);
 
 // Notes that one has failed on this thread.
 void note_failed_allocation() noexcept;
@@ -23,7 +26,7 @@ public:
 
     bool has_failed() const noexcept;
 
-    // Throws Error (refused, resource-denied) with this OpenConfig path when one has failed.
+    // Throws no_memory when one has failed.
     void require_none(const std::string &path) const;
 
 private:

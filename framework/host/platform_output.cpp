@@ -53,7 +53,8 @@ void add_to(MappingContext &context, kidl_yfw_datatree &tree, const kidl_yfw_dat
         return;
     }
     kidl_yfw_datatree &node = context.add_below(
-        tree, {tag, add.namespace_uri, add.value, add.source_operation.value_or(YFW_OPERATION_MERGE), {}});
+        tree, {tag, add.namespace_uri, add.value,
+               static_cast<ocpsm::Operation>(add.source_operation.value_or(YFW_OPERATION_MERGE))});
     if (result != nullptr) {
         *result = &node;
     }
