@@ -151,12 +151,14 @@ void Parser::line(const std::string &text) {
         begin_section(&Case::expected, title(text, expected_mark));
     } else if (section_ != nullptr) {
         body(text);
+    } else if (text.starts_with('#')) {
+        return; // a comment
     } else if (defining_ != nullptr && text.starts_with('@')) {
         const std::vector<std::string> lines = filled(text);
         defining_->insert(defining_->end(), lines.begin(), lines.end());
     } else if (defining_ != nullptr && !text.empty()) {
         defining_->push_back(text.substr(text.starts_with('\\') ? 1 : 0));
-    } else if (!text.empty() && !text.starts_with('#')) {
+    } else if (!text.empty()) {
         refuse("a text before the first case that is no comment");
     }
 }

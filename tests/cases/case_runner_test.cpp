@@ -40,6 +40,8 @@ TEST(CaseFile, HoldsCasesWithTheirSections) {
                                      "@define pair\n"
                                      "one $1\n"
                                      "\n"
+                                     "# about the template\n"
+                                     "\\# no comment\n"
                                      "two $2$1 $0 $\n"
                                      "@define more\n"
                                      "@pair a $1\n"
@@ -59,8 +61,8 @@ TEST(CaseFile, HoldsCasesWithTheirSections) {
                                      "\\\\y\n"
                                      "==> one\n"
                                      "==> two\n")),
-              "case 10 first  case\nin 10 \n# no comment\none a\ntwo ba $0 $\n@end\n=== text\nout 17 text\n x\n"
-              "case 20 second\nin 20 \nin 21 in\n\\y\nout 23 one\nout 24 two\n");
+              "case 12 first  case\nin 12 \n# no comment\none a\n# no comment\ntwo ba $0 $\n@end\n=== text\n"
+              "out 19 text\n x\ncase 22 second\nin 22 \nin 23 in\n\\y\nout 25 one\nout 26 two\n");
 }
 
 TEST(CaseFile, IsRefusedWhenItIsMalformed) {
