@@ -105,8 +105,7 @@ native::NetRequest apply_all(Callback root, const std::vector<HandedOver> &all, 
             request.check();
             device.apply(request);
         } catch (Error &error) {
-            error.path =
-                openconfig_origin(root, handed, error.native_path.empty() ? error.message() : error.native_path);
+            error.path = openconfig_origin(root, handed.origins, request, error.native_path);
             throw;
         }
     }

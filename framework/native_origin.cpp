@@ -14,22 +14,9 @@ namespace ocpsm::framework {
 
 namespace {
 
-enum class Relation { none, above, below, same };
-
 bool lies_below(std::string_view path, std::string_view above) {
     return path.size() > above.size() && path.starts_with(above) &&
            (path[above.size()] == '/' || path[above.size()] == '[');
-}
-
-// How an added node stands to the node that a text begins with.
-Relation relation(std::string_view added, std::string_view text) {
-    if (text == added || (text.starts_with(added) && text[added.size()] == ':')) {
-        return Relation::same;
-    }
-    if (lies_below(added, text.substr(0, text.find(": ")))) {
-        return Relation::below;
-    }
-    return lies_below(text, added) ? Relation::above : Relation::none;
 }
 
 void add_leaves(const lysc_node &node, const std::string &path, std::vector<std::string> &leaves) {
@@ -73,24 +60,14 @@ std::vector<std::string> taken_away_with(Callback root, const std::string &leaf)
 
 } // namespace
 
-std::string openconfig_origin(Callback root, const HandedOver &edit, std::string_view text) {
-    Origin origin;
-    Relation best = Relation::none;
-    std::size_t longest = 0;
-    for (const AddRecord &add : edit.adds) {
-        if (!add.node) {
-            continue;
-        }
-        const std::string path = edit.native.instance_path(*add.node);
-        const Relation found = relation(path, text);
-        const bool nearer = found > best || (found == best && (found != Relation::above || path.size() >= longest));
-        if (found != Relation::none && nearer) {
-            origin = edit.origins.at(add.origin);
-            best = found;
-            longest = path.size();
-        }
+std::string openconfig_origin(Callback root, const Origins &origins, const native::NetRequest &edit,
+                              std::string_view native_path) {
+    const native::Origin number = edit.origin_of(native_path);
+    if (number == native::no_origin) {
+        return {};
     }
-    return origin.spread ? leaf_behind(root, origin.location, text.substr(0, text.find(": "))) : origin.location;
+    const Origin &origin = origins.at(number);
+    return origin.spread ? leaf_behind(root, origin.location, native_path) : origin.location;
 }
 
 std::string leaf_behind(Callback root, const std::string &location, std::string_view native_path) {

@@ -9,12 +9,9 @@
 
 namespace ocpsm::framework {
 
-/*
- * The OpenConfig instance path during whose walk the native node was added that `text` begins with: a native instance
- * path, or a message that begins with one. Of several the last one counts; where the node itself was not added, a node
- * below it or, at last, the nearest one above it. Empty when there is none. All adds must have been kept.
- */
-std::string openconfig_origin(Callback root, const HandedOver &edit, std::string_view text);
+// The OpenConfig instance path from which the native node of an edit was added; empty when there is none.
+std::string openconfig_origin(Callback root, const Origins &origins, const native::NetRequest &edit,
+                              std::string_view native_path);
 
 /*
  * What is below a node that is taken away as a whole is walked without being named. Finds the configuration leaf below

@@ -5,8 +5,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "framework/answer/node.hpp"
-#include "framework/answer/tree.hpp"
+#include "framework/answer/writer.hpp"
 #include "framework/host/data_tree.hpp"
 #include "framework/host/mapping_context.hpp"
 #include "framework/host/plugin.hpp"
@@ -18,8 +17,7 @@ namespace ocpsm {
 namespace {
 
 using framework::AddRecord;
-using framework::AnswerNode;
-using framework::AnswerTree;
+using framework::AnswerWriter;
 using framework::Callback;
 using framework::Channels;
 using framework::DataTree;
@@ -178,7 +176,7 @@ kerrno call_in_walk(MappingContext &context, Callback callback, DataTree &tree, 
 
 // What was added stands in the records; what is in the answer besides was stitched. Additions reach the current module
 // only, so that one is made current before, unless the conversion is what makes it.
-std::vector<WrittenNode> written_nodes(MappingContext &context, AnswerTree &answer) {
+std::vector<WrittenNode> written_nodes(MappingContext &context, AnswerWriter &answer) {
     std::vector<WrittenNode> written;
     for (const AddRecord &add : context.take_adds()) {
         written.push_back({add.path, add.value.value_or(""), add.value ? "added" : "opened"});
@@ -189,13 +187,13 @@ std::vector<WrittenNode> written_nodes(MappingContext &context, AnswerTree &answ
         written.push_back({YMAP_MODULE "/name", module_key, "stitched"});
     }
     answer.search_or_add(YMAP_MODULE, "name", module_key, ymap::openconfig);
-    framework::for_each_leaf(answer.answer(), [&](const std::string &, const AnswerNode &leaf) {
-        const std::string path = models::schema_path(*leaf.schema);
+    std::move(answer).finish().for_each_leaf([&](const std::string &leaf, std::string_view value) {
+        const std::string path = models::schema_path(*framework::schema_of(leaf));
         const bool known =
             path == YMAP_MODULE "/name" ||
             std::any_of(written.begin(), written.end(), [&](const WrittenNode &node) { return node.path == path; });
         if (!known) {
-            written.push_back({path, leaf.value.value_or(""), "stitched"});
+            written.push_back({path, std::string(value), "stitched"});
         }
     });
     return written;
@@ -223,7 +221,7 @@ RequestRun PluginHost::request(const std::string &leaf, std::string_view convers
 AnswerRun PluginHost::answer(const NativeRow &row, EntryPort port, AnswerMode mode, const std::string &value) {
     const std::string path = native_path(native_rows(), row);
     DataTree tree(answer_tree(path, port, value));
-    AnswerTree answer;
+    AnswerWriter answer;
     Channels channels;
     const Kind kind = mode == AnswerMode::configuration ? Kind::get_config : Kind::get;
     MappingContext context(static_cast<uint32_t>(kind), framework::read_of_instance(module_key), channels, answer);
@@ -245,7 +243,7 @@ std::optional<std::string> PluginHost::read(std::string_view reader, std::string
     if (function == nullptr) {
         return std::nullopt;
     }
-    AnswerTree answer;
+    AnswerWriter answer;
     Channels channels;
     MappingContext context(YFW_KIND_GET, framework::read_of_instance(module_key), channels, answer);
     std::array<char, 4096> text{};

@@ -40,10 +40,10 @@ InstanceMap::Owner InstanceMap::both(Owner one, Owner other) {
     return other == nobody ? one : several;
 }
 
-InstanceMap::Selection &InstanceMap::find_or_add(Selection &above, const native::NetNode &node) {
+InstanceMap::Selection &InstanceMap::find_or_add(Selection &above, const native::NativeNode &node) {
     std::vector<const lysc_node *> keys;
     std::string values;
-    for (const native::NetKey &key : node.keys) {
+    for (const native::NativeNode &key : native::keys(node)) {
         if (key.value) {
             keys.push_back(key.schema);
             values.append(*key.value).push_back('\0');
@@ -62,14 +62,14 @@ InstanceMap::Selection &InstanceMap::find_or_add(Selection &above, const native:
     return *selection;
 }
 
-void InstanceMap::add_below(Selection &above, const std::vector<native::NetNode> &nodes, Owner owner) {
-    for (const native::NetNode &node : nodes) {
+void InstanceMap::add_below(Selection &above, std::span<const native::NativeNode> nodes, Owner owner) {
+    for (const native::NativeNode &node : nodes) {
         Selection &selection = find_or_add(above, node);
         selection.owner = both(selection.owner, owner);
-        if (node.children.empty()) {
+        if (native::others(node).empty()) {
             selection.whole = both(selection.whole, owner);
         }
-        add_below(selection, node.children, owner);
+        add_below(selection, native::others(node), owner);
     }
 }
 

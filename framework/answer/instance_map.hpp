@@ -61,8 +61,8 @@ private:
     };
 
     static Owner both(Owner one, Owner other);
-    void add_below(Selection &above, const std::vector<native::NetNode> &nodes, Owner owner);
-    Selection &find_or_add(Selection &above, const native::NetNode &node);
+    void add_below(Selection &above, std::span<const native::NativeNode> nodes, Owner owner);
+    Selection &find_or_add(Selection &above, const native::NativeNode &node);
 
     std::vector<std::string> instances_;
     std::deque<Selection> selections_{Selection{}}; // the first is above all

@@ -23,9 +23,9 @@ namespace {
 constexpr uint32_t container_level = 1;
 constexpr uint32_t list_level = 2;
 
-RequestNode tree_of(const native::DataNode &native) {
+RequestNode tree_of(const native::NativeNode &native) {
     RequestNode node{native.schema->name, native.schema->module->ns, native.value};
-    for (const native::DataNode &child : native.children) {
+    for (const native::NativeNode &child : native.children) {
         node.children.push_back(tree_of(child));
     }
     return node;
@@ -51,7 +51,7 @@ public:
             context_.select_state_leaves(state_leaves_only({request}));
         }
         context_.keep_adds(false);
-        for (const native::DataNode &root : data.roots) {
+        for (const native::NativeNode &root : data.roots) {
             models_.emplace_back(tree_of(root));
         }
     }

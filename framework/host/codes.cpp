@@ -36,7 +36,6 @@ constexpr std::array codes{
     Code{native::add_wrong_namespace, "NATIVE_ERR_WRONG_NAMESPACE", nullptr},
     Code{native::add_unexpected_value, "NATIVE_ERR_UNEXPECTED_VALUE", nullptr},
     Code{native::add_unknown_operation, "NATIVE_ERR_UNKNOWN_OPERATION", nullptr},
-    Code{native::add_stale_node, "NATIVE_ERR_STALE_NODE", nullptr},
 };
 
 const Code *find(kerrno code) {

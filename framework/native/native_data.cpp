@@ -3,74 +3,115 @@
 #include <libyang/libyang.h>
 
 #include <algorithm>
+#include <utility>
+
+#include "framework/native/draft_tree.hpp"
 
 namespace ocpsm::native {
 namespace {
 
-using Selections = std::vector<NetNode>;
-
-const std::optional<std::string> *key_value(const DataNode &entry, const lysc_node *key) {
-    const auto found = std::find_if(entry.children.begin(), entry.children.end(),
-                                    [&](const DataNode &child) { return child.schema == key; });
-    return found == entry.children.end() ? nullptr : &found->value;
+const std::optional<std::string> *key_value(const NativeNode &entry, const lysc_node *key) {
+    const auto all = keys(entry);
+    const auto found = std::find_if(all.begin(), all.end(), [&](const NativeNode &each) { return each.schema == key; });
+    return found == all.end() ? nullptr : &found->value;
 }
 
-// Whether a selection means this entry; a key that it does not name may have any value.
-bool means(const NetNode &selection, const DataNode &entry) {
-    return std::all_of(selection.keys.begin(), selection.keys.end(), [&](const NetKey &key) {
-        if (!key.value) {
-            return true;
+// Whether a selection means this node; a key that it does not name may have any value.
+bool means(const NativeNode &selection, const NativeNode &node) {
+    const auto named = keys(selection);
+    return selection.schema == node.schema && std::all_of(named.begin(), named.end(), [&](const NativeNode &key) {
+               const std::optional<std::string> *value = key_value(node, key.schema);
+               return !key.value || (value != nullptr && *value == key.value);
+           });
+}
+
+// Sibling selections, to be found by what they mean. Those in one list that name different entries select the same
+// leaves, so any that means an entry is as good as any other.
+class Selections {
+public:
+    explicit Selections(std::span<const NativeNode> selections) {
+        for (const NativeNode &selection : selections) {
+            Pattern pattern{selection.schema, {}};
+            for (const NativeNode &key : keys(selection)) {
+                if (key.value) {
+                    pattern.second.push_back(key.schema);
+                }
+            }
+            by_name_.emplace_back(name(selection, pattern), &selection);
+            if (std::find(patterns_.begin(), patterns_.end(), pattern) == patterns_.end()) {
+                patterns_.push_back(std::move(pattern));
+            }
         }
-        const std::optional<std::string> *value = key_value(entry, key.schema);
-        return value != nullptr && *value == key.value;
-    });
-}
+        std::ranges::stable_sort(by_name_, {}, &Named::first);
+    }
 
-bool selects_key(const NetNode &selection) {
-    return std::any_of(selection.keys.begin(), selection.keys.end(), [](const NetKey &key) { return key.selected; });
-}
+    // The selection that means a node; null when there is none.
+    const NativeNode *find(const NativeNode &node) const {
+        for (const Pattern &pattern : patterns_) {
+            if (pattern.first != node.schema) {
+                continue;
+            }
+            for (const Named &found : std::ranges::equal_range(by_name_, name(node, pattern), {}, &Named::first)) {
+                if (means(*found.second, node)) {
+                    return found.second;
+                }
+            }
+        }
+        return nullptr;
+    }
 
-std::vector<DataNode> answer_below(const std::vector<DataNode> &held, const Selections &selections);
+private:
+    using Pattern = std::pair<const lysc_node *, std::vector<const lysc_node *>>; // a node and which keys are named
+    using Named = std::pair<std::size_t, const NativeNode *>;
 
-std::optional<DataNode> answer_entry(const DataNode &entry, const NetNode &selection) {
-    if (selection.children.empty() && !selects_key(selection)) {
+    static std::size_t name(const NativeNode &node, const Pattern &pattern) {
+        std::size_t name = name_of(node.schema->name);
+        for (const lysc_node *key : pattern.second) {
+            const std::optional<std::string> *value = key_value(node, key);
+            name = name_of(value == nullptr ? std::nullopt : *value, name);
+        }
+        return name;
+    }
+
+    std::vector<Pattern> patterns_; // few: as many as a list has ways to leave keys out
+    std::vector<Named> by_name_;
+};
+
+std::vector<NativeNode> answer_below(std::span<const NativeNode> held, std::span<const NativeNode> selections);
+
+NativeNode answer_entry(const NativeNode &entry, const NativeNode &selection) {
+    const auto wanted = keys(selection);
+    if (others(selection).empty() &&
+        std::none_of(wanted.begin(), wanted.end(), [](const NativeNode &key) { return key.selected; })) {
         return entry;
     }
-    DataNode answered{entry.schema};
-    for (const DataNode &child : entry.children) {
-        if (lysc_is_key(child.schema)) {
-            answered.children.push_back(child);
-        }
-    }
-    std::vector<DataNode> others = answer_below(entry.children, selection.children);
-    std::move(others.begin(), others.end(), std::back_inserter(answered.children));
+    NativeNode answered{entry.schema};
+    answered.children.assign(keys(entry).begin(), keys(entry).end());
+    std::vector<NativeNode> below = answer_below(others(entry), others(selection));
+    std::move(below.begin(), below.end(), std::back_inserter(answered.children));
     return answered;
 }
 
-std::optional<DataNode> answer_node(const DataNode &node, const NetNode &selection) {
+std::optional<NativeNode> answer_node(const NativeNode &node, const NativeNode &selection) {
     if (node.schema->nodetype == LYS_LIST) {
         return answer_entry(node, selection);
     }
     if (selection.children.empty()) {
         return node;
     }
-    DataNode answered{node.schema};
+    NativeNode answered{node.schema};
     answered.children = answer_below(node.children, selection.children);
     return answered.children.empty() ? std::nullopt : std::optional(std::move(answered));
 }
 
-// The selections in one list that name different entries select the same leaves, so the first that means an entry is
-// as good as any.
-std::vector<DataNode> answer_below(const std::vector<DataNode> &held, const Selections &selections) {
-    std::vector<DataNode> answered;
-    for (const DataNode &node : held) {
-        const auto selection = std::find_if(selections.begin(), selections.end(), [&](const NetNode &each) {
-            return each.schema == node.schema && means(each, node);
-        });
-        if (selection != selections.end()) {
-            if (auto found = answer_node(node, *selection)) {
-                answered.push_back(std::move(*found));
-            }
+std::vector<NativeNode> answer_below(std::span<const NativeNode> held, std::span<const NativeNode> selections) {
+    const Selections all(selections);
+    std::vector<NativeNode> answered;
+    for (const NativeNode &node : held) {
+        const NativeNode *selection = all.find(node);
+        auto found = selection == nullptr ? std::nullopt : answer_node(node, *selection);
+        if (found) {
+            answered.push_back(std::move(*found));
         }
     }
     return answered;

@@ -2,23 +2,15 @@
 #ifndef OCPSM_FRAMEWORK_NATIVE_NATIVE_DATA_HPP
 #define OCPSM_FRAMEWORK_NATIVE_NATIVE_DATA_HPP
 
-#include <optional>
-#include <string>
 #include <vector>
 
+#include "framework/native/native_node.hpp"
 #include "framework/native/net_request.hpp"
 
 namespace ocpsm::native {
 
-// A node with what is below it, in the order of the models; the keys of a list entry come first.
-struct DataNode {
-    const lysc_node *schema = nullptr;
-    std::optional<std::string> value = {}; // of a leaf, canonical
-    std::vector<DataNode> children = {};
-};
-
 struct NativeData {
-    std::vector<DataNode> roots;
+    std::vector<NativeNode> roots;
 };
 
 // What a device that holds `held` answers to a read, list by list: every entry whose keys are named (all, when none

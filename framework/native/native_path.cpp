@@ -25,21 +25,21 @@ std::string literal(const std::string &text) {
     return joined.append(")");
 }
 
-using NodeVisitor = std::function<void(const std::string &path, const NetNode &node)>;
+using NodeVisitor = std::function<void(const std::string &path, const NativeNode &node)>;
 
-void visit_below(const std::string &parent, const std::vector<NetNode> &nodes, const NodeVisitor &visit) {
-    for (const NetNode &node : nodes) {
+void visit_below(const std::string &parent, std::span<const NativeNode> nodes, const NodeVisitor &visit) {
+    for (const NativeNode &node : nodes) {
         const std::string path = parent + "/" + path_step(node);
         visit(path, node);
-        visit_below(path, node.children, visit);
+        visit_below(path, others(node), visit);
     }
 }
 
 } // namespace
 
-std::string path_step(const NetNode &node) {
+std::string path_step(const NativeNode &node) {
     std::string step = node.schema->name;
-    for (const NetKey &key : node.keys) {
+    for (const NativeNode &key : keys(node)) {
         if (key.value) {
             step.append("[").append(key.schema->name).append("=").append(literal(*key.value)).append("]");
         }
@@ -54,8 +54,8 @@ void for_each_node(const NetRequest &request, const NodeVisitor &visit) {
 void for_each_text(
     const NetRequest &request,
     const std::function<void(const std::string &path, const lysc_node &leaf, const std::string &text)> &visit) {
-    for_each_node(request, [&](const std::string &path, const NetNode &node) {
-        for (const NetKey &key : node.keys) {
+    for_each_node(request, [&](const std::string &path, const NativeNode &node) {
+        for (const NativeNode &key : keys(node)) {
             if (key.value) {
                 visit(path + "/" + key.schema->name, *key.schema, *key.value);
             }

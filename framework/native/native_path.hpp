@@ -12,11 +12,11 @@
 namespace ocpsm::native {
 
 // One step of an instance path: the node's name and a predicate for each key that is named.
-std::string path_step(const NetNode &node);
+std::string path_step(const NativeNode &node);
 
-// Calls `visit` for every node in document order, with its instance path.
+// Calls `visit` for every node but keys in document order, with its instance path.
 void for_each_node(const NetRequest &request,
-                   const std::function<void(const std::string &path, const NetNode &node)> &visit);
+                   const std::function<void(const std::string &path, const NativeNode &node)> &visit);
 
 // Calls `visit` for every text of the request, the values of its keys and leaves, with the leaf and its instance path.
 void for_each_text(

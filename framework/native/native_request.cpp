@@ -16,15 +16,6 @@ bool is_leaf(const lysc_node *schema) {
     return schema->nodetype == LYS_LEAF;
 }
 
-bool takes_away(std::uint32_t operation) {
-    return operation != static_cast<std::uint32_t>(Operation::merge) &&
-           operation != static_cast<std::uint32_t>(Operation::create);
-}
-
-bool deletes(std::uint32_t operation) {
-    return operation >= static_cast<std::uint32_t>(Operation::delete_existing);
-}
-
 } // namespace
 
 std::string_view add_error_text(kerrno code) {
@@ -37,8 +28,6 @@ std::string_view add_error_text(kerrno code) {
         return "a native container or list was given a value";
     case add_unknown_operation:
         return "a native node was given an unknown operation";
-    case add_stale_node:
-        return "the native node to add below is not part of the request";
     default:
         return {};
     }
@@ -47,91 +36,83 @@ std::string_view add_error_text(kerrno code) {
 // One add: the steps of its path are looked up first, so that a failing one changes nothing.
 class NativeRequest::Adding {
 public:
-    Adding(NativeRequest &request, NodeId tree) : request_(request), tree_(tree) {}
+    explicit Adding(NativeRequest &request) : request_(request), nodes_(request.nodes_) {}
 
     kerrno resolve(std::string_view path, std::string_view namespace_uri);
     const lysc_node *target() const { return steps_.back(); }
 
-    NodeId place(std::optional<std::string_view> value, bool opens);
-    void write(NodeId id, std::optional<std::string_view> value, std::uint32_t operation, std::uint32_t second_flag);
+    NodeId place(const std::optional<std::string> &value, bool opens);
+    void write(NodeId id, const std::optional<std::string> &value, Operation operation, Origin origin);
 
 private:
-    Entry &at(NodeId id) { return request_.nodes_[id]; }
     bool reads() const { return request_.kind_ == RequestKind::read; }
 
-    NodeId existing(NodeId parent, const lysc_node *schema);
+    NodeId existing(NodeId parent, const lysc_node *schema) const;
+    NodeId current(NodeId parent, const lysc_node *list) const;
     NodeId make(NodeId parent, const lysc_node *schema);
     NodeId enter(NodeId parent, const lysc_node *schema);
-    bool target_stands();
-    NodeId entry_for_key(NodeId entry, std::string_view value);
-    bool agrees(NodeId entry, NodeId with, std::string_view value);
-    void forget_current(NodeId id);
-    void take_away_below(NodeId id);
-    void detach(NodeId id);
-    void record(NodeId id, std::optional<std::string_view> value, std::uint32_t operation);
+    bool target_stands() const;
+    NodeId entry_for_key(NodeId entry, const std::string &value);
+    bool agrees(NodeId entry, NodeId with, const std::string &value) const;
+    void set_value(NodeId id, const std::optional<std::string> &value, Operation operation);
 
     NativeRequest &request_;
-    NodeId tree_;
+    DraftTree &nodes_;
     std::vector<const lysc_node *> steps_;
-    bool fresh_ = false; // the node that was placed did not stand before
 };
 
 kerrno NativeRequest::Adding::resolve(std::string_view path, std::string_view namespace_uri) {
-    const bool absolute = !path.empty() && path.front() == '/';
-    const lysc_node *node = absolute ? nullptr : at(tree_).schema;
-    if (absolute) {
+    const lysc_node *node = nullptr;
+    do {
+        if (!path.starts_with('/')) {
+            return add_unknown_path;
+        }
         path.remove_prefix(1);
-        tree_ = root;
-    } else if (path.find('/') != std::string_view::npos) {
-        return add_unknown_path;
-    }
-    for (bool more = true; more;) {
         const std::string_view step = path.substr(0, path.find('/'));
-        more = step.size() < path.size();
-        path.remove_prefix(more ? step.size() + 1 : step.size());
+        path.remove_prefix(step.size());
         node = request_.schema_->child(node, step, namespace_uri);
         if (node == nullptr) {
             return add_unknown_path;
         }
         steps_.push_back(node);
-    }
+    } while (!path.empty());
     return namespace_uri == node->module->ns ? KERR_SUCCESS : add_wrong_namespace;
 }
 
-// The node through which a path with this step runs: the current instance of a list; root when there is none.
-NativeRequest::NodeId NativeRequest::Adding::existing(NodeId parent, const lysc_node *schema) {
-    if (is_list(schema)) {
-        const auto found = at(parent).current.find(schema);
-        return found == at(parent).current.end() ? root : found->second;
+// The node through which a path with this step runs; root when there is none.
+NativeRequest::NodeId NativeRequest::Adding::existing(NodeId parent, const lysc_node *schema) const {
+    return is_list(schema) ? current(parent, schema) : nodes_.single(parent, schema);
+}
+
+NativeRequest::NodeId NativeRequest::Adding::current(NodeId parent, const lysc_node *list) const {
+    const auto found = request_.current_.find({parent, list});
+    if (found == request_.current_.end() || nodes_.at(found->second.entry).gone) {
+        return root;
     }
-    for (const NodeId child : at(parent).children) {
-        if (at(child).schema == schema) {
-            return child;
+    for (NodeId above = parent; above != root; above = nodes_.at(above).parent) {
+        const auto selected = request_.selected_.find(above);
+        if (selected != request_.selected_.end() && selected->second > found->second.since) {
+            return root;
         }
     }
-    return root;
+    return found->second.entry;
 }
 
 NativeRequest::NodeId NativeRequest::Adding::make(NodeId parent, const lysc_node *schema) {
-    const auto id = static_cast<NodeId>(request_.nodes_.size());
-    Entry &entry = request_.nodes_.emplace_back();
-    entry.schema = schema;
-    entry.parent = parent;
-    at(parent).children.push_back(id);
+    const NodeId id = nodes_.make(parent, schema);
     if (is_list(schema)) {
-        at(parent).current[schema] = id;
+        request_.current_[{parent, schema}] = {id, ++request_.clock_};
     }
     return id;
 }
 
 NativeRequest::NodeId NativeRequest::Adding::enter(NodeId parent, const lysc_node *schema) {
     const NodeId id = existing(parent, schema);
-    fresh_ = id == root;
-    return fresh_ ? make(parent, schema) : id;
+    return id == root ? make(parent, schema) : id;
 }
 
-bool NativeRequest::Adding::target_stands() {
-    NodeId node = tree_;
+bool NativeRequest::Adding::target_stands() const {
+    NodeId node = root;
     for (const lysc_node *step : steps_) {
         node = existing(node, step);
         if (node == root) {
@@ -142,17 +123,16 @@ bool NativeRequest::Adding::target_stands() {
 }
 
 // Finds or makes the node that the add is for, and the steps on its way.
-NativeRequest::NodeId NativeRequest::Adding::place(std::optional<std::string_view> value, bool opens) {
+NativeRequest::NodeId NativeRequest::Adding::place(const std::optional<std::string> &value, bool opens) {
     const auto list = std::find_if(steps_.rbegin(), steps_.rend(), is_list);
     const lysc_node *opened = nullptr;
     if (opens && list != steps_.rend() && (is_list(target()) || (is_leaf(target()) && target_stands()))) {
         opened = *list;
     }
-    NodeId node = tree_;
+    NodeId node = root;
     for (const lysc_node *step : steps_) {
         if (step == opened) {
             node = make(node, step);
-            fresh_ = true;
         } else if (lysc_is_key(step) && value) {
             node = enter(entry_for_key(node, *value), step);
         } else {
@@ -164,107 +144,78 @@ NativeRequest::NodeId NativeRequest::Adding::place(std::optional<std::string_vie
 
 // The entry in which a key may take this value: the given one unless its key has another value already; then the entry
 // beside it that has the value, or a new one.
-NativeRequest::NodeId NativeRequest::Adding::entry_for_key(NodeId entry, std::string_view value) {
-    const NodeId key = existing(entry, target());
-    if (key == root || !at(key).value || at(key).value == value ||
-        (reads() && (value.empty() || at(key).value->empty()))) {
+NativeRequest::NodeId NativeRequest::Adding::entry_for_key(NodeId entry, const std::string &value) {
+    const std::optional<std::string> &key = nodes_.key_value(entry, target());
+    if (!key || key == value || (reads() && (value.empty() || key->empty()))) {
         return entry;
     }
-    const NodeId parent = at(entry).parent;
-    const std::vector<NodeId> &siblings = at(parent).children;
-    const auto found =
-        std::find_if(siblings.rbegin(), siblings.rend(), [&](NodeId sibling) { return agrees(sibling, entry, value); });
-    if (found == siblings.rend()) {
-        return make(parent, at(entry).schema);
+    const NodeId parent = nodes_.at(entry).parent;
+    const lysc_node *list = nodes_.at(entry).schema;
+    const NodeId found =
+        nodes_.find(parent, target(), name_of(value), [&](NodeId other) { return agrees(other, entry, value); });
+    if (found == root) {
+        return make(parent, list);
     }
-    forget_current(*found);
-    at(parent).current[at(entry).schema] = *found;
-    return *found;
+    request_.selected_[found] = ++request_.clock_;
+    request_.current_[{parent, list}] = {found, ++request_.clock_};
+    return found;
 }
 
 // Whether an entry has the value for the key that is added and no other key unlike the entry `with`: with several keys,
 // one equal key alone does not make it the entry that is meant.
-bool NativeRequest::Adding::agrees(NodeId entry, NodeId with, std::string_view value) {
-    if (at(entry).schema != at(with).schema) {
-        return false;
-    }
-    const std::vector<NetKey> keys = request_.keys_of(entry);
-    const std::vector<NetKey> others = request_.keys_of(with);
-    for (std::size_t index = 0; index < keys.size(); ++index) {
-        const std::optional<std::string> &key = keys[index].value;
-        const std::optional<std::string> &other = others[index].value;
-        if (keys[index].schema == target() ? key != value : (key && other && key != other)) {
+bool NativeRequest::Adding::agrees(NodeId entry, NodeId with, const std::string &value) const {
+    for (const NodeId child : nodes_.at(entry).singles) {
+        const Draft &leaf = nodes_.at(child);
+        if (!lysc_is_key(leaf.schema) || !leaf.value || leaf.schema == target()) {
+            continue;
+        }
+        const std::optional<std::string> &other = nodes_.key_value(with, leaf.schema);
+        if (other && leaf.value != other) {
             return false;
         }
     }
-    return true;
+    return nodes_.key_value(entry, target()) == value;
 }
 
-void NativeRequest::Adding::forget_current(NodeId id) {
-    at(id).current.clear();
-    for (const NodeId child : at(id).children) {
-        forget_current(child);
+// A key that has a value keeps it. In a read the empty text is no value.
+void NativeRequest::Adding::set_value(NodeId id, const std::optional<std::string> &value, Operation operation) {
+    Draft &node = nodes_.at(id);
+    const bool key = lysc_is_key(node.schema);
+    const bool nothing_new = !value || (reads() && value->empty()) || (key && node.value && !node.value->empty());
+    const bool cleared = !reads() && !key && takes_away(operation);
+    if (node.value && nothing_new && !cleared) {
+        return;
+    }
+    node.value = value;
+    if (key && value) {
+        nodes_.index(node.parent, node.schema, name_of(value));
     }
 }
 
-// The keys of a list entry stay: they say which entry it is.
-void NativeRequest::Adding::take_away_below(NodeId id) {
-    std::vector<NodeId> kept;
-    for (const NodeId child : at(id).children) {
-        if (lysc_is_key(at(child).schema)) {
-            kept.push_back(child);
-        } else {
-            detach(child);
-        }
+void NativeRequest::Adding::write(NodeId id, const std::optional<std::string> &value, Operation operation,
+                                  Origin origin) {
+    nodes_.at(id).operation = operation;
+    set_value(id, value, operation);
+    nodes_.came_from(id, origin);
+    if (reads()) {
+        return;
     }
-    at(id).children = std::move(kept);
-    at(id).current.clear();
+    if (takes_away(operation) || operation == Operation::replace) {
+        nodes_.clear(id);
+    }
+    const Draft &node = nodes_.at(id);
+    const bool names_only = lysc_is_key(node.schema) && takes_away(nodes_.at(node.parent).operation);
+    request_.edit_adds_.push_back({id, operation, origin, names_only, value});
 }
 
-void NativeRequest::Adding::detach(NodeId id) {
-    at(id).attached = false;
-    for (const NodeId child : at(id).children) {
-        detach(child);
-    }
-}
-
-void NativeRequest::Adding::write(NodeId id, std::optional<std::string_view> value, std::uint32_t operation,
-                                  std::uint32_t second_flag) {
-    Entry &entry = at(id);
-    entry.operation = operation;
-    entry.second_flag = second_flag;
-    const bool key = lysc_is_key(entry.schema);
-    const bool nothing_new = !value || (reads() && value->empty()) || (key && entry.value && !entry.value->empty());
-    const bool cleared = !reads() && !key && deletes(operation);
-    if (!entry.value || !nothing_new || cleared) {
-        entry.value = value ? std::optional(std::string(*value)) : std::nullopt;
-    }
-    if (!reads()) {
-        if (takes_away(operation)) {
-            take_away_below(id);
-        }
-        record(id, value, operation);
-    }
-}
-
-void NativeRequest::Adding::record(NodeId id, std::optional<std::string_view> value, std::uint32_t operation) {
-    const bool names_only = lysc_is_key(at(id).schema) && deletes(at(at(id).parent).operation);
-    request_.events_.push_back({id, operation, value ? std::optional(std::string(*value)) : std::nullopt, names_only});
-}
-
-NativeRequest::NativeRequest(RequestKind kind, const models::Schema &schema)
-    : kind_(kind), schema_(&schema), nodes_(1) {}
+NativeRequest::NativeRequest(RequestKind kind, const models::Schema &schema) : kind_(kind), schema_(&schema) {}
 
 kerrno NativeRequest::add(std::string_view path, std::string_view namespace_uri, std::optional<std::string_view> value,
-                          std::uint32_t operation, bool first_flag, std::uint32_t second_flag, NodeId tree,
-                          NodeId *result) {
+                          std::uint32_t operation, bool opens, Origin origin, NodeId *result) {
     if (operation > static_cast<std::uint32_t>(Operation::remove)) {
         return add_unknown_operation;
     }
-    if (tree >= nodes_.size() || !nodes_[tree].attached) {
-        return add_stale_node;
-    }
-    Adding adding(*this, tree);
+    Adding adding(*this);
     const kerrno resolved = adding.resolve(path, namespace_uri);
     if (resolved != KERR_SUCCESS) {
         return resolved;
@@ -272,47 +223,25 @@ kerrno NativeRequest::add(std::string_view path, std::string_view namespace_uri,
     if (value && !is_leaf(adding.target())) {
         return add_unexpected_value;
     }
-    const NodeId id = adding.place(value, first_flag);
-    adding.write(id, value, operation, second_flag);
+    const auto text = value ? std::optional<std::string>(*value) : std::nullopt;
+    const NodeId id = adding.place(text, opens);
+    adding.write(id, text, static_cast<Operation>(operation), origin);
     if (result != nullptr) {
         *result = id;
     }
     return KERR_SUCCESS;
 }
 
-NativeRequest::Node NativeRequest::node(NodeId id) const {
-    const Entry &entry = nodes_.at(id);
-    return {models::schema_path(*entry.schema), entry.operation, entry.value, entry.second_flag};
-}
-
 std::string NativeRequest::instance_path(NodeId id) const {
     if (id == root) {
         return {};
     }
-    const Entry &entry = nodes_.at(id);
-    NetNode step;
-    step.schema = entry.schema;
-    if (is_list(entry.schema)) {
-        step.keys = keys_of(id);
+    const Draft &node = nodes_.at(id);
+    NativeNode step{node.schema};
+    for (const lysc_node *key : key_leaves(*node.schema)) {
+        step.children.push_back({key, nodes_.key_value(id, key)});
     }
-    return instance_path(entry.parent) + "/" + path_step(step);
-}
-
-std::vector<NetKey> NativeRequest::keys_of(NodeId list_entry) const {
-    std::vector<NetKey> keys;
-    for (const lysc_node *child : schema_->children(nodes_[list_entry].schema)) {
-        if (lysc_is_key(child)) {
-            keys.push_back({child, std::nullopt});
-        }
-    }
-    for (const NodeId child : nodes_[list_entry].children) {
-        for (NetKey &key : keys) {
-            if (nodes_[child].schema == key.schema) {
-                key.value = nodes_[child].value;
-            }
-        }
-    }
-    return keys;
+    return instance_path(node.parent) + "/" + path_step(step);
 }
 
 NetRequest NativeRequest::net() const {

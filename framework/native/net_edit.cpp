@@ -2,167 +2,196 @@
 #include <libyang/libyang.h>
 
 #include <algorithm>
-#include <memory>
 
 #include "framework/native/native_request.hpp"
 
 namespace ocpsm::native {
-namespace {
 
-// A node of the edit as it is after some of the adds. Entries of a list that have the same keys are one.
-struct Draft {
-    const lysc_node *schema = nullptr;
-    Draft *parent = nullptr;
-    std::vector<NetKey> keys;
-    std::optional<NativeRequest::NodeId> unnamed; // an entry without all of its keys is like no other
-    std::optional<Operation> taken;               // delete, remove or replace: what stood here before is gone
-    Operation own = Operation::merge;             // replace or create, as it was asked for
-    bool made = false;                            // something was set here or below since it was taken away
-    std::optional<std::string> value;
-    std::vector<std::unique_ptr<Draft>> children;
+class NativeRequest::EditReplay {
+public:
+    explicit EditReplay(const NativeRequest &request) : request_(request), places_(request.nodes_.size(), draft_root) {}
+
+    std::vector<NativeNode> run() {
+        for (const EditAdd &add : request_.edit_adds_) {
+            apply(add);
+        }
+        return finish(draft_root, nullptr, false);
+    }
+
+private:
+    DraftId place_that_stands(NodeId id) const;
+    DraftId locate(NodeId id);
+    DraftId locate_entry(NodeId id, DraftId parent);
+    bool below_taken(DraftId id) const;
+    void mark_made(DraftId id);
+    void take_away(DraftId id, Operation operation);
+
+    void apply(const EditAdd &add);
+    void apply_to_key(NodeId entry, const lysc_node *key, const EditAdd &add);
+    void apply_to_leaf(DraftId id, const EditAdd &add);
+    void apply_to_inner(DraftId id, Operation operation);
+
+    std::vector<NativeNode> finish(DraftId id, const lysc_node *schema, bool taken) const;
+    std::optional<NativeNode> finish_node(DraftId id, bool taken) const;
+
+    const NativeRequest &request_;
+    DraftTree net_;               // entries with equal keys are one, one without all of its keys is like no other
+    std::vector<DraftId> places_; // in `net_`, of each node that was added; the root: not looked for yet
 };
 
-bool same_keys(const std::vector<NetKey> &first, const std::vector<NetKey> &second) {
-    return std::equal(first.begin(), first.end(), second.begin(), second.end(),
-                      [](const NetKey &one, const NetKey &other) { return one.value == other.value; });
+// Where an added node is in what the edit comes to; the root when it was not needed yet or has been taken away.
+DraftId NativeRequest::EditReplay::place_that_stands(NodeId id) const {
+    return net_.at(places_[id]).gone ? draft_root : places_[id];
 }
 
-bool named(const std::vector<NetKey> &keys) {
-    return std::all_of(keys.begin(), keys.end(), [](const NetKey &key) { return key.value.has_value(); });
+DraftId NativeRequest::EditReplay::locate(NodeId id) {
+    if (id == root || place_that_stands(id) != draft_root) {
+        return places_[id];
+    }
+    const lysc_node *schema = request_.nodes_.at(id).schema;
+    const DraftId parent = locate(request_.nodes_.at(id).parent);
+    DraftId place = draft_root;
+    if (schema->nodetype == LYS_LIST) {
+        place = locate_entry(id, parent);
+    } else if (place = net_.single(parent, schema); place == draft_root) {
+        place = net_.make(parent, schema);
+    }
+    places_[id] = place;
+    return place;
 }
 
-bool below_taken(const Draft &draft) {
-    for (const Draft *above = draft.parent; above != nullptr; above = above->parent) {
-        if (above->taken) {
+DraftId NativeRequest::EditReplay::locate_entry(NodeId id, DraftId parent) {
+    const lysc_node *list = request_.nodes_.at(id).schema;
+    const std::vector<const lysc_node *> keys = key_leaves(*list);
+    const auto value = [&](const lysc_node *key) -> const std::optional<std::string> & {
+        return request_.nodes_.key_value(id, key);
+    };
+    const bool named = std::all_of(keys.begin(), keys.end(), [&](const lysc_node *key) { return value(key); });
+    std::size_t name = 0;
+    for (const lysc_node *key : keys) {
+        name = name_of(value(key), name);
+    }
+    const auto has_these_keys = [&](DraftId entry) {
+        return std::all_of(keys.begin(), keys.end(),
+                           [&](const lysc_node *key) { return net_.key_value(entry, key) == value(key); });
+    };
+    const DraftId found = named ? net_.find(parent, list, name, has_these_keys) : draft_root;
+    if (found != draft_root) {
+        return found;
+    }
+    const DraftId made = net_.make(parent, list);
+    for (const lysc_node *key : keys) {
+        net_.at(net_.make(made, key)).value = value(key);
+    }
+    if (named) {
+        net_.index(made, list, name);
+    }
+    return made;
+}
+
+bool NativeRequest::EditReplay::below_taken(DraftId id) const {
+    for (DraftId above = id; above != draft_root;) {
+        above = net_.at(above).parent;
+        if (net_.at(above).taken) {
             return true;
         }
     }
     return false;
 }
 
-void mark_made(Draft *draft) {
-    for (; draft != nullptr; draft = draft->parent) {
-        draft->made = true;
+void NativeRequest::EditReplay::mark_made(DraftId id) {
+    for (; id != draft_root; id = net_.at(id).parent) {
+        net_.at(id).made = true;
     }
-}
-
-void forget(Draft &draft) {
-    std::vector<std::unique_ptr<Draft>> &siblings = draft.parent->children;
-    siblings.erase(std::find_if(siblings.begin(), siblings.end(),
-                                [&](const std::unique_ptr<Draft> &sibling) { return sibling.get() == &draft; }));
 }
 
 // Takes away what stands at a node; below what is gone already there is nothing left to take.
-void take_away(Draft &draft, Operation operation) {
-    if (operation != Operation::replace && below_taken(draft)) {
-        forget(draft);
+void NativeRequest::EditReplay::take_away(DraftId id, Operation operation) {
+    if (operation != Operation::replace && below_taken(id)) {
+        net_.drop(id);
         return;
     }
+    net_.clear(id);
+    Draft &draft = net_.at(id);
     draft.taken = operation;
-    draft.own = Operation::merge;
+    draft.operation = Operation::merge;
     draft.made = false;
     draft.value.reset();
-    draft.children.clear();
 }
 
-} // namespace
-
-class NativeRequest::EditReplay {
-public:
-    explicit EditReplay(const NativeRequest &request) : request_(request) {}
-
-    std::vector<NetNode> run() {
-        for (const Event &event : request_.events_) {
-            apply(event);
-        }
-        return finish(top_, nullptr, false);
+void NativeRequest::EditReplay::apply(const EditAdd &add) {
+    const Draft &node = request_.nodes_.at(add.node);
+    if (lysc_is_key(node.schema)) {
+        apply_to_key(node.parent, node.schema, add);
+        return;
     }
-
-private:
-    Draft &locate(NodeId id);
-    void apply(const Event &event);
-    static void apply_to_leaf(Draft &draft, Operation operation, const Event &event);
-    static void apply_to_inner(Draft &draft, Operation operation);
-    std::vector<NetNode> finish(const Draft &draft, const lysc_node *schema, bool taken) const;
-    std::optional<NetNode> finish_node(const Draft &draft, bool taken) const;
-
-    const NativeRequest &request_;
-    Draft top_;
-};
-
-Draft &NativeRequest::EditReplay::locate(NodeId id) {
-    if (id == root) {
-        return top_;
-    }
-    const Entry &entry = request_.nodes_[id];
-    Draft &parent = locate(entry.parent);
-    const std::vector<NetKey> keys = request_.keys_of(id);
-    const std::optional<NodeId> unnamed = named(keys) ? std::nullopt : std::optional(id);
-    for (const std::unique_ptr<Draft> &child : parent.children) {
-        if (child->schema == entry.schema && child->unnamed == unnamed && (unnamed || same_keys(child->keys, keys))) {
-            return *child;
-        }
-    }
-    Draft &made = *parent.children.emplace_back(std::make_unique<Draft>());
-    made.schema = entry.schema;
-    made.parent = &parent;
-    made.keys = keys;
-    made.unnamed = unnamed;
-    return made;
-}
-
-void NativeRequest::EditReplay::apply(const Event &event) {
-    const auto operation = static_cast<Operation>(event.operation);
-    const Entry &entry = request_.nodes_[event.node];
-    if (lysc_is_key(entry.schema)) {
-        const bool sets = operation != Operation::delete_existing && operation != Operation::remove && event.value;
-        if (sets && !event.names_only) {
-            mark_made(&locate(entry.parent));
-        }
-    } else if (entry.schema->nodetype == LYS_LEAF) {
-        apply_to_leaf(locate(event.node), operation, event);
+    const DraftId place = locate(add.node);
+    net_.came_from(place, add.origin);
+    if (node.schema->nodetype == LYS_LEAF) {
+        apply_to_leaf(place, add);
     } else {
-        apply_to_inner(locate(event.node), operation);
+        apply_to_inner(place, add.operation);
+    }
+}
+
+// A key that sets makes its entry; one that only names it changes nothing.
+void NativeRequest::EditReplay::apply_to_key(NodeId entry, const lysc_node *key, const EditAdd &add) {
+    const bool sets = add.value && !takes_away(add.operation) && !add.names_only;
+    const DraftId place = sets ? locate(entry) : place_that_stands(entry);
+    if (sets) {
+        mark_made(place);
+    }
+    if (place != draft_root) {
+        net_.came_from(net_.single(place, key), add.origin);
     }
 }
 
 // A leaf that is given no value is left as the adds before have left it.
-void NativeRequest::EditReplay::apply_to_leaf(Draft &draft, Operation operation, const Event &event) {
-    if (operation == Operation::delete_existing || operation == Operation::remove) {
-        take_away(draft, operation);
-    } else if (event.value) {
-        draft.value = event.value;
-        draft.own = operation;
+void NativeRequest::EditReplay::apply_to_leaf(DraftId id, const EditAdd &add) {
+    if (takes_away(add.operation)) {
+        take_away(id, add.operation);
+    } else if (add.value) {
+        Draft &draft = net_.at(id);
+        draft.value = add.value;
+        draft.operation = add.operation;
         draft.taken.reset();
         mark_made(draft.parent);
     }
 }
 
-void NativeRequest::EditReplay::apply_to_inner(Draft &draft, Operation operation) {
+void NativeRequest::EditReplay::apply_to_inner(DraftId id, Operation operation) {
     if (operation == Operation::merge) {
-        if (draft.schema->nodetype == LYS_LIST) {
-            mark_made(&draft);
+        if (net_.at(id).schema->nodetype == LYS_LIST) {
+            mark_made(id);
         }
-        draft.own = Operation::merge;
+        net_.at(id).operation = Operation::merge;
     } else if (operation == Operation::create) {
-        mark_made(&draft);
-        draft.own = operation;
+        mark_made(id);
+        net_.at(id).operation = operation;
     } else {
-        take_away(draft, operation);
+        take_away(id, operation);
         if (operation == Operation::replace) {
-            mark_made(&draft);
+            mark_made(id);
         }
     }
 }
 
-std::vector<NetNode> NativeRequest::EditReplay::finish(const Draft &draft, const lysc_node *schema, bool taken) const {
-    std::vector<NetNode> nodes;
+std::vector<NativeNode> NativeRequest::EditReplay::finish(DraftId id, const lysc_node *schema, bool taken) const {
+    std::vector<NativeNode> nodes;
+    const auto add = [&](DraftId child) {
+        if (auto node = finish_node(child, taken)) {
+            nodes.push_back(std::move(*node));
+        }
+    };
     for (const lysc_node *step : request_.schema_->children(schema)) {
-        for (const std::unique_ptr<Draft> &child : draft.children) {
-            std::optional<NetNode> node = child->schema == step ? finish_node(*child, taken) : std::nullopt;
-            if (node) {
-                nodes.push_back(std::move(*node));
+        if (step->nodetype == LYS_LIST) {
+            for (const DraftId entry : net_.at(id).entries) {
+                if (net_.at(entry).schema == step && !net_.at(entry).gone) {
+                    add(entry);
+                }
             }
+        } else if (const DraftId single = net_.single(id, step); single != draft_root) {
+            add(single);
         }
     }
     return nodes;
@@ -170,21 +199,20 @@ std::vector<NetNode> NativeRequest::EditReplay::finish(const Draft &draft, const
 
 // Nothing for a node that says nothing. What was taken away and made again has been replaced; below it all is new, so
 // that nothing needs an operation of its own.
-std::optional<NetNode> NativeRequest::EditReplay::finish_node(const Draft &draft, bool taken) const {
-    NetNode node;
-    node.schema = draft.schema;
-    node.keys = draft.keys;
-    node.value = draft.value;
-    node.operation = taken ? Operation::merge : draft.own;
+std::optional<NativeNode> NativeRequest::EditReplay::finish_node(DraftId id, bool taken) const {
+    const Draft &draft = net_.at(id);
+    NativeNode node{draft.schema, draft.value};
+    node.operation = taken ? Operation::merge : draft.operation;
+    node.added = draft.added;
+    node.origin = draft.origin;
     if (draft.schema->nodetype == LYS_LEAF) {
-        if (draft.taken) {
-            node.operation = *draft.taken;
-        }
-        return draft.taken || draft.value ? std::optional(std::move(node)) : std::nullopt;
+        node.operation = draft.taken.value_or(node.operation);
+        const bool says = draft.taken || draft.value || lysc_is_key(draft.schema);
+        return says ? std::optional(std::move(node)) : std::nullopt;
     }
-    node.children = finish(draft, draft.schema, taken || draft.taken.has_value());
+    node.children = finish(id, draft.schema, taken || draft.taken.has_value());
     node.made = draft.schema->nodetype == LYS_LIST && draft.made;
-    const bool stands = node.made || !node.children.empty();
+    const bool stands = node.made || !others(node).empty();
     if (draft.taken && !taken) {
         node.operation = stands ? Operation::replace : *draft.taken;
         return node;
@@ -192,7 +220,7 @@ std::optional<NetNode> NativeRequest::EditReplay::finish_node(const Draft &draft
     return stands || node.operation != Operation::merge ? std::optional(std::move(node)) : std::nullopt;
 }
 
-std::vector<NetNode> NativeRequest::net_of_edit() const {
+std::vector<NativeNode> NativeRequest::net_of_edit() const {
     return EditReplay(*this).run();
 }
 

@@ -9,8 +9,8 @@
 namespace ocpsm::native {
 namespace {
 
-void require_keys(const std::string &path, const NetNode &node) {
-    for (const NetKey &key : node.keys) {
+void require_keys(const std::string &path, const NativeNode &node) {
+    for (const NativeNode &key : keys(node)) {
         if (!key.value) {
             refuse("missing-element", path,
                    std::string("an entry of list ") + node.schema->name + " needs its key " + key.schema->name,
@@ -19,7 +19,7 @@ void require_keys(const std::string &path, const NetNode &node) {
     }
 }
 
-void require_configuration(const std::string &path, const NetNode &node) {
+void require_configuration(const std::string &path, const NativeNode &node) {
     if ((node.schema->flags & LYS_CONFIG_R) != 0) {
         refuse("operation-not-supported", path, "operational state cannot be edited");
     }
@@ -35,8 +35,8 @@ void require_valid(const std::string &path, const lysc_node &leaf, const std::st
 
 std::vector<NativeOperation> NetRequest::operations() const {
     std::vector<NativeOperation> list;
-    for_each_node(*this, [&](const std::string &path, const NetNode &node) {
-        const bool selected = kind == RequestKind::read && node.children.empty();
+    for_each_node(*this, [&](const std::string &path, const NativeNode &node) {
+        const bool selected = kind == RequestKind::read && others(node).empty();
         const bool changes = node.operation != Operation::merge || node.made || node.value;
         if (selected || changes) {
             list.push_back({path, node.schema, node.operation, node.value});
@@ -49,7 +49,7 @@ void NetRequest::check() const {
     if (kind == RequestKind::read) {
         return;
     }
-    for_each_node(*this, [](const std::string &path, const NetNode &node) {
+    for_each_node(*this, [](const std::string &path, const NativeNode &node) {
         require_configuration(path, node);
         require_keys(path, node);
     });

@@ -3,37 +3,16 @@
 #ifndef OCPSM_FRAMEWORK_NATIVE_NET_REQUEST_HPP
 #define OCPSM_FRAMEWORK_NATIVE_NET_REQUEST_HPP
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "framework/operation.hpp"
-
-struct lysc_node;
+#include "framework/native/native_node.hpp"
 
 namespace ocpsm::native {
 
 enum class RequestKind { read, edit };
-
-// A key of a list entry.
-struct NetKey {
-    const lysc_node *schema = nullptr;
-    std::optional<std::string> value; // absent: not named
-    bool selected = false;            // in a read: not named, but to be answered
-};
-
-// A node of the net request, its children in the order of the models, the entries of a list in the order in which they
-// were first added.
-struct NetNode {
-    const lysc_node *schema = nullptr;
-    Operation operation = Operation::merge; // its own; a read has only merge
-    bool made = false;                      // in an edit, a list entry that is there afterwards
-    std::optional<std::string> value;       // of a leaf that an edit sets; a selection has none
-    std::vector<NetKey> keys;               // of a list entry, in the order of the key statement
-    std::vector<NetNode> children;          // without the keys
-};
 
 // One step of what an edit changes or a read selects.
 struct NativeOperation {
@@ -45,23 +24,27 @@ struct NativeOperation {
 
 struct NetRequest {
     RequestKind kind = RequestKind::read;
-    std::vector<NetNode> roots;
+    std::vector<NativeNode> roots;
 
     // In document order: first a node's own operation, then what is below it. Below a delete or remove there is
     // nothing; a replace takes everything away and is followed by what is put there.
     std::vector<NativeOperation> operations() const;
 
     // Refuses an edit that no device could carry out: a list entry without one of its keys (missing-element), a value
-    // that its leaf cannot hold (invalid-value), operational state (operation-not-supported). Throws ocpsm::Error whose
-    // message holds the native path; its own path is empty. A read is never refused.
+    // that its leaf cannot hold (invalid-value), operational state (operation-not-supported). Throws ocpsm::Error with
+    // the native path. A read is never refused.
     void check() const;
 
+    // The origin of the node with a native instance path, as an error names it; of several the last one counts. Where
+    // the request holds no such node, that of the nearest node above which was added itself. None: no_origin.
+    Origin origin_of(std::string_view native_path) const;
+
     // A whole XML document: a NETCONF <filter> or <config> (base 1.0) with the request in it. Throws ocpsm::Error
-    // (invalid-value) for a text that XML 1.0 cannot carry.
+    // (invalid-value, with the native path) for a text that XML 1.0 cannot carry.
     std::string to_xml() const;
 
     // A JSON object (RFC 7951); operations are metadata (RFC 7952), a selection is [null]. Throws ocpsm::Error
-    // (invalid-value) for a text that is not UTF-8.
+    // (invalid-value, with the native path) for a text that is not UTF-8.
     std::string to_json() const;
 };
 

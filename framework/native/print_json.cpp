@@ -64,7 +64,7 @@ public:
     void object(const std::vector<std::function<void()>> &members, std::size_t depth) {
         list('{', members, '}', depth);
     }
-    void nodes(std::vector<std::function<void()>> &members, const std::vector<NetNode> &nodes, const lysc_node *parent,
+    void nodes(std::vector<std::function<void()>> &members, std::span<const NativeNode> nodes, const lysc_node *parent,
                std::size_t depth);
 
 private:
@@ -73,8 +73,8 @@ private:
     void list(char open, const Members &members, char close, std::size_t depth);
     void member(const std::string &name) { out_.append("\"").append(name).append("\": "); }
     void metadata(const std::string &name, Operation operation, std::size_t depth);
-    void leaf(Members &members, const NetNode &node, const lysc_node *parent, std::size_t depth);
-    void inner(const NetNode &node, std::size_t depth);
+    void leaf(Members &members, const NativeNode &node, const lysc_node *parent, std::size_t depth);
+    void inner(const NativeNode &node, std::size_t depth);
     void value(const lysc_node &schema, const std::optional<std::string> &text);
 
     std::string &out_;
@@ -109,7 +109,7 @@ void Printer::value(const lysc_node &schema, const std::optional<std::string> &t
     }
 }
 
-void Printer::leaf(Members &members, const NetNode &node, const lysc_node *parent, std::size_t depth) {
+void Printer::leaf(Members &members, const NativeNode &node, const lysc_node *parent, std::size_t depth) {
     const std::string name = member_name(*node.schema, parent);
     members.emplace_back([this, &node, name] {
         member(name);
@@ -121,32 +121,26 @@ void Printer::leaf(Members &members, const NetNode &node, const lysc_node *paren
 }
 
 // The object of a container or of a list entry.
-void Printer::inner(const NetNode &node, std::size_t depth) {
+void Printer::inner(const NativeNode &node, std::size_t depth) {
     Members members;
     if (node.operation != Operation::merge) {
         members.emplace_back([this, &node, depth] { metadata("", node.operation, depth + 1); });
-    }
-    for (const NetKey &key : node.keys) {
-        if (key.value || key.selected) {
-            members.emplace_back([this, &key] {
-                member(key.schema->name);
-                value(*key.schema, key.value);
-            });
-        }
     }
     nodes(members, node.children, node.schema, depth);
     object(members, depth);
 }
 
 // The members for nodes that are siblings; the entries of a list are one array.
-void Printer::nodes(Members &members, const std::vector<NetNode> &nodes, const lysc_node *parent, std::size_t depth) {
+void Printer::nodes(Members &members, std::span<const NativeNode> nodes, const lysc_node *parent, std::size_t depth) {
     for (std::size_t first = 0; first < nodes.size();) {
         const lysc_node &schema = *nodes[first].schema;
         std::size_t end = first + 1;
         while (end < nodes.size() && nodes[end].schema == &schema) {
             ++end;
         }
-        if (schema.nodetype == LYS_LEAF) {
+        if (says_nothing(nodes[first])) {
+            // An unnamed key.
+        } else if (schema.nodetype == LYS_LEAF) {
             leaf(members, nodes[first], parent, depth);
         } else if (schema.nodetype == LYS_CONTAINER) {
             members.emplace_back([this, &node = nodes[first], parent, depth] {
@@ -154,13 +148,13 @@ void Printer::nodes(Members &members, const std::vector<NetNode> &nodes, const l
                 inner(node, depth + 1);
             });
         } else {
-            members.emplace_back([this, &nodes, &schema, first, end, parent, depth] {
-                member(member_name(schema, parent));
-                Members entries;
-                for (std::size_t index = first; index < end; ++index) {
-                    entries.emplace_back([this, &node = nodes[index], depth] { inner(node, depth + 2); });
+            members.emplace_back([this, entries = nodes.subspan(first, end - first), parent, depth] {
+                member(member_name(*entries.front().schema, parent));
+                Members objects;
+                for (const NativeNode &entry : entries) {
+                    objects.emplace_back([this, &entry, depth] { inner(entry, depth + 2); });
                 }
-                list('[', entries, ']', depth + 1);
+                list('[', objects, ']', depth + 1);
             });
         }
         first = end;

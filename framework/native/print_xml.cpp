@@ -1,6 +1,8 @@
 // A native request as XML: a NETCONF filter (RFC 6241, 6) or configuration (7.2).
 #include <libyang/libyang.h>
 
+#include <algorithm>
+
 #include "framework/native/native_path.hpp"
 #include "framework/native/refuse.hpp"
 #include "framework/text.hpp"
@@ -33,54 +35,48 @@ class Printer {
 public:
     explicit Printer(std::string &out) : out_(out) {}
 
-    void print(const NetNode &node, const lysc_node *parent, std::size_t depth);
+    void print(const NativeNode &node, const lysc_node *parent, std::size_t depth);
 
 private:
-    void open(const lysc_node &schema, const lysc_node *parent, Operation operation, std::size_t depth);
-    void leaf(const lysc_node &schema, const std::optional<std::string> &value);
+    void open(const NativeNode &node, const lysc_node *parent, std::size_t depth);
+    void leaf(const NativeNode &node);
 
     std::string &out_;
 };
 
 // The start of a start tag, up to its attributes.
-void Printer::open(const lysc_node &schema, const lysc_node *parent, Operation operation, std::size_t depth) {
+void Printer::open(const NativeNode &node, const lysc_node *parent, std::size_t depth) {
+    const lysc_node &schema = *node.schema;
     out_.append(2 * depth, ' ').append("<").append(schema.name);
     if (parent == nullptr || parent->module != schema.module) {
         out_.append(" xmlns=\"").append(schema.module->ns).append("\"");
     }
-    if (operation != Operation::merge) {
-        out_.append(" nc:operation=\"").append(operation_name(operation)).append("\"");
+    if (node.operation != Operation::merge) {
+        out_.append(" nc:operation=\"").append(operation_name(node.operation)).append("\"");
     }
 }
 
-void Printer::leaf(const lysc_node &schema, const std::optional<std::string> &value) {
-    if (!value || value->empty()) {
+void Printer::leaf(const NativeNode &node) {
+    if (!node.value || node.value->empty()) {
         out_.append("/>\n");
         return;
     }
     out_.append(">");
-    append_text(out_, *value);
-    out_.append("</").append(schema.name).append(">\n");
+    append_text(out_, *node.value);
+    out_.append("</").append(node.schema->name).append(">\n");
 }
 
-void Printer::print(const NetNode &node, const lysc_node *parent, std::size_t depth) {
-    open(*node.schema, parent, node.operation, depth);
-    bool empty = node.children.empty();
-    for (const NetKey &key : node.keys) {
-        empty = empty && !key.value && !key.selected;
+void Printer::print(const NativeNode &node, const lysc_node *parent, std::size_t depth) {
+    if (says_nothing(node)) {
+        return;
     }
-    if (empty) {
-        leaf(*node.schema, node.value);
+    open(node, parent, depth);
+    if (std::all_of(node.children.begin(), node.children.end(), says_nothing)) {
+        leaf(node);
         return;
     }
     out_.append(">\n");
-    for (const NetKey &key : node.keys) {
-        if (key.value || key.selected) {
-            open(*key.schema, node.schema, Operation::merge, depth + 1);
-            leaf(*key.schema, key.value);
-        }
-    }
-    for (const NetNode &child : node.children) {
+    for (const NativeNode &child : node.children) {
         print(child, node.schema, depth + 1);
     }
     out_.append(2 * depth, ' ').append("</").append(node.schema->name).append(">\n");
@@ -102,7 +98,7 @@ std::string NetRequest::to_xml() const {
     }
     out.append(">\n");
     Printer printer(out);
-    for (const NetNode &node : roots) {
+    for (const NativeNode &node : roots) {
         printer.print(node, nullptr, 1);
     }
     return out.append("</").append(element).append(">\n");

@@ -6,7 +6,7 @@
 
 namespace ocpsm::native {
 
-// Throws ocpsm::Error (refused) with a NETCONF error-tag; the message is the native path and what is wrong there.
+// Throws ocpsm::Error (refused) with a NETCONF error-tag; `what` is wrong at the native path.
 [[noreturn]] void refuse(const std::string &tag, const std::string &native_path, const std::string &what,
                          const std::string &advice = {});
 

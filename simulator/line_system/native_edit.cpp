@@ -4,8 +4,8 @@
 #include <charconv>
 #include <utility>
 
-#include "framework/error.hpp"
 #include "framework/native/native_path.hpp"
+#include "framework/native/refuse.hpp"
 #include "framework/text.hpp"
 #include "simulator/line_system/native_side.hpp"
 #include "simulator/line_system/native_table.hpp"
@@ -13,19 +13,16 @@
 namespace ocpsm::line_system {
 namespace {
 
-using native::NetNode;
-
-[[noreturn]] void refuse(const char *tag, const std::string &path, const std::string &message) {
-    throw Error(Error::Source::refused, tag, "", message).at_native(path);
-}
+using native::NativeNode;
+using native::refuse;
 
 // An edit on its way through a line system.
 class Edit {
 public:
     explicit Edit(const LineSystem &system) : system_(system) {}
 
-    void apply(const std::vector<NetNode> &nodes, const Place &place, const std::string &parent) {
-        for (const NetNode &node : nodes) {
+    void apply(std::span<const NativeNode> nodes, const Place &place, const std::string &parent) {
+        for (const NativeNode &node : nodes) {
             const std::string path = parent + "/" + native::path_step(node);
             if (node.schema->nodetype == LYS_LIST) {
                 apply_entry(node, place, path);
@@ -39,7 +36,7 @@ public:
     std::vector<SetLeaf> take_set() { return std::move(set_); }
 
 private:
-    void apply_single(const NetNode &node, const Place &place, const std::string &path) {
+    void apply_single(const NativeNode &node, const Place &place, const std::string &path) {
         settle(node.operation, exists(*node.schema, place), path);
         if (node.operation == Operation::replace || takes_away(node.operation)) {
             clear(*node.schema, place);
@@ -50,10 +47,10 @@ private:
         if (node.schema->nodetype == LYS_LEAF) {
             set(node, place, path);
         }
-        apply(node.children, place, path);
+        apply(others(node), place, path);
     }
 
-    void apply_entry(const NetNode &node, const Place &place, const std::string &path) {
+    void apply_entry(const NativeNode &node, const Place &place, const std::string &path) {
         const ListKind kind = table_.list(*node.schema).kind;
         const std::vector<std::string> keys = canonical_keys(node, path);
         const std::optional<ListEntry> entry = find(kind, keys, place);
@@ -72,12 +69,12 @@ private:
             clear_below(*node.schema, entry->place);
         }
         if (!takes_away(node.operation)) {
-            apply(node.children, entry->place, path);
+            apply(others(node), entry->place, path);
         }
     }
 
     // A threshold needs no hardware of its own: its entry is there as soon as it is named.
-    void apply_threshold(const NetNode &node, const Place &place, bool found, const std::string &path) {
+    void apply_threshold(const NativeNode &node, const Place &place, bool found, const std::string &path) {
         settle(node.operation, found, path);
         auto &all = slot(system_, place.slot).lines.at(place.port - 1).rx_thresholds;
         if (node.operation == Operation::replace || takes_away(node.operation)) {
@@ -89,7 +86,7 @@ private:
         if (node.made) {
             all.try_emplace(place.threshold);
         }
-        apply(node.children, place, path);
+        apply(others(node), place, path);
     }
 
     static void settle(Operation operation, bool exists, const std::string &path) {
@@ -101,7 +98,7 @@ private:
         }
     }
 
-    void set(const NetNode &node, const Place &place, const std::string &path) {
+    void set(const NativeNode &node, const Place &place, const std::string &path) {
         if (!node.value) {
             return;
         }
@@ -147,9 +144,9 @@ private:
         return std::nullopt;
     }
 
-    static std::vector<std::string> canonical_keys(const NetNode &node, const std::string &path) {
+    static std::vector<std::string> canonical_keys(const NativeNode &node, const std::string &path) {
         std::vector<std::string> keys;
-        for (const native::NetKey &key : node.keys) {
+        for (const NativeNode &key : native::keys(node)) {
             const auto value = key.value ? models::canonical(*key.schema, *key.value) : std::nullopt;
             if (!value) {
                 refuse("invalid-value", path,

@@ -15,8 +15,8 @@ public:
     explicit Builder(const LineSystem &system) : system_(system) {}
 
     // The data below a node; containers with nothing in them are not there.
-    std::vector<native::DataNode> below(const lysc_node *parent, const Place &place) const {
-        std::vector<native::DataNode> nodes;
+    std::vector<native::NativeNode> below(const lysc_node *parent, const Place &place) const {
+        std::vector<native::NativeNode> nodes;
         for (const lysc_node *step : table_.schema().children(parent)) {
             add(*step, place, nodes);
         }
@@ -24,7 +24,7 @@ public:
     }
 
 private:
-    void add(const lysc_node &schema, const Place &place, std::vector<native::DataNode> &nodes) const {
+    void add(const lysc_node &schema, const Place &place, std::vector<native::NativeNode> &nodes) const {
         if (schema.nodetype == LYS_LIST) {
             for (const ListEntry &entry : entries(table_.list(schema).kind, system_, place)) {
                 nodes.push_back(list_entry(schema, entry));
@@ -36,18 +36,18 @@ private:
             if (auto value = value_of(table_.leaf(schema).field, system_, place)) {
                 nodes.push_back({&schema, std::move(value)});
             }
-        } else if (std::vector<native::DataNode> children = below(&schema, place); !children.empty()) {
+        } else if (std::vector<native::NativeNode> children = below(&schema, place); !children.empty()) {
             nodes.push_back({&schema, std::nullopt, std::move(children)});
         }
     }
 
-    native::DataNode list_entry(const lysc_node &schema, const ListEntry &entry) const {
-        native::DataNode node{&schema};
+    native::NativeNode list_entry(const lysc_node &schema, const ListEntry &entry) const {
+        native::NativeNode node{&schema};
         std::size_t index = 0;
         for (const std::string_view key : models::key_names(schema)) {
             node.children.push_back({table_.schema().child(&schema, key), entry.keys.at(index++)});
         }
-        std::vector<native::DataNode> others = below(&schema, entry.place);
+        std::vector<native::NativeNode> others = below(&schema, entry.place);
         std::move(others.begin(), others.end(), std::back_inserter(node.children));
         return node;
     }

@@ -36,8 +36,8 @@ std::vector<Step> steps_of(const std::string &path) {
     return steps;
 }
 
-std::vector<ocpsm::native::DataNode> key_leaves(const lysc_node &list, const Step &step) {
-    std::vector<ocpsm::native::DataNode> leaves;
+std::vector<ocpsm::native::NativeNode> key_leaves(const lysc_node &list, const Step &step) {
+    std::vector<ocpsm::native::NativeNode> leaves;
     for (const std::string_view name : ocpsm::models::key_names(list)) {
         const auto key = std::find_if(step.keys.begin(), step.keys.end(),
                                       [name](const auto &candidate) { return candidate.first == name; });
@@ -46,13 +46,13 @@ std::vector<ocpsm::native::DataNode> key_leaves(const lysc_node &list, const Ste
     return leaves;
 }
 
-void hold(std::vector<ocpsm::native::DataNode> &nodes, const lysc_node *parent, const std::vector<Step> &steps,
+void hold(std::vector<ocpsm::native::NativeNode> &nodes, const lysc_node *parent, const std::vector<Step> &steps,
           std::size_t index, const std::string &value) {
     const Step &step = steps.at(index);
     const lysc_node *schema = ocpsm::models::Schema::native().child(parent, step.name);
     ASSERT_NE(schema, nullptr) << step.name;
     const auto keys = key_leaves(*schema, step);
-    const auto is_it = [&](const ocpsm::native::DataNode &node) {
+    const auto is_it = [&](const ocpsm::native::NativeNode &node) {
         return node.schema == schema &&
                std::equal(keys.begin(), keys.end(), node.children.begin(),
                           [](const auto &key, const auto &child) { return key.value == child.value; });

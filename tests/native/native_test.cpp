@@ -3,23 +3,15 @@
 #include <gtest/gtest.h>
 
 #include "framework/error.hpp"
+#include "framework/text.hpp"
 
 namespace native_test {
 
 ocpsm::native::NativeRequest::NodeId Request::put(const std::string &path, const char *namespace_uri, Value value,
-                                                  std::uint32_t operation, bool first, std::uint32_t second) {
+                                                  std::uint32_t operation, bool first, ocpsm::native::Origin origin) {
     NodeId id = root;
-    EXPECT_EQ(add(path, namespace_uri, value, operation, first, second, root, &id), KERR_SUCCESS) << path;
+    EXPECT_EQ(add(path, namespace_uri, value, operation, first, origin, &id), KERR_SUCCESS) << path;
     return id;
-}
-
-std::string config(const std::string &body) {
-    return "<nc:config xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\">\n" + body + "</nc:config>\n";
-}
-
-std::string filter(const std::string &body) {
-    return "<nc:filter xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\" type=\"subtree\">\n" + body +
-           "</nc:filter>\n";
 }
 
 std::string error_of(const std::function<void()> &call) {
@@ -27,7 +19,8 @@ std::string error_of(const std::function<void()> &call) {
         call();
     } catch (const ocpsm::Error &error) {
         const char *source = error.source == ocpsm::Error::Source::refused ? "refused" : "input";
-        return std::string(source) + " " + error.tag + " at '" + error.path + "': " + error.what() +
+        return std::string(source) + " " + error.tag + (error.path.empty() ? "" : " of " + error.path) + " at " +
+               ocpsm::one_line(error.native_path, 1'000'000) + ": " + error.what() +
                (error.advice.empty() ? "" : " | " + error.advice);
     }
     return "none";

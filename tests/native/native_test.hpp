@@ -52,11 +52,8 @@ class Request : public ocpsm::native::NativeRequest {
 public:
     using NativeRequest::NativeRequest;
 
-    // Flags as the mapping tables write them: (first, second).
-    NodeId put(const std::string &path, const char *namespace_uri, Value value, std::uint32_t operation, bool first,
-               std::uint32_t second);
-
-    std::string xml() const { return net().to_xml(); }
+    NodeId put(const std::string &path, const char *namespace_uri, Value value, std::uint32_t operation, bool opens,
+               ocpsm::native::Origin origin);
 };
 
 inline Request edit() {
@@ -66,11 +63,7 @@ inline Request read() {
     return Request(ocpsm::native::RequestKind::read);
 }
 
-// What an edit or a read prints when `body` is in it.
-std::string config(const std::string &body);
-std::string filter(const std::string &body);
-
-// "tag message | advice" of the error that a call ends with, "none" without one.
+// "source tag at native path: message | advice" of the error that a call ends with, "none" without one.
 std::string error_of(const std::function<void()> &call);
 
 // A line per step of the net request: the operation's name, the path and, when there is one, "= value".

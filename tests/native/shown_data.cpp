@@ -5,8 +5,8 @@
 namespace native_test {
 namespace {
 
-void show(const std::vector<ocpsm::native::DataNode> &nodes, const std::string &indent, std::string &out) {
-    for (const ocpsm::native::DataNode &node : nodes) {
+void show(const std::vector<ocpsm::native::NativeNode> &nodes, const std::string &indent, std::string &out) {
+    for (const ocpsm::native::NativeNode &node : nodes) {
         out.append(indent).append(node.schema->name);
         out.append(node.value ? "=|" + *node.value + "|" : "").append("\n");
         show(node.children, indent + "  ", out);

@@ -1,0 +1,305 @@
+// Runs the cases of this directory: adds to a native request, and what the request says then.
+//
+// Input: "edit" or "read", then adds, parted by "; " or the end of a line:
+//   [open] PATH [OPERATION] [in NAMESPACE] [= VALUE]
+// PATH begins with "/" ("" is the empty one) or with a place below. OPERATION is merge when left out, NAMESPACE that of
+// the node. A lone "=" gives the empty text, none gives no value; \xNN, \n and \\ stand for bytes. An add must succeed
+// unless the case expects "adds"; its origin is its number, from 1.
+//   controller NAME    three adds that open the interface entry of a controller
+// Further input:
+//   --- held         data that a device holds, as "net" shows it
+//   --- origins of   native paths, one per line
+//
+// Expected sections:
+//   net      the net request; a node that has nothing but one inner node below it is followed by that: NODE/NODE, any
+//   other
+//            by its leaves behind ": " and by its inner nodes on lines of their own, two blanks deeper
+//              NODE  NAME, of an entry [KEY,...] ("?" selected, "-" not named), "+" made, <OPERATION> unless it is
+//              merge LEAF  NAME, ='VALUE' when it has one, <OPERATION>
+//   steps    its operations: OPERATION PATH [= VALUE]
+//   xml, json, check   what these make of it, or the error; check: "fine" when there is none
+//   adds     the adds that fail: NUMBER: text of the code
+//   answer   what a device that holds "held" answers, as "net" shows it
+//   origins  for each path of "origins of" the number of the add, or "none"
+#include <gtest/gtest.h>
+#include <libyang/libyang.h>
+
+#include <algorithm>
+#include <array>
+#include <sstream>
+
+#include "cases/runner.hpp"
+#include "framework/native/native_data.hpp"
+#include "native/native_test.hpp"
+
+namespace native_test {
+namespace {
+
+using case_runner::BadCase;
+using case_runner::Case;
+using case_runner::Line;
+using case_runner::Section;
+using ocpsm::models::Schema;
+using ocpsm::native::NativeNode;
+using ocpsm::native::NativeRequest;
+using ocpsm::native::Origin;
+using ocpsm::native::RequestKind;
+
+const std::array<std::pair<std::string_view, std::string>, 12> places{{{"node", node_path},
+                                                                       {"slot", slot_path},
+                                                                       {"psm", psm_path},
+                                                                       {"interface", interface_path},
+                                                                       {"optics", optics_path},
+                                                                       {"thresholds", optics_path + "/rx-thresholds"},
+                                                                       {"threshold", threshold_path},
+                                                                       {"port", port_path},
+                                                                       {"info", info_path},
+                                                                       {"history", history_path},
+                                                                       {"second30", second30_path},
+                                                                       {"time-line", time_line_path}}};
+
+std::string full_path(const std::string &path) {
+    const std::string word = path.substr(0, path.find('/'));
+    const auto place = std::find_if(places.begin(), places.end(), [&](const auto &row) { return row.first == word; });
+    return path == "\"\"" ? "" : place == places.end() ? path : place->second + path.substr(word.size());
+}
+
+// The request of a case, add by add.
+class Maker {
+public:
+    explicit Maker(const Case &test) : test_(test) {
+        for (const Line &line : test.input.front().lines) {
+            for (std::string text = line.text + "; "; !text.empty(); text.erase(0, text.find("; ") + 2)) {
+                step(line, text.substr(0, text.find("; ")));
+            }
+        }
+        if (!request_) {
+            throw BadCase(test.file, test.line, "no request");
+        }
+    }
+
+    const NativeRequest &request() const { return *request_; }
+    const std::string &failed() const { return failed_; }
+
+private:
+    void step(const Line &line, const std::string &text) {
+        if (text.empty()) {
+            return;
+        }
+        if (!request_) {
+            if (text != "edit" && text != "read") {
+                throw BadCase(test_.file, line.number, "a request begins with 'edit' or 'read'");
+            }
+            request_.emplace(text == "edit" ? RequestKind::edit : RequestKind::read);
+        } else if (text.starts_with("controller ")) {
+            add(line, "open interface");
+            add(line, "interface/interface-name = " + text.substr(text.find(' ') + 1));
+            add(line, "interface/active = act");
+        } else {
+            add(line, text);
+        }
+    }
+
+    void add(const Line &line, const std::string &text) {
+        const std::string padded = text + " ";
+        const std::size_t equals = padded.find(" = ");
+        Value value;
+        std::string bytes;
+        if (equals != std::string::npos) {
+            bytes = case_runner::unescaped(text.substr(std::min(equals + 3, text.size())));
+            value = bytes;
+        }
+        std::istringstream words(text.substr(0, equals));
+        std::string word;
+        words >> word;
+        const bool opens = word == "open";
+        if (opens) {
+            words >> word;
+        }
+        const std::string path = full_path(word);
+        const lysc_node *schema = Schema::native().find(path);
+        std::string namespace_uri = schema == nullptr ? mda : schema->module->ns;
+        std::uint32_t operation = merge;
+        while (words >> word) {
+            if (word == "in") {
+                std::getline(words >> std::ws, namespace_uri);
+            } else {
+                operation = number_of(line, word);
+            }
+        }
+        const kerrno code = request_->add(path, namespace_uri, value, operation, opens, ++number_);
+        if (code != KERR_SUCCESS) {
+            fail(line, text, code);
+        }
+    }
+
+    std::uint32_t number_of(const Line &line, const std::string &operation) const {
+        const auto named = ocpsm::operation_named(operation);
+        if (!named && operation != "unknown") {
+            throw BadCase(test_.file, line.number, "no operation: " + operation);
+        }
+        return named ? static_cast<std::uint32_t>(*named) : remove + 1;
+    }
+
+    void fail(const Line &line, const std::string &text, kerrno code) {
+        const std::string why(ocpsm::native::add_error_text(code));
+        if (std::none_of(test_.expected.begin(), test_.expected.end(),
+                         [](const Section &section) { return section.name == "adds"; })) {
+            throw BadCase(test_.file, line.number, why + ": " + text);
+        }
+        failed_ += std::to_string(number_) + ": " + why + "\n";
+    }
+
+    const Case &test_;
+    std::optional<NativeRequest> request_;
+    Origin number_ = 0;
+    std::string failed_;
+};
+
+void show(std::span<const NativeNode> nodes, const std::string &indent, std::string &out);
+
+std::string operation_of(const NativeNode &node) {
+    return node.operation == ocpsm::Operation::merge ? "" : "<" + std::string(operation_name(node.operation)) + ">";
+}
+
+void show_inner(const NativeNode &node, const std::string &indent, std::string &out) {
+    out += node.schema->name;
+    for (const NativeNode &key : keys(node)) {
+        out.append(&key == &node.children.front() ? "[" : ",");
+        out.append(key.selected ? "?" : key.value.value_or("-"));
+    }
+    out.append(keys(node).empty() ? "" : "]").append(node.made ? "+" : "").append(operation_of(node));
+    const char *before = ": ";
+    std::vector<NativeNode> inner;
+    for (const NativeNode &child : others(node)) {
+        if (child.schema->nodetype != LYS_LEAF) {
+            inner.push_back(child);
+            continue;
+        }
+        out.append(std::exchange(before, ", ")).append(child.schema->name);
+        out.append(child.value ? "='" + *child.value + "'" : "").append(operation_of(child));
+    }
+    if (*before == ':' && inner.size() == 1) {
+        show_inner(inner.front(), indent, out += "/");
+    } else {
+        show(inner, indent + "  ", out += "\n");
+    }
+}
+
+void show(std::span<const NativeNode> nodes, const std::string &indent, std::string &out) {
+    for (const NativeNode &node : nodes) {
+        show_inner(node, indent, out += indent);
+    }
+}
+
+std::string shown(const std::vector<NativeNode> &roots) {
+    std::string out;
+    show(roots, "", out);
+    return out;
+}
+
+// Data as "net" shows it; its keys and values hold none of the signs of that notation.
+class HeldReader {
+public:
+    explicit HeldReader(const Case &test) : test_(test) {}
+
+    ocpsm::native::NativeData read() {
+        const Section *held = test_.find_input("held");
+        for (const Line &line : held == nullptr ? std::vector<Line>() : held->lines) {
+            if (!line.text.empty()) {
+                add(line);
+            }
+        }
+        return data_;
+    }
+
+private:
+    // Nodes that are open, each with the column in which it stands.
+    using Open = std::vector<std::pair<std::size_t, NativeNode *>>;
+
+    void add(const Line &line) {
+        const std::size_t column = line.text.find_first_not_of(' ');
+        while (!open_.empty() && open_.back().first >= column) {
+            open_.pop_back();
+        }
+        const std::size_t colon = std::min(line.text.find(": "), line.text.size());
+        std::istringstream steps(line.text.substr(column, colon - column));
+        for (std::string step; std::getline(steps, step, '/');) {
+            NativeNode &node = make(line, step.substr(0, step.find('[')));
+            open_.emplace_back(column, &node);
+            add_keys(node, step.substr(std::min(step.find('['), step.size())));
+        }
+        std::istringstream leaves(line.text.substr(std::min(colon + 1, line.text.size())));
+        for (std::string leaf; std::getline(leaves, leaf, ',');) {
+            const std::size_t equals = leaf.find("='");
+            make(line, leaf.substr(1, equals - 1)).value = leaf.substr(equals + 2, leaf.size() - equals - 3);
+        }
+    }
+
+    void add_keys(NativeNode &node, const std::string &text) {
+        std::size_t start = 1;
+        for (const lysc_node *key : ocpsm::native::key_leaves(*node.schema)) {
+            const std::size_t end = text.find_first_of(",]", start);
+            node.children.push_back({key, text.substr(start, end - start)});
+            start = end + 1;
+        }
+    }
+
+    NativeNode &make(const Line &line, const std::string &name) {
+        NativeNode *parent = open_.empty() ? nullptr : open_.back().second;
+        const lysc_node *schema = Schema::native().child(parent == nullptr ? nullptr : parent->schema, name);
+        if (schema == nullptr) {
+            throw BadCase(test_.file, line.number, "no model has this: " + name);
+        }
+        return (parent == nullptr ? data_.roots : parent->children).emplace_back(NativeNode{schema});
+    }
+
+    const Case &test_;
+    ocpsm::native::NativeData data_;
+    Open open_;
+};
+
+std::string text_or_error(const std::function<std::string()> &make) {
+    std::string text;
+    const std::string error = error_of([&] { text = make(); });
+    return error == "none" ? text : error + "\n";
+}
+
+std::string origins_of(const Case &test, const NativeRequest &request) {
+    std::string out;
+    const Section *paths = test.find_input("origins of");
+    for (std::istringstream lines(paths == nullptr ? "" : paths->text()); !lines.eof();) {
+        std::string path;
+        if (std::getline(lines, path)) {
+            const Origin origin = request.net().origin_of(path);
+            out += (origin == ocpsm::native::no_origin ? "none" : std::to_string(origin)) + "\n";
+        }
+    }
+    return out;
+}
+
+std::string answer(const Case &test, const std::string &wanted) {
+    const Maker maker(test);
+    const ocpsm::native::NetRequest net = maker.request().net();
+    const std::pair<const char *, std::function<std::string()>> sections[] = {
+        {"net", [&] { return shown(net.roots); }},
+        {"steps", [&] { return steps(maker.request()); }},
+        {"xml", [&] { return text_or_error([&] { return net.to_xml(); }); }},
+        {"json", [&] { return text_or_error([&] { return net.to_json(); }); }},
+        {"check", [&] { return text_or_error([&] { return net.check(), "fine\n"; }); }},
+        {"adds", [&] { return maker.failed(); }},
+        {"answer", [&] { return shown(ocpsm::native::answer(HeldReader(test).read(), net).roots); }},
+        {"origins", [&] { return origins_of(test, maker.request()); }},
+    };
+    for (const auto &[name, make] : sections) {
+        if (wanted == name) {
+            return make();
+        }
+    }
+    throw BadCase(test.file, test.line, "no such section: " + wanted);
+}
+
+const bool registered = case_runner::register_cases(NATIVE_CASES, answer);
+
+} // namespace
+} // namespace native_test
