@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "framework/models/models.hpp"
-#include "framework/refusal.hpp"
 #include "framework/request/hand_over.hpp"
+#include "framework/request/instance_path.hpp"
 #include "framework/request/node_path.hpp"
 #include "framework/request/type.hpp"
 

@@ -11,25 +11,6 @@
 
 namespace ocpsm::framework {
 
-const lysc_node *schema_of(const std::string &instance_path) {
-    std::string path;
-    char quote = '\0';
-    bool predicate = false;
-    for (const char c : instance_path) {
-        if (quote != '\0') {
-            quote = c == quote ? '\0' : quote;
-        } else if (predicate) {
-            quote = c == '\'' || c == '"' ? c : '\0';
-            predicate = c != ']';
-        } else if (c == '[') {
-            predicate = true;
-        } else {
-            path += c;
-        }
-    }
-    return models::Schema::openconfig().find(path);
-}
-
 namespace {
 
 bool is_edit(const MappingContext &context) {

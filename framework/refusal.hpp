@@ -15,9 +15,6 @@ namespace ocpsm::framework {
 // The error of a request that has ended with `code`, from what the context and the adds tell.
 Error refusal_of(kerrno code, const MappingContext &context, std::span<const AddRecord> adds);
 
-// The schema node of an OpenConfig instance path; null when the model has none.
-const lysc_node *schema_of(const std::string &instance_path);
-
 } // namespace ocpsm::framework
 
 #endif

@@ -174,8 +174,8 @@ kerrno call_in_walk(MappingContext &context, Callback callback, DataTree &tree, 
     return callback(&context, node, &context.destination());
 }
 
-// What was added stands in the records; what is in the answer besides was stitched. Additions reach the current module
-// only, so that one is made current before, unless the conversion is what makes it.
+// What was added stands in the records; what is in the answer besides was stitched. An answer shows a module once it
+// has its name: where the conversion has not written it, it is given one to be seen.
 std::vector<WrittenNode> written_nodes(MappingContext &context, AnswerWriter &answer) {
     std::vector<WrittenNode> written;
     for (const AddRecord &add : context.take_adds()) {

@@ -163,8 +163,8 @@ void print_headings(std::span<const std::string_view> names, std::ostream &outpu
 
 void print_entries(std::ostream &output) {
     output << "\n## Where an answer begins\n\n"
-              "The framework calls these walkers by name: the first for whole answers, the others for subtrees that a\n"
-              "model adds to another model's list.\n\n";
+              "The framework calls these walkers by name: those of a top node for whole answers, the others for the\n"
+              "subtrees that a model adds to the entries of another model's list.\n\n";
     print_headings(entry_headings, output);
     for (const ymap::NativeEntry &entry : ymap::native_entries) {
         print_row({code(std::string(entry.module)), code(std::string(entry.list).append("/").append(entry.tag)),
