@@ -3,19 +3,45 @@
 #include <cstdio>
 #include <set>
 
-#include "walk_support.hpp"
+#include <gtest/gtest.h>
 
-namespace walk {
+#include "exports.hpp"
+#include "request.hpp"
+
 namespace {
+
+using fake::container;
+using fake::leaf;
+using fake::Node;
+using Lines = std::vector<std::string>;
+
+constexpr kerrno some_failure = 0x5151;
+
+Node bare_module(std::vector<Node> children = {}) {
+    return container("aps-module", std::move(children));
+}
+
+Node module(const std::string &key, std::vector<Node> children = {}) {
+    children.insert(children.begin(), leaf("name", key));
+    return bare_module(std::move(children));
+}
 
 constexpr char config[] = "lvla_aps_apsmodule_config";
 constexpr char name_of_config[] = "ymap_o2n_oc_opt_psm_openconfigtransportlineprotection_lvla_aps_apsmodule_config";
 
-class WalkMessages : public WalkTest {
+class WalkMessages : public fake::RequestTest {
 protected:
+    WalkMessages() {
+        platform.callbacks = fake::Platform::Callbacks::scripted;
+        request.set_kind(YFW_KIND_EDIT_CONFIG);
+    }
+
+    kerrno walk(const std::string &suffix, fake::Tree &tree) {
+        return fake::walker(suffix)(request.ctx(), tree.root(), dest);
+    }
+
     // An edit of `config` with one tag that nobody knows.
     void walk_unknown(const std::string &tag) {
-        request.set_kind(edit);
         EXPECT_EQ(walk(config, build(container("config", {leaf(tag, "1")}))), 0xaaf2ee00u);
     }
 
@@ -74,7 +100,6 @@ TEST_F(WalkMessages, TheTraceLineHasItsNumberFunctionLineAndContext) {
 }
 
 TEST_F(WalkMessages, EveryStatementHasASlotOfItsOwnThatBeginsAsAllOnes) {
-    request.set_kind(edit);
     // One walk after the other, so that every message of the walk is said.
     EXPECT_EQ(walk(config, build(container("config").without_array(1))), 0xaaf29e00u);
     EXPECT_EQ(walk(config, build(container("config", {leaf("x").untagged()}))), 0xaaf29e00u);
@@ -199,4 +224,3 @@ TEST_F(WalkMessages, PercentSignsInATextAreNoFormat) {
 }
 
 } // namespace
-} // namespace walk

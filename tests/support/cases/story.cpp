@@ -70,7 +70,9 @@ public:
                 const fake::TraceRecord &trace = platform_.traced().at(traced_++);
                 message("trace " + trace.level + " " + short_name(trace.function) + ": " + trace.text, trace);
             } else if (begins(line, "log ")) {
-                message(line, {});
+                if ((view_.groups & fake::Channels) != 0) {
+                    say(line);
+                }
             } else {
                 say(call_line(line));
             }
