@@ -155,8 +155,11 @@ void Scene::selection(const Line &line, const Words &all) {
 }
 
 void Scene::channels(const Line &line, const Words &all) {
-    demand(all.size() == 2, line, "channels both|log|trace|none");
+    demand(all.size() == 2, line, "channels both|log|errors|trace|none");
     stage_.request.set_channels(all[1] == "both" || all[1] == "log", all[1] == "both" || all[1] == "trace");
+    if (all[1] == "errors") {
+        stage_.request.context.debug_log_filter.enabled_levels = 1;
+    }
 }
 
 void Scene::error_node(const Line &line, const Words &all) {
