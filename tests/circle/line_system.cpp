@@ -34,21 +34,14 @@ std::filesystem::path make_directory() {
     throw std::runtime_error("no temporary directory");
 }
 
-struct Directory {
-    Directory() : path(make_directory()) {}
-    Directory(const Directory &) = delete;
-    Directory &operator=(const Directory &) = delete;
-    ~Directory() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path, ignored);
-    }
-
-    const std::filesystem::path path;
-};
-
+// Makes the example, or opens what there is.
 struct OpenStore {
-    OpenStore(sysdb::Store &opened, const std::filesystem::path &directory) : store(opened) {
-        simulated::create(store, directory, simulated::example());
+    OpenStore(sysdb::Store &opened, const std::filesystem::path &directory, bool make) : store(opened) {
+        if (make) {
+            simulated::create(store, directory, simulated::example());
+        } else {
+            simulated::open(store, directory);
+        }
     }
     OpenStore(const OpenStore &) = delete;
     OpenStore &operator=(const OpenStore &) = delete;
@@ -84,8 +77,16 @@ private:
 
 } // namespace
 
+Directory::Directory() : path(make_directory()) {}
+
+Directory::~Directory() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path, ignored);
+}
+
 struct LineSystem::Parts {
-    Parts() : store(client.store(), directory.path), service(PLUGIN, std::make_unique<StoreDevice>(store.store)) {}
+    Parts()
+        : store(client.store(), directory.path, true), service(PLUGIN, std::make_unique<StoreDevice>(store.store)) {}
 
     bool change(const std::function<simulated::LineSystem(const simulated::LineSystem &)> &how) const {
         try {
@@ -154,27 +155,28 @@ void LineSystem::lose_inventory(int slot) {
 
 void make_example(const std::filesystem::path &directory) {
     const sysdb::Client client;
-    const OpenStore made(client.store(), directory);
+    const OpenStore made(client.store(), directory, true);
 }
 
 Records records(const std::filesystem::path &directory) {
     Records all;
     const sysdb::Client client;
-    sysdb::Store &store = client.store();
-    store.open(directory, sysdb::Store::Mode::existing);
-    {
-        const auto transaction = store.write();
-        for (std::size_t table = 0; table < sysdb::table_count; ++table) {
-            transaction->for_each(static_cast<sysdb::Table>(table), "",
-                                  [&](std::string_view key, std::string_view value) {
-                                      all[std::to_string(table) + " " + std::string(key)] = value;
-                                      return true;
-                                  });
-        }
-        simulated::load(*transaction);
+    const OpenStore opened(client.store(), directory, false);
+    const auto transaction = opened.store.write();
+    for (std::size_t table = 0; table < sysdb::table_count; ++table) {
+        transaction->for_each(static_cast<sysdb::Table>(table), "", [&](std::string_view key, std::string_view value) {
+            all[std::to_string(table) + " " + std::string(key)] = value;
+            return true;
+        });
     }
-    store.close();
+    simulated::load(*transaction);
     return all;
+}
+
+ocpsm::EditResult edit_in(const std::filesystem::path &directory, const ocpsm::Edit &edit) {
+    const sysdb::Client client;
+    const OpenStore opened(client.store(), directory, false);
+    return ocpsm::Service(PLUGIN, std::make_unique<StoreDevice>(opened.store)).edit(edit);
 }
 
 ocpsm::Service service_without_database() {

@@ -18,8 +18,17 @@ enum class Line { primary, secondary };
 // Everything that a line system's store holds, by table and key.
 using Records = std::map<std::string, std::string>;
 
-// One at a time in a process. Its directory is kept in memory where the machine has such a place, for an edit waits
-// for the disk, and is removed at its end.
+// A directory that is removed at the end; in memory where the machine has such a place, for edits wait for the disk.
+struct Directory {
+    Directory();
+    Directory(const Directory &) = delete;
+    Directory &operator=(const Directory &) = delete;
+    ~Directory();
+
+    const std::filesystem::path path;
+};
+
+// In a directory of its own; one at a time in a process.
 class LineSystem {
 public:
     LineSystem(); // the example
@@ -55,6 +64,9 @@ void make_example(const std::filesystem::path &directory);
 // Everything that the store of a directory holds. It must hold a line system that can be read, and whose write lock
 // nobody has: else this throws, or waits.
 Records records(const std::filesystem::path &directory);
+
+// An edit of the line system in a directory, as by a process that does nothing else.
+ocpsm::EditResult edit_in(const std::filesystem::path &directory, const ocpsm::Edit &edit);
 
 // A service without a device, in a process that has no database client: there is nothing but its stand-in.
 ocpsm::Service service_without_database();
