@@ -10,6 +10,7 @@
 #include "framework/host/mapping_context.hpp"
 #include "framework/host/plugin.hpp"
 #include "framework/models/models.hpp"
+#include "framework/request/instance_path.hpp"
 #include "framework/request/instance_read.hpp"
 #include "native_models.hpp"
 
