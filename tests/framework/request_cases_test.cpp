@@ -9,12 +9,14 @@
 
 #include "cases/runner.hpp"
 #include "dump.hpp"
+#include "framework/host/data_tree.hpp"
 #include "framework/models/models.hpp"
 #include "framework/request/existence.hpp"
 #include "framework/request/hand_over.hpp"
 #include "framework/request/instance_path.hpp"
 #include "framework/request/node_path.hpp"
 #include "framework/request/parse.hpp"
+#include "framework/request/passed_over.hpp"
 #include "framework/request/syntax.hpp"
 #include "framework/request/type.hpp"
 #include "framework/text.hpp"
@@ -169,8 +171,34 @@ std::string of_a_path(const std::string &path, const std::string &value, const s
                              kind, true));
 }
 
+// Marks as the plug-in's walkers do the nodes that are to be created, and keys.
+void walk(kidl_yfw_datatree &node) {
+    node.second_flags = node.operation == YFW_OPERATION_CREATE ? YFW_NODE2_KIND_SET : 0;
+    node.flags |= std::string_view(node.tag) == "name" ? YFW_NODE_KEY_CONSUMED : 0;
+    for (int index = 0; index < node.child_count; ++index) {
+        walk(node.children[index]);
+    }
+}
+
+std::string passed_over(const Trees &trees, Kind kind) {
+    ocpsm::framework::Selections selections(kind);
+    std::string text;
+    for (const RequestNode &tree : trees) {
+        ocpsm::framework::DataTree walked(tree);
+        walk(walked.root());
+        text += std::to_string(selections.add(walked.root())) + " walked\n";
+    }
+    for (const std::string &warning : selections.warnings()) {
+        text += warning + "\n";
+    }
+    return text;
+}
+
 std::string of_a_tree(const Case &test, const std::string &wanted) {
     const Kind kind = kind_of(wanted);
+    if (wanted.ends_with("passed over")) {
+        return passed_over(parsed(test, kind), kind);
+    }
     if (wanted.ends_with("parsed")) {
         std::string text;
         write(parsed(test, kind), 0, text);

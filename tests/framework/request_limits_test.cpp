@@ -176,6 +176,12 @@ TEST(RequestLimits, ChildrenOfOneElement) {
     const auto items = [](std::size_t count) { return json(",\"x\":1,\"l\":[1" + repeated(count - 1, ",1") + "]"); };
     EXPECT_EQ(scanned(items(2046)), "nothing");
     EXPECT_EQ(scanned(items(2047)), error);
+    const auto arrays = [](std::size_t count) {
+        const std::string array = "\":[1" + repeated(count - 1, ",1") + "]";
+        return json(",\"l" + array + ",\"m" + array);
+    };
+    EXPECT_EQ(scanned(arrays(1023)), "nothing");
+    EXPECT_EQ(scanned(arrays(1024)), error);
     // Entries of an edit and a read that name the same, as they came with 2 GB and more.
     EXPECT_EQ(refusal(modules(repeated(20000, "<aps-module><name>x</name></aps-module>")), Kind::get), error);
     EXPECT_EQ(refusal(modules(entries(10000, "")), Kind::get), error);
