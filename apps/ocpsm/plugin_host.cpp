@@ -189,12 +189,15 @@ std::vector<WrittenNode> written_nodes(MappingContext &context, AnswerWriter &an
     }
     answer.search_or_add(YMAP_MODULE, "name", module_key, ymap::openconfig);
     std::move(answer).finish().for_each_leaf([&](const std::string &leaf, std::string_view value) {
-        const std::string path = models::schema_path(*framework::schema_of(leaf));
+        const lysc_node &schema = *framework::schema_of(leaf);
+        const std::string path = models::schema_path(schema);
         const bool known =
             path == YMAP_MODULE "/name" ||
             std::any_of(written.begin(), written.end(), [&](const WrittenNode &node) { return node.path == path; });
         if (!known) {
-            written.push_back({path, std::string(value), "stitched"});
+            // An identity is answered with the name of its module.
+            const bool identity = models::describe(schema).type == "identityref";
+            written.push_back({path, std::string(identity ? value.substr(value.find(':') + 1) : value), "stitched"});
         }
     });
     return written;
