@@ -86,7 +86,11 @@ void Parser::begin_case(std::string_view title) {
     section_ = &cases_.back().input.front();
 }
 
+// "NAME", or "NAME: LINE" for a section whose first line stands beside its name.
 void Parser::begin_section(std::vector<Section> Case::*list, std::string_view title) {
+    const std::size_t end = std::min(title.find(": "), title.size());
+    const std::string_view line = title.substr(std::min(end + 2, title.size()));
+    title = title.substr(0, end);
     if (cases_.empty()) {
         refuse("a section stands in a case");
     }
@@ -98,6 +102,9 @@ void Parser::begin_section(std::vector<Section> Case::*list, std::string_view ti
         }
     }
     section_ = &(cases_.back().*list).emplace_back(Section{std::string(title), number_, {}});
+    if (!line.empty()) {
+        body(line);
+    }
 }
 
 // The lines of a template with the words of its use in place of $1, $2, ...

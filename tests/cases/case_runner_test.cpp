@@ -60,9 +60,12 @@ TEST(CaseFile, HoldsCasesWithTheirSections) {
                                      "--- in\n"
                                      "\\\\y\n"
                                      "==> one\n"
-                                     "==> two\n")),
+                                     "==> two: @pair c d\n"
+                                     "==> three: x: y\n"
+                                     "z\n")),
               "case 12 first  case\nin 12 \n# no comment\none a\n# no comment\ntwo ba $0 $\n@end\n=== text\n"
-              "out 19 text\n x\ncase 22 second\nin 22 \nin 23 in\n\\y\nout 25 one\nout 26 two\n");
+              "out 19 text\n x\ncase 22 second\nin 22 \nin 23 in\n\\y\nout 25 one\nout 26 two\n"
+              "one c\n# no comment\ntwo dc $0 $\nout 27 three\nx: y\nz\n");
 }
 
 TEST(CaseFile, IsRefusedWhenItIsMalformed) {
