@@ -127,13 +127,14 @@ EditResult carry_out(const Plugin &plugin, Tree tops, DeviceTransaction &device,
         const Answer before = configuration(plugin, device, modules);
         settle_existence(tops, tree_of(before));
         const Callback root = plugin.callback(openconfig_root_walker);
-        Translation translation = translate_trees(
-            root, hand_over_edit(std::move(tops), tree_of(before).entry_names()), Kind::edit, options);
+        Translation translation =
+            translate_trees(root, hand_over_edit(std::move(tops), tree_of(before).entry_names()), Kind::edit, options);
         take_messages(result, translation);
         if (result.error) {
             return result;
         }
-        result.native = DeviceRequest(std::make_shared<native::NetRequest>(apply_all(root, translation.handed_over, device)));
+        result.native =
+            DeviceRequest(std::make_shared<native::NetRequest>(apply_all(root, translation.handed_over, device)));
         if (options.report_changes) {
             const Answer after = configuration(plugin, device, modules);
             result.changes = changes_between(tree_of(before), tree_of(after));

@@ -26,12 +26,10 @@ public:
 
     // False when the plug-in has refused the tree.
     bool hand_over(const RequestNode &tree) {
-        HandedOver handed{tree,
-                          native::NativeRequest(is_read(kind_) ? native::RequestKind::read : native::RequestKind::edit),
-                          {},
-                          {},
-                          KERR_SUCCESS,
-                          false};
+        HandedOver handed{
+            tree,         native::NativeRequest(is_read(kind_) ? native::RequestKind::read : native::RequestKind::edit),
+            {},           {},
+            KERR_SUCCESS, false};
         const AllocationWatch watch;
         MappingContext context(static_cast<uint32_t>(kind_), tree, channels_, handed.native);
         context.switch_channels(options_.log, options_.trace);

@@ -110,9 +110,7 @@ public:
     // Siblings of one node in both answers; null where there are none, or no more.
     void compare(const lyd_node *before, const lyd_node *after) {
         while (before != nullptr || after != nullptr) {
-            const int order = before == nullptr  ? 1
-                              : after == nullptr ? -1
-                                                 : document_order(*before, *after);
+            const int order = before == nullptr ? 1 : after == nullptr ? -1 : document_order(*before, *after);
             compare_one(order <= 0 ? before : nullptr, order >= 0 ? after : nullptr);
             before = order <= 0 ? before->next : before;
             after = order >= 0 ? after->next : after;
@@ -187,10 +185,9 @@ std::vector<std::string> AnswerTree::entry_names() const {
 }
 
 const lyd_node *AnswerTree::find_entry(std::string_view key) const {
-    const auto found = std::lower_bound(entries_.begin(), entries_.end(), key,
-                                        [](const lyd_node *entry, std::string_view wanted) {
-                                            return key_of(*entry) < wanted;
-                                        });
+    const auto found =
+        std::lower_bound(entries_.begin(), entries_.end(), key,
+                         [](const lyd_node *entry, std::string_view wanted) { return key_of(*entry) < wanted; });
     return found != entries_.end() && key_of(**found) == key ? *found : nullptr;
 }
 

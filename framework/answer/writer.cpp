@@ -155,7 +155,7 @@ kerrno AnswerWriter::write_key(std::string_view value) {
 }
 
 kerrno AnswerWriter::add(std::string_view path, std::string_view namespace_uri, std::optional<std::string_view> value,
-                       bool opens) {
+                         bool opens) {
     const lysc_node *node = models::Schema::openconfig().find(without_prefixes(path));
     if (node == nullptr || namespace_uri != node->module->ns) {
         return unknown_answer_node;
@@ -180,7 +180,7 @@ kerrno AnswerWriter::add(std::string_view path, std::string_view namespace_uri, 
 }
 
 kerrno AnswerWriter::search_or_add(std::string_view path, std::string_view key_name, std::string_view key,
-                                 std::string_view namespace_uri) {
+                                   std::string_view namespace_uri) {
     if (without_prefixes(path) != list_path || key_name != models::key_names(*list_schema_).front() ||
         namespace_uri != list_schema_->module->ns) {
         return unknown_answer_node;

@@ -73,7 +73,7 @@ private:
     struct Entry {
         std::optional<std::string> name; // none: it has been opened, and nobody has said which one it is
         bool part_of_answer = false;
-        OwnedNode node;                                  // its key says nothing yet; null before the first leaf
+        OwnedNode node;                                   // its key says nothing yet; null before the first leaf
         std::map<const lysc_node *, std::string> refused; // leaves with values that the model does not allow
     };
     using Index = std::optional<std::size_t>;

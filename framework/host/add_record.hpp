@@ -19,9 +19,9 @@ struct AddRecord {
     std::optional<uint32_t> source_operation; // the operation of the source node, none without a source
     uint32_t first_flag = 0;
     uint32_t second_flag = 0;
-    bool relative = false;  // below a node of the request itself (a path without a leading slash)
-    std::string walker;     // innermost walker at that moment; empty without trace
-    std::string conversion; // innermost conversion at that moment; empty without trace, or outside one
+    bool relative = false;    // below a node of the request itself (a path without a leading slash)
+    std::string walker;       // innermost walker at that moment; empty without trace
+    std::string conversion;   // innermost conversion at that moment; empty without trace, or outside one
     std::uint32_t origin = 0; // of an add to a native request: the node that was being walked, see Origins
     std::optional<native::NativeRequest::NodeId> node; // what an add to a native request has made or found
     kerrno result = KERR_SUCCESS;

@@ -17,8 +17,8 @@ Error no_memory(const std::string &path);
 void note_failed_allocation() noexcept;
 
 /*
- * Whether an allocation has failed on this thread since it was made: in the platform's operations, in the plug-in, or in
- * the libraries that it calls. The first one hangs itself in front of the process's new-handler, and stays there.
+ * Whether an allocation has failed on this thread since it was made: in the platform's operations, in the plug-in, or
+ * in the libraries that it calls. The first one hangs itself in front of the process's new-handler, and stays there.
  */
 class AllocationWatch {
 public:

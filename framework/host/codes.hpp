@@ -14,7 +14,7 @@ inline constexpr kerrno not_served = 0xaaf30600;              // an operation th
 inline constexpr kerrno unknown_answer_node = 0xaaf30800;     // an answer names a node that its model does not have
 inline constexpr kerrno unexpected_answer_value = 0xaaf30a00; // an answer has a value for a container or a list
 
-inline constexpr kerrno out_of_memory = 0xaaf30c00;           // an operation of the framework could not allocate
+inline constexpr kerrno out_of_memory = 0xaaf30c00; // an operation of the framework could not allocate
 
 // The symbolic name of a code, e.g. "YMAP_ERR_UNSUPPORTED"; for one without a name its number, "0x12345678".
 std::string name_of(kerrno code);

@@ -45,7 +45,8 @@ private:
     std::vector<std::string> open_;
 };
 
-// The lines of one channel, as many as there is room for: the first ones, and at last one that says how many are missing.
+// The lines of one channel, as many as there is room for: the first ones, and at last one that says how many are
+// missing.
 class KeptLines {
 public:
     static constexpr std::size_t room = 64UL << 20; // bytes, with what the system needs for a line

@@ -142,8 +142,8 @@ void MappingContext::update_list_node(const std::string &list_path) {
     if (current) {
         // A walk of a whole subtree pushes one node several times: the outermost of them counts.
         const kidl_yfw_datatree *node = levels_.back().node;
-        const auto outermost = std::find_if(levels_.begin(), levels_.end(),
-                                            [node](const auto &level) { return level.node == node; });
+        const auto outermost =
+            std::find_if(levels_.begin(), levels_.end(), [node](const auto &level) { return level.node == node; });
         list_depth_ = static_cast<std::size_t>(outermost - levels_.begin());
         list_copy_.emplace(*node);
     }
@@ -242,8 +242,7 @@ kidl_yfw_datatree &MappingContext::add_below(kidl_yfw_datatree &parent, const Re
 
 void MappingContext::record(AddRecord add) {
     const auto is_same_failure = [&add](const AddRecord &kept) { return kept.result == add.result; };
-    if (!keeps_adds_ &&
-        (add.result == KERR_SUCCESS || std::any_of(adds_.begin(), adds_.end(), is_same_failure))) {
+    if (!keeps_adds_ && (add.result == KERR_SUCCESS || std::any_of(adds_.begin(), adds_.end(), is_same_failure))) {
         return;
     }
     if (trace_enabled != 0) {

@@ -63,8 +63,9 @@ class FailingAllocations : public SessionFixture {
 protected:
     void SetUp() override { use(ocpsm::line_system::example()); }
 
-    // Carries out a request again and again, each time another of its allocations failing, `step` behind the one before,
-    // until none fails; then so that all behind it fail too. `request` gives what it comes to, an error as no text.
+    // Carries out a request again and again, each time another of its allocations failing, `step` behind the one
+    // before, until none fails; then so that all behind it fail too. `request` gives what it comes to, an error as no
+    // text.
     template <typename Request>
     static void expect_all_or_nothing(long step, Request request) {
         const std::string whole = request();
@@ -150,9 +151,9 @@ TEST_F(FailingAllocations, OfAnOperationAreNotedAndGiveACode) {
     keeps_failing = true;
     failed = false;
     counting = true;
-    const kerrno added = yfw_map_datatree_add_path_flagged(
-        &context, &context.destination(), "/interface-configurations/interface-configuration", "urn:x", nullptr,
-        nullptr, nullptr, 0, 0);
+    const kerrno added = yfw_map_datatree_add_path_flagged(&context, &context.destination(),
+                                                           "/interface-configurations/interface-configuration", "urn:x",
+                                                           nullptr, nullptr, nullptr, 0, 0);
     yfw_map_add_to_node_hierarchy(&context, &context.request_tree(), 1);
     counting = false;
     EXPECT_EQ(added, 0xaaf30c00U);

@@ -7,8 +7,8 @@
  *   point NAME                   what the instance map says; without a name: no instance
  *   scope, end                   the output scope of a native list entry
  * Section "more" is a second answer that is joined to it, "after" one that it is compared with, "select" the content of
- * /aps/aps-modules in a read that it is cut to. Expected: "leaves", "names" of the entries, "xml", "json", "changes", the
- * "failures" of the writes, or how many "state leaves" the read names.
+ * /aps/aps-modules in a read that it is cut to. Expected: "leaves", "names" of the entries, "xml", "json", "changes",
+ * the "failures" of the writes, or how many "state leaves" the read names.
  *
  * Instance maps: "read NAME" begins the read of an instance, "add PATH = VALUE" and "open PATH = VALUE" add to it;
  * section "nodes" has instance paths of native nodes, "instances" whose they are.
@@ -62,9 +62,7 @@ public:
         for (const case_runner::Line &line : section.lines) {
             if (!line.text.empty()) {
                 const kerrno result = write(Call(line.text), file, line.number);
-                failures += result == KERR_SUCCESS
-                                ? ""
-                                : line.text + ": " + ocpsm::framework::name_of(result) + "\n";
+                failures += result == KERR_SUCCESS ? "" : line.text + ": " + ocpsm::framework::name_of(result) + "\n";
             }
         }
         if (writer.failure() != KERR_SUCCESS) {
@@ -193,8 +191,8 @@ std::string instance_of(const InstanceMap &map, const std::string &path) {
         node = &node->children.emplace_back(RequestNode{tag, uri});
         for (std::size_t at = text.find('['); at != std::string::npos; at = text.find('[', at + 1)) {
             const std::size_t equals = text.find('=', at);
-            node->children.push_back({text.substr(at + 1, equals - at - 1), uri,
-                                      text.substr(equals + 1, text.find(']', at) - equals - 1)});
+            node->children.push_back(
+                {text.substr(at + 1, equals - at - 1), uri, text.substr(equals + 1, text.find(']', at) - equals - 1)});
         }
     }
     const DataTree tree(top);

@@ -76,8 +76,8 @@ TEST(Growth, OfAJoinOfReadsOfSingleModules) {
 
 TEST(Growth, OfACutAndOfPaths) {
     const auto selections = ocpsm::framework::type_request(
-        ocpsm::framework::parse_request(modules_text("<aps-module><config><wait-to-restore-time/></config></aps-module>"),
-                                        ocpsm::Kind::get),
+        ocpsm::framework::parse_request(
+            modules_text("<aps-module><config><wait-to-restore-time/></config></aps-module>"), ocpsm::Kind::get),
         ocpsm::Kind::get, true);
     expect_proportional(
         [&selections](int count) {
@@ -163,8 +163,7 @@ TEST(Growth, OfTheInstanceMap) {
         const ocpsm::framework::DataTree tree({"active-node", space, {}, 0, {{"node-name", space, "0/RP0/CPU0"}}});
         const ocpsm::framework::DataTree top({"active-nodes", space});
         for (int number = 0; number < count; ++number) {
-            const ocpsm::framework::DataTree slot(
-                {"slot", slots, {}, 0, {{"slot-id", slots, std::to_string(number)}}});
+            const ocpsm::framework::DataTree slot({"slot", slots, {}, 0, {{"slot-id", slots, std::to_string(number)}}});
             const auto place = map.below(map.below(map.below(map.top(), top.root()), tree.root()), slot.root());
             const std::string *instance = map.instance_of(place);
             EXPECT_EQ(instance == nullptr ? "(none)" : *instance, name(number));

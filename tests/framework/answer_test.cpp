@@ -181,11 +181,11 @@ TEST(NativeNodes, AreNamedByTheKeysThatAreKnown) {
     NativeRequest::NodeId slot = NativeRequest::root;
     NativeRequest::NodeId leaf = NativeRequest::root;
     edit.add("/active-nodes/active-node/slot", slots, std::nullopt, 0, true, 0, NativeRequest::root, &slot);
-    edit.add("/active-nodes/active-node/slot/psm/lockout-from", slots, "", 0, false, 0, NativeRequest::root,
-             &leaf);
+    edit.add("/active-nodes/active-node/slot/psm/lockout-from", slots, "", 0, false, 0, NativeRequest::root, &leaf);
     EXPECT_EQ(edit.instance_path(leaf), "/active-nodes/active-node/slot/psm/lockout-from");
     edit.add("/active-nodes/active-node/slot/slot-id", slots, "2", 0, false, 0);
-    edit.add("/active-nodes/active-node/node-name", "http://vexlo.example/ns/yang/Vexlo-ORBIT-config-mda-cfg", "0/RP0/CPU0", 0, false, 0);
+    edit.add("/active-nodes/active-node/node-name", "http://vexlo.example/ns/yang/Vexlo-ORBIT-config-mda-cfg",
+             "0/RP0/CPU0", 0, false, 0);
     EXPECT_EQ(edit.instance_path(leaf),
               "/active-nodes/active-node[node-name='0/RP0/CPU0']/slot[slot-id='2']/psm/lockout-from");
     EXPECT_EQ(edit.instance_path(slot), "/active-nodes/active-node[node-name='0/RP0/CPU0']/slot[slot-id='2']");
