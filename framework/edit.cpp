@@ -127,8 +127,8 @@ EditResult carry_out(const Plugin &plugin, Tree tops, DeviceTransaction &device,
         const Answer before = configuration(plugin, device, modules);
         settle_existence(tops, tree_of(before));
         const Callback root = plugin.callback(openconfig_root_walker);
-        Translation translation =
-            translate_trees(root, hand_over_edit(std::move(tops), tree_of(before).entry_names()), Kind::edit, options);
+        Translation translation = translate_trees(root, hand_over_edit(std::move(tops), tree_of(before).entry_names()),
+                                                  Kind::edit, options, Adds::dropped);
         take_messages(result, translation);
         if (result.error) {
             return result;

@@ -43,8 +43,8 @@ std::vector<std::string> configuration_leaves(const std::string &location) {
 std::vector<std::string> taken_away_with(Callback root, const std::string &leaf) {
     std::vector<std::string> paths;
     try {
-        const auto trees = hand_over_edit(type_request(deletion_of(leaf), Kind::edit, true), {});
-        const Translation translation = translate_trees(root, trees, Kind::edit, {}, Adds::dropped);
+        auto trees = hand_over_edit(type_request(deletion_of(leaf), Kind::edit, true), {});
+        const Translation translation = translate_trees(root, std::move(trees), Kind::edit, {}, Adds::dropped);
         for (const HandedOver &handed : translation.handed_over) {
             for (const native::NativeOperation &operation : handed.native.net().operations()) {
                 if (takes_away(operation.operation)) {

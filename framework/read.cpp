@@ -81,8 +81,8 @@ void take_messages(Outcome &outcome, Translation &translation) {
 }
 
 ReadResult answer_read(const Plugin &plugin, Tree tops, Kind kind, DeviceTransaction &device, const Options &options) {
-    Translation translation =
-        translate_trees(plugin.callback(openconfig_root_walker), hand_over_read(std::move(tops)), kind, options, Adds::dropped);
+    Translation translation = translate_trees(plugin.callback(openconfig_root_walker), hand_over_read(std::move(tops)),
+                                              kind, options, Adds::dropped);
     ReadResult result;
     take_messages(result, translation);
     if (!result.error) {

@@ -131,7 +131,8 @@ TranslateResult Service::translate(const Text &request, Kind kind, const Options
     const auto transaction = parts_->device ? parts_->device->read() : nullptr;
     framework::Translation translation =
         framework::translate_trees(parts_->plugin.callback(framework::openconfig_root_walker),
-                                   parts_->trees_of(request, kind, options, transaction.get()), kind, options);
+                                   parts_->trees_of(request, kind, options, transaction.get()), kind, options,
+                                   options.trace ? framework::Adds::kept : framework::Adds::dropped);
     TranslateResult result;
     result.result = translation.result_name;
     for (framework::HandedOver &handed : translation.handed_over) {

@@ -177,14 +177,14 @@ struct Addition {
     std::uint32_t first_flag = 0;
     std::uint32_t second_flag = 0;
     bool relative = false;  // below a node of the request itself (a path without a leading slash)
-    std::string walker;     // the exported function that was walking; empty without Options::trace
-    std::string conversion; // the conversion that added; empty without Options::trace, or outside one
+    std::string walker;     // the exported function that was walking
+    std::string conversion; // the conversion that added; empty outside one
     std::string result;     // "KERR_SUCCESS", or the name of the code with which the add failed
 };
 
 struct TranslateResult : Outcome {
     std::vector<DeviceRequest> requests; // of a read one per instance that it names; of an edit one, or none
-    std::vector<Addition> additions;     // in the order of the calls
+    std::vector<Addition> additions;     // in the order of the calls; none without Options::trace
     std::string result;                  // of the plug-in: "KERR_SUCCESS", "YMAP_ERR_UNSUPPORTED", ...
 };
 

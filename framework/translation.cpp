@@ -25,13 +25,15 @@ public:
         : root_(root), kind_(kind), options_(options), adds_(adds), selections_(kind) {}
 
     // False when the plug-in has refused the tree.
-    bool hand_over(const RequestNode &tree) {
-        HandedOver handed{
-            tree,         native::NativeRequest(is_read(kind_) ? native::RequestKind::read : native::RequestKind::edit),
-            {},           {},
-            KERR_SUCCESS, false};
+    bool hand_over(RequestNode tree) {
+        HandedOver handed{std::move(tree),
+                          native::NativeRequest(is_read(kind_) ? native::RequestKind::read : native::RequestKind::edit),
+                          {},
+                          {},
+                          KERR_SUCCESS,
+                          false};
         const AllocationWatch watch;
-        MappingContext context(static_cast<uint32_t>(kind_), tree, channels_, handed.native);
+        MappingContext context(static_cast<uint32_t>(kind_), handed.request, channels_, handed.native);
         context.switch_channels(options_.log, options_.trace);
         context.keep_adds(adds_ == Adds::kept);
         handed.result = root_(&context, &context.request_tree(), &context.destination());
@@ -81,14 +83,14 @@ private:
 
 } // namespace
 
-Translation translate_trees(Callback root, const std::vector<RequestNode> &trees, Kind kind, const Options &options,
+Translation translate_trees(Callback root, std::vector<RequestNode> trees, Kind kind, const Options &options,
                             Adds adds) {
     Run run(root, kind, options, adds);
     if (trees.empty()) {
         run.warn(is_read(kind) ? "the request selects nothing" : "the request changes nothing");
     }
-    for (const RequestNode &tree : trees) {
-        if (!run.hand_over(tree)) {
+    for (RequestNode &tree : trees) {
+        if (!run.hand_over(std::move(tree))) {
             break;
         }
     }

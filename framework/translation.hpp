@@ -45,8 +45,8 @@ enum class Adds { dropped, kept };
 
 // Hands trees, as hand_over_read and hand_over_edit make them, to the plug-in's root walker. What the plug-in refuses
 // is in the result, and so is an allocation that has failed meanwhile.
-Translation translate_trees(Callback root, const std::vector<RequestNode> &trees, Kind kind, const Options &options,
-                            Adds adds = Adds::kept);
+Translation translate_trees(Callback root, std::vector<RequestNode> trees, Kind kind, const Options &options,
+                            Adds adds);
 
 } // namespace ocpsm::framework
 

@@ -17,7 +17,7 @@ inline ocpsm::framework::Translation translate(ocpsm::framework::Callback root, 
     return translate_trees(root,
                            kind == ocpsm::Kind::edit ? hand_over_edit(std::move(tops), fitted_modules)
                                                      : hand_over_read(std::move(tops)),
-                           kind, options);
+                           kind, options, ocpsm::framework::Adds::kept);
 }
 
 #endif
