@@ -19,17 +19,27 @@ namespace {
 std::atomic<std::size_t> held_bytes{0};
 std::atomic<std::size_t> most_bytes{0};
 
+void *counted(std::size_t size) noexcept {
+    void *memory = std::malloc(size); // NOLINT(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory)
+    if (memory != nullptr) {
+        const std::size_t now = held_bytes += malloc_usable_size(memory) + sizeof(std::size_t);
+        most_bytes = std::max(most_bytes.load(), now);
+    }
+    return memory;
+}
+
 } // namespace
 
 // All memory of the test program, with what the allocator adds.
 void *operator new(std::size_t size) {
-    void *memory = std::malloc(size); // NOLINT(cppcoreguidelines-no-malloc,cppcoreguidelines-owning-memory)
+    void *memory = counted(size);
     if (memory == nullptr) {
         throw std::bad_alloc();
     }
-    const std::size_t now = held_bytes += malloc_usable_size(memory) + sizeof(std::size_t);
-    most_bytes = std::max(most_bytes.load(), now);
     return memory;
+}
+void *operator new(std::size_t size, const std::nothrow_t & /*tag*/) noexcept {
+    return counted(size);
 }
 void operator delete(void *memory) noexcept {
     if (memory != nullptr) {
