@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-#include "device.hpp"
+#include "libraries.hpp"
 #include "framework/text.hpp"
 
 namespace ocpsm {

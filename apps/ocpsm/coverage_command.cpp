@@ -4,7 +4,7 @@
 
 #include "conversion_check.hpp"
 #include "coverage.hpp"
-#include "device.hpp"
+#include "libraries.hpp"
 #include "line_system_service.hpp"
 #include "messages.hpp"
 #include "openconfig_model.hpp"

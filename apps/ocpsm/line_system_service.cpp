@@ -1,6 +1,6 @@
 #include "line_system_service.hpp"
 
-#include "device.hpp"
+#include "libraries.hpp"
 #include "framework/device.hpp"
 #include "messages.hpp"
 #include "open_line_system.hpp"

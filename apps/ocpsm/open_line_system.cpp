@@ -1,6 +1,6 @@
 #include "open_line_system.hpp"
 
-#include "device.hpp"
+#include "libraries.hpp"
 #include "framework/error.hpp"
 
 namespace ocpsm {

@@ -5,25 +5,10 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "framework/text.hpp"
+
 namespace ocpsm::native {
 namespace {
-
-// An XPath literal. One that holds both quotes cannot be written as a single literal.
-std::string literal(const std::string &text) {
-    if (text.find('\'') == std::string::npos) {
-        return "'" + text + "'";
-    }
-    if (text.find('"') == std::string::npos) {
-        return "\"" + text + "\"";
-    }
-    std::string joined = "concat(";
-    for (std::size_t start = 0; start <= text.size();) {
-        const std::size_t quote = std::min(text.find('\'', start), text.size());
-        joined.append(start == 0 ? "'" : ",\"'\",'").append(text, start, quote - start).append("'");
-        start = quote + 1;
-    }
-    return joined.append(")");
-}
 
 using NodeVisitor = std::function<void(const std::string &path, const NativeNode &node)>;
 
@@ -41,7 +26,7 @@ std::string path_step(const NativeNode &node) {
     std::string step = node.schema->name;
     for (const NativeNode &key : keys(node)) {
         if (key.value) {
-            step.append("[").append(key.schema->name).append("=").append(literal(*key.value)).append("]");
+            step.append("[").append(key.schema->name).append("=").append(xpath_literal(*key.value)).append("]");
         }
     }
     return step;

@@ -1,6 +1,6 @@
 // Where the libraries are that come with the program.
-#ifndef OCPSM_DEVICE_HPP
-#define OCPSM_DEVICE_HPP
+#ifndef OCPSM_LIBRARIES_HPP
+#define OCPSM_LIBRARIES_HPP
 
 #include <filesystem>
 

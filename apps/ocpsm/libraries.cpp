@@ -1,4 +1,4 @@
-#include "device.hpp"
+#include "libraries.hpp"
 
 namespace ocpsm {
 
