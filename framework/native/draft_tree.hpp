@@ -3,7 +3,6 @@
 #ifndef OCPSM_FRAMEWORK_NATIVE_DRAFT_TREE_HPP
 #define OCPSM_FRAMEWORK_NATIVE_DRAFT_TREE_HPP
 
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -11,7 +10,7 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "framework/native/native_node.hpp"
@@ -75,7 +74,10 @@ private:
         const lysc_node *schema;
         std::size_t name;
         DraftId entry;
-        std::strong_ordering operator<=>(const Name &) const = default;
+        bool operator<(const Name &other) const {
+            return std::tie(parent, schema, name, entry) <
+                   std::tie(other.parent, other.schema, other.name, other.entry);
+        }
     };
 
     void mark_gone(DraftId id);

@@ -42,7 +42,8 @@ public:
                 patterns_.push_back(std::move(pattern));
             }
         }
-        std::ranges::stable_sort(by_name_, {}, &Named::first);
+        std::stable_sort(by_name_.begin(), by_name_.end(),
+                         [](const Named &one, const Named &other) { return one.first < other.first; });
     }
 
     // The selection that means a node; null when there is none.
@@ -51,9 +52,12 @@ public:
             if (pattern.first != node.schema) {
                 continue;
             }
-            for (const Named &found : std::ranges::equal_range(by_name_, name(node, pattern), {}, &Named::first)) {
-                if (means(*found.second, node)) {
-                    return found.second;
+            const std::size_t wanted = name(node, pattern);
+            auto found = std::lower_bound(by_name_.begin(), by_name_.end(), wanted,
+                                          [](const Named &one, std::size_t other) { return one.first < other; });
+            for (; found != by_name_.end() && found->first == wanted; ++found) {
+                if (means(*found->second, node)) {
+                    return found->second;
                 }
             }
         }

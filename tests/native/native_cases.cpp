@@ -60,7 +60,8 @@ const std::array<std::pair<std::string_view, std::string>, 12> places{{{"node", 
 
 std::string full_path(const std::string &path) {
     const std::string word = path.substr(0, path.find('/'));
-    const auto place = std::find_if(places.begin(), places.end(), [&](const auto &row) { return row.first == word; });
+    const auto *const place =
+        std::find_if(places.begin(), places.end(), [&](const auto &row) { return row.first == word; });
     return path == "\"\"" ? "" : place == places.end() ? path : place->second + path.substr(word.size());
 }
 
