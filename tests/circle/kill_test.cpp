@@ -93,7 +93,6 @@ const std::vector<Row> rows{
              "</target-attenuation></config></line-secondary-out></ports></aps-module>"
              "<aps-module><name>0/3-PSM-OM</name><ports><line-primary-in><config><target-attenuation>12"
              "</target-attenuation></config></line-primary-in></ports></aps-module>")},
-    {"a lock-out", PathEdit{circle::module_path(3, "/config/force-to-port"), Operation::merge, "PRIMARY"}},
     {"thresholds of both lines",
      modules("<aps-module><name>0/3-PSM-OM</name><config><primary-switch-threshold nc:operation=\"remove\"/>"
              "<secondary-switch-threshold>-31</secondary-switch-threshold></config></aps-module>")},

@@ -28,8 +28,8 @@ using circle::SettingEdit;
 using ocpsm::Operation;
 
 constexpr unsigned seed = 20181121;
-constexpr unsigned parts = 4; // of the sequences, each a test of its own
-constexpr unsigned sequences_per_part = 250;
+constexpr unsigned parts = 8; // of the sequences, each a test of its own
+constexpr unsigned sequences_per_part = 125;
 constexpr unsigned longest = 20; // steps of a sequence
 constexpr unsigned shortest = 10;
 
@@ -124,12 +124,12 @@ std::string hundredths_text(int value) {
 }
 
 // Powers and thresholds lie close together, so that all the comparisons go both ways.
-constexpr std::array powers{-4000, -2101, -2100, -2099, -2000, -1900, -1801, -1800, -1799, -1650, -1600, -1450, -1250};
+constexpr std::array powers{-4000, -2101, -2100, -2099, -2000, -1900, -1801, -1800, -1799, -1700, -1650, -1600, -1500};
 constexpr std::array thresholds{-2100, -2100, -2000, -1800, -1800, -1805, -1650};
 constexpr std::array margins{0, 0, 50, 100, 150, 200, 300, 119};
-constexpr std::array relatives{0, 0, 0, 50, 100, 300, -100, 19};
-constexpr std::array offsets{0, 50, -50, 200, -200, 350, -39};
-constexpr std::array attenuations{0, 0, 10, 25, 80, 150, 999, 1234};
+constexpr std::array relatives{0, 50, 50, 100, 100, 300, -100, 19};
+constexpr std::array offsets{0, 50, -50, 100, -150, 200, -200, 350, -39};
+constexpr std::array attenuations{0, 10, 25, 80, 150, 999, 1234};
 constexpr std::array extremes{-4010, -4009, -4000, -10, -9, -1, 9, 3000, 3001, 3010, 4000, 4009, 4010};
 constexpr std::array waits{0, 0, 100, 200, 250, 400, 1000, 5000, 300'000};
 
@@ -203,10 +203,11 @@ std::vector<SettingEdit> random_edit(Random &random, int slot) {
     return edits;
 }
 
-// What makes a module switch on its two powers: both thresholds, and that it goes back soon, mostly.
+// What makes a module switch on its two powers: both thresholds and that it goes back soon, or the difference.
 std::vector<SettingEdit> usual_edit(Random &random, int slot) {
+    const std::vector<std::vector<std::size_t>> sets{{0, 1, 2, 3, 4}, {0, 1, 2, 3, 4, 8, 9, 10, 11}, {5, 6}};
     std::vector<SettingEdit> edits;
-    for (const std::size_t setting : {0U, 1U, 2U, 3U, 4U}) {
+    for (const std::size_t setting : random.one_of(sets)) {
         SettingEdit &edit = edits.emplace_back(SettingEdit{.slot = slot, .setting = setting});
         choose_value(random, edit);
     }
@@ -214,12 +215,13 @@ std::vector<SettingEdit> usual_edit(Random &random, int slot) {
 }
 
 Step random_step(Random &random, int usual_slot) {
-    constexpr std::array kinds{Do::edit,  Do::edit,  Do::edit, Do::cut,  Do::splice, Do::splice, Do::light,  Do::light,
-                               Do::light, Do::light, Do::tick, Do::tick, Do::tick,   Do::tick,   Do::splice, Do::light};
-    constexpr std::array rare{Do::pull, Do::fit, Do::fit, Do::clear};
+    constexpr std::array kinds{Do::edit,  Do::edit,  Do::cut,   Do::splice, Do::splice, Do::splice,
+                               Do::light, Do::light, Do::light, Do::light,  Do::light,  Do::tick,
+                               Do::tick,  Do::tick,  Do::tick,  Do::tick};
+    constexpr std::array rare{Do::pull, Do::pull, Do::fit, Do::clear};
     constexpr std::array times{50, 100, 100, 200, 300, 1000, 4900, 12'345, 30'000, 47'000};
-    Step step{.what = random.one_in(20) ? random.one_of(rare) : random.one_of(kinds)};
-    step.slot = random.one_in(4) ? static_cast<int>(1 + random.below(3)) : usual_slot;
+    Step step{.what = random.one_in(14) ? random.one_of(rare) : random.one_of(kinds)};
+    step.slot = random.one_in(5) ? static_cast<int>(1 + random.below(3)) : usual_slot;
     step.line = random.one_in(3) ? Line::secondary : Line::primary;
     if (step.what == Do::tick) {
         step.amount = random.one_of(times);
@@ -233,6 +235,14 @@ Step random_step(Random &random, int usual_slot) {
     return step;
 }
 
+// A primary line that fails, is good again, and fails once more before or after the module has gone back.
+void add_failures(Random &random, int slot, std::vector<Step> &steps) {
+    for (const int power : {-2200, -1300, -2200, -1300}) {
+        steps.push_back({.what = Do::light, .slot = slot, .line = Line::primary, .amount = power});
+        steps.push_back({.what = Do::tick, .amount = random.one_of(std::array{100, 200, 200, 300, 700})});
+    }
+}
+
 Sequence random_sequence(unsigned number) {
     Random random(seed + number);
     const std::vector<std::vector<int>> begins{{}, {1, 2, 3}, {1, 2, 3}, {1, 2, 3}, {2}, {1, 3}};
@@ -243,16 +253,23 @@ Sequence random_sequence(unsigned number) {
     if (!random.one_in(4)) {
         sequence.steps.push_back({.what = Do::edit, .slot = usual_slot, .edits = usual_edit(random, usual_slot)});
     }
+    if (random.one_in(3)) {
+        add_failures(random, usual_slot, sequence.steps);
+        sequence.steps.back().compare = true;
+    }
     while (sequence.steps.size() < length) {
         sequence.steps.push_back(random_step(random, usual_slot));
-        // What has changed counts when the switch is evaluated the next time.
+        // A module is mostly fitted again, and what has changed counts when the switch is evaluated the next time.
+        if (sequence.steps.back().what == Do::pull && !random.one_in(3)) {
+            sequence.steps.push_back({.what = Do::fit, .slot = sequence.steps.back().slot});
+        }
         if (sequence.steps.back().what != Do::tick && random.one_in(2)) {
-            sequence.steps.push_back({.what = Do::tick, .amount = random.one_in(2) ? 100 : 200});
+            sequence.steps.push_back({.what = Do::tick, .amount = random.one_of(std::array{100, 100, 200, 30'000})});
         }
     }
     for (Step &step : sequence.steps) {
-        step.compare = random.one_in(50);
-        step.report = random.one_in(4);
+        step.compare = step.compare || random.one_in(100);
+        step.report = random.one_in(5);
     }
     sequence.steps.back().compare = true;
     return sequence;
@@ -486,9 +503,12 @@ TEST_P(RandomOrders, AreAnsweredAsTheModelSays) {
     RecordProperty("refused", static_cast<int>(counts.refused));
     RecordProperty("switched", static_cast<int>(counts.switched));
     RecordProperty("measured", static_cast<int>(counts.measured));
-    EXPECT_GE(counts.done, 300U);
-    EXPECT_GE(counts.refused, 100U);
-    EXPECT_GE(counts.switched, 100U);
+    if (HasFailure()) {
+        return;
+    }
+    EXPECT_GE(counts.done, 100U);
+    EXPECT_GE(counts.refused, 25U);
+    EXPECT_GE(counts.switched, 35U);
     EXPECT_GE(counts.measured, 100U);
 }
 
