@@ -6,7 +6,6 @@
 #include <optional>
 #include <string>
 
-#include "framework/native/native_request.hpp"
 #include "kerr.h"
 
 namespace ocpsm::framework {
@@ -23,7 +22,6 @@ struct AddRecord {
     std::string walker;       // innermost walker at that moment; empty without trace
     std::string conversion;   // innermost conversion at that moment; empty without trace, or outside one
     std::uint32_t origin = 0; // of an add to a native request: the node that was being walked, see Origins
-    std::optional<native::NativeRequest::NodeId> node; // what an add to a native request has made or found
     kerrno result = KERR_SUCCESS;
 };
 

@@ -181,14 +181,8 @@ kerrno MappingContext::add_absolute(AddRecord &add, const kidl_yfw_datatree *sou
         return answer_->add(add.path, add.namespace_uri, value, add.first_flag != 0);
     }
     add.origin = origin(source);
-    native::NativeRequest::NodeId node = native::NativeRequest::root;
-    const kerrno result =
-        native_->add(add.path, add.namespace_uri, value, add.source_operation.value_or(YFW_OPERATION_MERGE),
-                     add.first_flag != 0, add.origin, &node);
-    if (result == KERR_SUCCESS) {
-        add.node = node;
-    }
-    return result;
+    return native_->add(add.path, add.namespace_uri, value, add.source_operation.value_or(YFW_OPERATION_MERGE),
+                        add.first_flag != 0, add.origin);
 }
 
 void MappingContext::note_question(const kidl_yfw_datatree *node) noexcept {

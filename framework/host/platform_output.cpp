@@ -52,9 +52,9 @@ void add_to(MappingContext &context, kidl_yfw_datatree &tree, const kidl_yfw_dat
         add.result = ocpsm::framework::invalid_arguments;
         return;
     }
-    kidl_yfw_datatree &node = context.add_below(
-        tree, {tag, add.namespace_uri, add.value,
-               static_cast<ocpsm::Operation>(add.source_operation.value_or(YFW_OPERATION_MERGE))});
+    kidl_yfw_datatree &node =
+        context.add_below(tree, {tag, add.namespace_uri, add.value,
+                                 static_cast<ocpsm::Operation>(add.source_operation.value_or(YFW_OPERATION_MERGE))});
     if (result != nullptr) {
         *result = &node;
     }

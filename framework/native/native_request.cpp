@@ -41,20 +41,20 @@ public:
     kerrno resolve(std::string_view path, std::string_view namespace_uri);
     const lysc_node *target() const { return steps_.back(); }
 
-    NodeId place(const std::optional<std::string> &value, bool opens);
-    void write(NodeId id, const std::optional<std::string> &value, Operation operation, Origin origin);
+    DraftId place(const std::optional<std::string> &value, bool opens);
+    void write(DraftId id, const std::optional<std::string> &value, Operation operation, Origin origin);
 
 private:
     bool reads() const { return request_.kind_ == RequestKind::read; }
 
-    NodeId existing(NodeId parent, const lysc_node *schema) const;
-    NodeId current(NodeId parent, const lysc_node *list) const;
-    NodeId make(NodeId parent, const lysc_node *schema);
-    NodeId enter(NodeId parent, const lysc_node *schema);
+    DraftId existing(DraftId parent, const lysc_node *schema) const;
+    DraftId current(DraftId parent, const lysc_node *list) const;
+    DraftId make(DraftId parent, const lysc_node *schema);
+    DraftId enter(DraftId parent, const lysc_node *schema);
     bool target_stands() const;
-    NodeId entry_for_key(NodeId entry, const std::string &value);
-    bool agrees(NodeId entry, NodeId with, const std::string &value) const;
-    void set_value(NodeId id, const std::optional<std::string> &value, Operation operation);
+    DraftId entry_for_key(DraftId entry, const std::string &value);
+    bool agrees(DraftId entry, DraftId with, const std::string &value) const;
+    void set_value(DraftId id, const std::optional<std::string> &value, Operation operation);
 
     NativeRequest &request_;
     DraftTree &nodes_;
@@ -79,43 +79,43 @@ kerrno NativeRequest::Adding::resolve(std::string_view path, std::string_view na
     return namespace_uri == node->module->ns ? KERR_SUCCESS : add_wrong_namespace;
 }
 
-// The node through which a path with this step runs; root when there is none.
-NativeRequest::NodeId NativeRequest::Adding::existing(NodeId parent, const lysc_node *schema) const {
+// The node through which a path with this step runs; the root when there is none.
+DraftId NativeRequest::Adding::existing(DraftId parent, const lysc_node *schema) const {
     return is_list(schema) ? current(parent, schema) : nodes_.single(parent, schema);
 }
 
-NativeRequest::NodeId NativeRequest::Adding::current(NodeId parent, const lysc_node *list) const {
+DraftId NativeRequest::Adding::current(DraftId parent, const lysc_node *list) const {
     const auto found = request_.current_.find({parent, list});
     if (found == request_.current_.end() || nodes_.at(found->second.entry).gone) {
-        return root;
+        return draft_root;
     }
-    for (NodeId above = parent; above != root; above = nodes_.at(above).parent) {
+    for (DraftId above = parent; above != draft_root; above = nodes_.at(above).parent) {
         const auto selected = request_.selected_.find(above);
         if (selected != request_.selected_.end() && selected->second > found->second.since) {
-            return root;
+            return draft_root;
         }
     }
     return found->second.entry;
 }
 
-NativeRequest::NodeId NativeRequest::Adding::make(NodeId parent, const lysc_node *schema) {
-    const NodeId id = nodes_.make(parent, schema);
+DraftId NativeRequest::Adding::make(DraftId parent, const lysc_node *schema) {
+    const DraftId id = nodes_.make(parent, schema);
     if (is_list(schema)) {
         request_.current_[{parent, schema}] = {id, ++request_.clock_};
     }
     return id;
 }
 
-NativeRequest::NodeId NativeRequest::Adding::enter(NodeId parent, const lysc_node *schema) {
-    const NodeId id = existing(parent, schema);
-    return id == root ? make(parent, schema) : id;
+DraftId NativeRequest::Adding::enter(DraftId parent, const lysc_node *schema) {
+    const DraftId id = existing(parent, schema);
+    return id == draft_root ? make(parent, schema) : id;
 }
 
 bool NativeRequest::Adding::target_stands() const {
-    NodeId node = root;
+    DraftId node = draft_root;
     for (const lysc_node *step : steps_) {
         node = existing(node, step);
-        if (node == root) {
+        if (node == draft_root) {
             return false;
         }
     }
@@ -123,13 +123,13 @@ bool NativeRequest::Adding::target_stands() const {
 }
 
 // Finds or makes the node that the add is for, and the steps on its way.
-NativeRequest::NodeId NativeRequest::Adding::place(const std::optional<std::string> &value, bool opens) {
+DraftId NativeRequest::Adding::place(const std::optional<std::string> &value, bool opens) {
     const auto list = std::find_if(steps_.rbegin(), steps_.rend(), is_list);
     const lysc_node *opened = nullptr;
     if (opens && list != steps_.rend() && (is_list(target()) || (is_leaf(target()) && target_stands()))) {
         opened = *list;
     }
-    NodeId node = root;
+    DraftId node = draft_root;
     for (const lysc_node *step : steps_) {
         if (step == opened) {
             node = make(node, step);
@@ -144,16 +144,16 @@ NativeRequest::NodeId NativeRequest::Adding::place(const std::optional<std::stri
 
 // The entry in which a key may take this value: the given one unless its key has another value already; then the entry
 // beside it that has the value, or a new one.
-NativeRequest::NodeId NativeRequest::Adding::entry_for_key(NodeId entry, const std::string &value) {
+DraftId NativeRequest::Adding::entry_for_key(DraftId entry, const std::string &value) {
     const std::optional<std::string> &key = nodes_.key_value(entry, target());
     if (!key || key == value || (reads() && (value.empty() || key->empty()))) {
         return entry;
     }
-    const NodeId parent = nodes_.at(entry).parent;
+    const DraftId parent = nodes_.at(entry).parent;
     const lysc_node *list = nodes_.at(entry).schema;
-    const NodeId found =
-        nodes_.find(parent, target(), name_of(value), [&](NodeId other) { return agrees(other, entry, value); });
-    if (found == root) {
+    const DraftId found =
+        nodes_.find(parent, target(), name_of(value), [&](DraftId other) { return agrees(other, entry, value); });
+    if (found == draft_root) {
         return make(parent, list);
     }
     request_.selected_[found] = ++request_.clock_;
@@ -163,8 +163,8 @@ NativeRequest::NodeId NativeRequest::Adding::entry_for_key(NodeId entry, const s
 
 // Whether an entry has the value for the key that is added and no other key unlike the entry `with`: with several keys,
 // one equal key alone does not make it the entry that is meant.
-bool NativeRequest::Adding::agrees(NodeId entry, NodeId with, const std::string &value) const {
-    for (const NodeId child : nodes_.at(entry).singles) {
+bool NativeRequest::Adding::agrees(DraftId entry, DraftId with, const std::string &value) const {
+    for (const DraftId child : nodes_.at(entry).singles) {
         const Draft &leaf = nodes_.at(child);
         if (!lysc_is_key(leaf.schema) || !leaf.value || leaf.schema == target()) {
             continue;
@@ -178,7 +178,7 @@ bool NativeRequest::Adding::agrees(NodeId entry, NodeId with, const std::string 
 }
 
 // A key that has a value keeps it. In a read the empty text is no value.
-void NativeRequest::Adding::set_value(NodeId id, const std::optional<std::string> &value, Operation operation) {
+void NativeRequest::Adding::set_value(DraftId id, const std::optional<std::string> &value, Operation operation) {
     Draft &node = nodes_.at(id);
     const bool key = lysc_is_key(node.schema);
     const bool nothing_new = !value || (reads() && value->empty()) || (key && node.value && !node.value->empty());
@@ -192,7 +192,7 @@ void NativeRequest::Adding::set_value(NodeId id, const std::optional<std::string
     }
 }
 
-void NativeRequest::Adding::write(NodeId id, const std::optional<std::string> &value, Operation operation,
+void NativeRequest::Adding::write(DraftId id, const std::optional<std::string> &value, Operation operation,
                                   Origin origin) {
     nodes_.at(id).operation = operation;
     set_value(id, value, operation);
@@ -211,7 +211,7 @@ void NativeRequest::Adding::write(NodeId id, const std::optional<std::string> &v
 NativeRequest::NativeRequest(RequestKind kind, const models::Schema &schema) : kind_(kind), schema_(&schema) {}
 
 kerrno NativeRequest::add(std::string_view path, std::string_view namespace_uri, std::optional<std::string_view> value,
-                          std::uint32_t operation, bool opens, Origin origin, NodeId *result) {
+                          std::uint32_t operation, bool opens, Origin origin) {
     if (operation > static_cast<std::uint32_t>(Operation::remove)) {
         return add_unknown_operation;
     }
@@ -224,24 +224,9 @@ kerrno NativeRequest::add(std::string_view path, std::string_view namespace_uri,
         return add_unexpected_value;
     }
     const auto text = value ? std::optional<std::string>(*value) : std::nullopt;
-    const NodeId id = adding.place(text, opens);
+    const DraftId id = adding.place(text, opens);
     adding.write(id, text, static_cast<Operation>(operation), origin);
-    if (result != nullptr) {
-        *result = id;
-    }
     return KERR_SUCCESS;
-}
-
-std::string NativeRequest::instance_path(NodeId id) const {
-    if (id == root) {
-        return {};
-    }
-    const Draft &node = nodes_.at(id);
-    NativeNode step{node.schema};
-    for (const lysc_node *key : key_leaves(*node.schema)) {
-        step.children.push_back({key, nodes_.key_value(id, key)});
-    }
-    return instance_path(node.parent) + "/" + path_step(step);
 }
 
 NetRequest NativeRequest::net() const {

@@ -30,10 +30,6 @@ std::string_view add_error_text(kerrno code);
 // Time and memory of all adds together, and of net(), grow with their number and the length of their texts.
 class NativeRequest {
 public:
-    // Names a node of this request for as long as the request lives.
-    using NodeId = DraftId;
-    static constexpr NodeId root = draft_root;
-
     explicit NativeRequest(RequestKind kind, const models::Schema &schema = models::Schema::native());
 
     // Adds the node with an absolute schema path, which runs through the current instance of every list on its way: the
@@ -43,18 +39,14 @@ public:
     //   operation      of NETCONF: merge 0, replace 1, create 2, delete 3, remove 4; means nothing in a read
     //   opens          a list path: a new entry; the path of a leaf that stands already: a new entry around it
     //   origin         where the add comes from, kept on the nodes of the net request
-    //   result         unless null, receives the node; untouched when the add fails
     // Adds nothing when it fails.
     kerrno add(std::string_view path, std::string_view namespace_uri, std::optional<std::string_view> value,
-               std::uint32_t operation, bool opens, Origin origin = no_origin, NodeId *result = nullptr);
+               std::uint32_t operation, bool opens, Origin origin = no_origin);
 
     RequestKind kind() const noexcept { return kind_; }
 
     // True until the first add.
     bool empty() const noexcept { return nodes_.size() == 1; }
-
-    // The instance path of a node, with the keys that are known by now.
-    std::string instance_path(NodeId id) const;
 
     // What the request says when it is sent: see net_request.hpp.
     NetRequest net() const;
@@ -62,7 +54,7 @@ public:
 private:
     // An add of an edit, kept for the net result: keys are known, and equal entries one, only at the end.
     struct EditAdd {
-        NodeId node;
+        DraftId node;
         Operation operation;
         Origin origin;
         bool names_only; // a key of an entry that is being deleted
@@ -81,11 +73,11 @@ private:
 
     // The instance of a list below a node that paths run through, unless an instance around it was selected since.
     struct Current {
-        NodeId entry;
+        DraftId entry;
         std::uint32_t since;
     };
-    std::map<std::pair<NodeId, const lysc_node *>, Current> current_;
-    std::map<NodeId, std::uint32_t> selected_; // when an entry that stood already was selected
+    std::map<std::pair<DraftId, const lysc_node *>, Current> current_;
+    std::map<DraftId, std::uint32_t> selected_; // when an entry that stood already was selected
     std::uint32_t clock_ = 0;
 
     std::deque<EditAdd> edit_adds_;

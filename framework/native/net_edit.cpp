@@ -19,15 +19,15 @@ public:
     }
 
 private:
-    DraftId place_that_stands(NodeId id) const;
-    DraftId locate(NodeId id);
-    DraftId locate_entry(NodeId id, DraftId parent);
+    DraftId place_that_stands(DraftId id) const;
+    DraftId locate(DraftId id);
+    DraftId locate_entry(DraftId id, DraftId parent);
     bool below_taken(DraftId id) const;
     void mark_made(DraftId id);
     void take_away(DraftId id, Operation operation);
 
     void apply(const EditAdd &add);
-    void apply_to_key(NodeId entry, const lysc_node *key, const EditAdd &add);
+    void apply_to_key(DraftId entry, const lysc_node *key, const EditAdd &add);
     void apply_to_leaf(DraftId id, const EditAdd &add);
     void apply_to_inner(DraftId id, Operation operation);
 
@@ -40,12 +40,12 @@ private:
 };
 
 // Where an added node is in what the edit comes to; the root when it was not needed yet or has been taken away.
-DraftId NativeRequest::EditReplay::place_that_stands(NodeId id) const {
+DraftId NativeRequest::EditReplay::place_that_stands(DraftId id) const {
     return net_.at(places_[id]).gone ? draft_root : places_[id];
 }
 
-DraftId NativeRequest::EditReplay::locate(NodeId id) {
-    if (id == root || place_that_stands(id) != draft_root) {
+DraftId NativeRequest::EditReplay::locate(DraftId id) {
+    if (id == draft_root || place_that_stands(id) != draft_root) {
         return places_[id];
     }
     const lysc_node *schema = request_.nodes_.at(id).schema;
@@ -60,7 +60,7 @@ DraftId NativeRequest::EditReplay::locate(NodeId id) {
     return place;
 }
 
-DraftId NativeRequest::EditReplay::locate_entry(NodeId id, DraftId parent) {
+DraftId NativeRequest::EditReplay::locate_entry(DraftId id, DraftId parent) {
     const lysc_node *list = request_.nodes_.at(id).schema;
     const std::vector<const lysc_node *> keys = key_leaves(*list);
     const auto value = [&](const lysc_node *key) -> const std::optional<std::string> & {
@@ -135,7 +135,7 @@ void NativeRequest::EditReplay::apply(const EditAdd &add) {
 }
 
 // A key that sets makes its entry; one that only names it changes nothing.
-void NativeRequest::EditReplay::apply_to_key(NodeId entry, const lysc_node *key, const EditAdd &add) {
+void NativeRequest::EditReplay::apply_to_key(DraftId entry, const lysc_node *key, const EditAdd &add) {
     const bool sets = add.value && !takes_away(add.operation) && !add.names_only;
     const DraftId place = sets ? locate(entry) : place_that_stands(entry);
     if (sets) {

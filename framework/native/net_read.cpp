@@ -51,36 +51,36 @@ public:
     explicit ReadUnion(const NativeRequest &request) : request_(request) {}
 
     // The selections below all of these nodes of one schema node, joined.
-    std::vector<NativeNode> below(const std::vector<NodeId> &nodes, const lysc_node *schema) const;
+    std::vector<NativeNode> below(const std::vector<DraftId> &nodes, const lysc_node *schema) const;
 
 private:
-    const Draft &at(NodeId id) const { return request_.nodes_.at(id); }
+    const Draft &at(DraftId id) const { return request_.nodes_.at(id); }
 
-    std::vector<NodeId> children(const std::vector<NodeId> &nodes, const lysc_node *schema) const;
-    std::vector<NativeNode> entries(const std::vector<NodeId> &nodes, const lysc_node *schema) const;
-    bool selects_key(const std::vector<NodeId> &nodes) const;
-    std::vector<NativeNode> named(const std::vector<NodeId> &nodes) const;
-    NativeNode with_keys(NodeId entry) const;
+    std::vector<DraftId> children(const std::vector<DraftId> &nodes, const lysc_node *schema) const;
+    std::vector<NativeNode> entries(const std::vector<DraftId> &nodes, const lysc_node *schema) const;
+    bool selects_key(const std::vector<DraftId> &nodes) const;
+    std::vector<NativeNode> named(const std::vector<DraftId> &nodes) const;
+    NativeNode with_keys(DraftId entry) const;
 
     const NativeRequest &request_;
 };
 
-std::vector<NativeRequest::NodeId> NativeRequest::ReadUnion::children(const std::vector<NodeId> &nodes,
-                                                                      const lysc_node *schema) const {
-    std::vector<NodeId> found;
-    for (const NodeId node : nodes) {
+std::vector<DraftId> NativeRequest::ReadUnion::children(const std::vector<DraftId> &nodes,
+                                                        const lysc_node *schema) const {
+    std::vector<DraftId> found;
+    for (const DraftId node : nodes) {
         const auto &all = schema->nodetype == LYS_LIST ? at(node).entries : at(node).singles;
         std::copy_if(all.begin(), all.end(), std::back_inserter(found),
-                     [&](NodeId child) { return at(child).schema == schema; });
+                     [&](DraftId child) { return at(child).schema == schema; });
     }
     return found;
 }
 
-std::vector<NativeNode> NativeRequest::ReadUnion::below(const std::vector<NodeId> &nodes,
+std::vector<NativeNode> NativeRequest::ReadUnion::below(const std::vector<DraftId> &nodes,
                                                         const lysc_node *schema) const {
     std::vector<NativeNode> joined;
     for (const lysc_node *step : request_.schema_->children(schema)) {
-        const std::vector<NodeId> same = lysc_is_key(step) ? std::vector<NodeId>() : children(nodes, step);
+        const std::vector<DraftId> same = lysc_is_key(step) ? std::vector<DraftId>() : children(nodes, step);
         if (same.empty()) {
             continue;
         }
@@ -90,7 +90,7 @@ std::vector<NativeNode> NativeRequest::ReadUnion::below(const std::vector<NodeId
         } else {
             NativeNode &node = joined.emplace_back(NativeNode{step});
             node.children = below(same, step);
-            for (const NodeId each : same) {
+            for (const DraftId each : same) {
                 take_origin(node, at(each));
             }
         }
@@ -98,7 +98,7 @@ std::vector<NativeNode> NativeRequest::ReadUnion::below(const std::vector<NodeId
     return joined;
 }
 
-std::vector<NativeNode> NativeRequest::ReadUnion::entries(const std::vector<NodeId> &nodes,
+std::vector<NativeNode> NativeRequest::ReadUnion::entries(const std::vector<DraftId> &nodes,
                                                           const lysc_node *schema) const {
     const std::vector<NativeNode> selections = below(nodes, schema);
     const bool selects = !selections.empty() || selects_key(nodes);
@@ -113,22 +113,22 @@ std::vector<NativeNode> NativeRequest::ReadUnion::entries(const std::vector<Node
 }
 
 // A key leaf that was added to be read, not to name an entry.
-bool NativeRequest::ReadUnion::selects_key(const std::vector<NodeId> &nodes) const {
-    return std::any_of(nodes.begin(), nodes.end(), [&](NodeId node) {
-        const std::vector<NodeId> &leaves = at(node).singles;
-        return std::any_of(leaves.begin(), leaves.end(), [&](NodeId leaf) {
+bool NativeRequest::ReadUnion::selects_key(const std::vector<DraftId> &nodes) const {
+    return std::any_of(nodes.begin(), nodes.end(), [&](DraftId node) {
+        const std::vector<DraftId> &leaves = at(node).singles;
+        return std::any_of(leaves.begin(), leaves.end(), [&](DraftId leaf) {
             return lysc_is_key(at(leaf).schema) && at(leaf).value.value_or("").empty();
         });
     });
 }
 
 // An entry and its keys. A key without a value, or with the empty text, names nothing.
-NativeNode NativeRequest::ReadUnion::with_keys(NodeId entry) const {
+NativeNode NativeRequest::ReadUnion::with_keys(DraftId entry) const {
     NativeNode node{at(entry).schema};
     take_origin(node, at(entry));
     for (const lysc_node *key : key_leaves(*node.schema)) {
         NativeNode &leaf = node.children.emplace_back(NativeNode{key});
-        if (const NodeId stands = request_.nodes_.single(entry, key); stands != root) {
+        if (const DraftId stands = request_.nodes_.single(entry, key); stands != draft_root) {
             leaf.value = at(stands).value.value_or("").empty() ? std::nullopt : at(stands).value;
             take_origin(leaf, at(stands));
         }
@@ -137,11 +137,11 @@ NativeNode NativeRequest::ReadUnion::with_keys(NodeId entry) const {
 }
 
 // The entries that have a key, each once; when none has, one for all of them.
-std::vector<NativeNode> NativeRequest::ReadUnion::named(const std::vector<NodeId> &nodes) const {
+std::vector<NativeNode> NativeRequest::ReadUnion::named(const std::vector<DraftId> &nodes) const {
     std::vector<NativeNode> found;
     std::unordered_multimap<std::size_t, std::size_t> names;
     NativeNode unnamed = with_keys(nodes.front());
-    for (const NodeId node : nodes) {
+    for (const DraftId node : nodes) {
         NativeNode entry = with_keys(node);
         const std::size_t name = name_of(entry);
         const auto [begin, end] = names.equal_range(name);
@@ -163,7 +163,7 @@ std::vector<NativeNode> NativeRequest::ReadUnion::named(const std::vector<NodeId
 }
 
 std::vector<NativeNode> NativeRequest::net_of_read() const {
-    return ReadUnion(*this).below({root}, nullptr);
+    return ReadUnion(*this).below({draft_root}, nullptr);
 }
 
 } // namespace ocpsm::native

@@ -19,7 +19,7 @@ namespace {
 
 using circle::Records;
 using ocpsm::Operation;
-using ocpsm::PathEdit;
+using ocpsm::PathEdits;
 using ocpsm::Text;
 
 // An edit in a process of its own, which stops at each of its system calls, before and after. It has all that this one
@@ -82,8 +82,8 @@ struct Row {
 };
 
 const std::vector<Row> rows{
-    {"a threshold", PathEdit{circle::module_path(1, "/config/primary-switch-threshold"), Operation::merge, "-18.5"}},
-    {"a setting that is deleted", PathEdit{circle::module_path(1, "/config/revertive"), Operation::delete_existing}},
+    {"a threshold", PathEdits{{circle::module_path(1, "/config/primary-switch-threshold"), Operation::merge, "-18.5"}}},
+    {"a setting that is deleted", PathEdits{{circle::module_path(1, "/config/revertive"), Operation::delete_existing}}},
     {"a configuration that is replaced",
      modules("<aps-module><name>0/1-PSM-OM</name><config nc:operation=\"replace\"><force-to-port>SECONDARY"
              "</force-to-port></config></aps-module>")},
@@ -99,8 +99,8 @@ const std::vector<Row> rows{
 };
 
 // What none of them touches.
-const PathEdit next_edit{circle::module_path(1, "/ports/line-primary-in/config/target-attenuation"), Operation::merge,
-                         "7.7"};
+const PathEdits next_edit{
+    {circle::module_path(1, "/ports/line-primary-in/config/target-attenuation"), Operation::merge, "7.7"}};
 
 class Kills : public testing::Test {
 protected:

@@ -306,10 +306,10 @@ std::string xml_of(const std::vector<SettingEdit> &edits, int slot) {
 // One setting that is merged or deleted by its path, all else as XML.
 ocpsm::Edit request_of(const std::vector<SettingEdit> &edits) {
     const SettingEdit &first = edits.front();
-    const bool by_path = first.operation == Operation::merge || first.operation == Operation::delete_existing;
+    const bool by_path = first.operation == Operation::merge || ocpsm::takes_away(first.operation);
     if (edits.size() == 1 && by_path) {
         const std::string leaf(circle::settings.at(first.setting).leaf);
-        return ocpsm::PathEdit{circle::module_path(first.slot, "/" + leaf), first.operation, first.text};
+        return ocpsm::PathEdits{{circle::module_path(first.slot, "/" + leaf), first.operation, first.text}};
     }
     return ocpsm::Text{"<aps xmlns=\"http://openconfig.net/yang/optical-transport-line-protection\" "
                        "xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\"><aps-modules>" +
@@ -407,8 +407,8 @@ private:
     std::string clear(const Step &step, const Model &before) {
         const auto end = static_cast<std::size_t>(step.amount);
         const bool whole = end == circle::settings.size();
-        const ocpsm::PathEdit request{circle::module_path(step.slot, whole ? "" : "/config"),
-                                      whole ? Operation::delete_existing : Operation::remove};
+        const ocpsm::PathEdits request{{circle::module_path(step.slot, whole ? "" : "/config"),
+                                        whole ? Operation::delete_existing : Operation::remove}};
         return carry_out(request, model_.clear(step.slot, end), before, step.report);
     }
 

@@ -7,11 +7,9 @@
 
 namespace native_test {
 
-ocpsm::native::NativeRequest::NodeId Request::put(const std::string &path, const char *namespace_uri, Value value,
-                                                  std::uint32_t operation, bool first, ocpsm::native::Origin origin) {
-    NodeId id = root;
-    EXPECT_EQ(add(path, namespace_uri, value, operation, first, origin, &id), KERR_SUCCESS) << path;
-    return id;
+void Request::put(const std::string &path, const char *namespace_uri, Value value, std::uint32_t operation, bool first,
+                  ocpsm::native::Origin origin) {
+    EXPECT_EQ(add(path, namespace_uri, value, operation, first, origin), KERR_SUCCESS) << path;
 }
 
 std::string error_of(const std::function<void()> &call) {

@@ -52,8 +52,8 @@ class Request : public ocpsm::native::NativeRequest {
 public:
     using NativeRequest::NativeRequest;
 
-    NodeId put(const std::string &path, const char *namespace_uri, Value value, std::uint32_t operation, bool opens,
-               ocpsm::native::Origin origin);
+    void put(const std::string &path, const char *namespace_uri, Value value, std::uint32_t operation, bool opens,
+             ocpsm::native::Origin origin);
 };
 
 inline Request edit() {
