@@ -2,8 +2,8 @@
 
 #include <charconv>
 
-#include "libraries.hpp"
 #include "framework/text.hpp"
+#include "libraries.hpp"
 
 namespace ocpsm {
 

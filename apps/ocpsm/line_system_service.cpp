@@ -1,7 +1,7 @@
 #include "line_system_service.hpp"
 
-#include "libraries.hpp"
 #include "framework/device.hpp"
+#include "libraries.hpp"
 #include "messages.hpp"
 #include "open_line_system.hpp"
 #include "simulator/line_system.hpp"

@@ -1,7 +1,7 @@
 #include "open_line_system.hpp"
 
-#include "libraries.hpp"
 #include "framework/error.hpp"
+#include "libraries.hpp"
 
 namespace ocpsm {
 

@@ -24,10 +24,10 @@
 namespace {
 
 using case_runner::Case;
+using ocpsm::Kind;
 using ocpsm::Operation;
 using ocpsm::RequestNode;
 using ocpsm::framework::AnswerNode;
-using ocpsm::Kind;
 using Trees = std::vector<RequestNode>;
 
 std::string without_last_end(std::string text) {

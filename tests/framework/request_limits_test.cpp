@@ -23,9 +23,9 @@
 
 namespace {
 
+using ocpsm::Kind;
 using ocpsm::RequestNode;
 using ocpsm::framework::DataTree;
-using ocpsm::Kind;
 
 // `make` of 0 to `count` - 1, one behind the other.
 std::string each(std::size_t count, const std::function<std::string(std::size_t)> &make) {
