@@ -128,7 +128,8 @@ protected:
         Outcome found{circle::records(state()), {}};
         const ocpsm::EditResult next = circle::edit_in(state(), next_edit);
         EXPECT_EQ(next.error ? next.error->message() : "", "");
-        EXPECT_THAT(next.changes, testing::ElementsAre(ocpsm::Change{next_edit.path, "2.5", next_edit.value}));
+        EXPECT_THAT(next.changes,
+                    testing::ElementsAre(ocpsm::Change{next_edit.front().path, "2.5", next_edit.front().value}));
         found.next = circle::records(state());
         restore();
         return found;

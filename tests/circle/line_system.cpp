@@ -35,21 +35,6 @@ std::filesystem::path make_directory() {
 }
 
 // Makes the example, or opens what there is.
-struct OpenStore {
-    OpenStore(sysdb::Store &opened, const std::filesystem::path &directory, bool make) : store(opened) {
-        if (make) {
-            simulated::create(store, directory, simulated::example());
-        } else {
-            simulated::open(store, directory);
-        }
-    }
-    OpenStore(const OpenStore &) = delete;
-    OpenStore &operator=(const OpenStore &) = delete;
-    ~OpenStore() { store.close(); }
-
-    sysdb::Store &store;
-};
-
 template <class Transaction>
 class OwnedTransaction : public simulated::LineSystemDevice {
 public:
@@ -86,11 +71,12 @@ Directory::~Directory() {
 
 struct LineSystem::Parts {
     Parts()
-        : store(client.store(), directory.path, true), service(PLUGIN, std::make_unique<StoreDevice>(store.store)) {}
+        : store(simulated::create(client, directory.path, simulated::example())),
+          service(PLUGIN, std::make_shared<StoreDevice>(*store)) {}
 
     bool change(const std::function<simulated::LineSystem(const simulated::LineSystem &)> &how) const {
         try {
-            simulated::change(store.store, how);
+            simulated::change(*store, how);
         } catch (const ocpsm::Error &) {
             return false;
         }
@@ -99,7 +85,7 @@ struct LineSystem::Parts {
 
     Directory directory;
     sysdb::Client client;
-    OpenStore store;
+    std::unique_ptr<sysdb::Store> store;
     ocpsm::Service service;
 };
 
@@ -145,7 +131,7 @@ bool LineSystem::tick(std::uint32_t milliseconds) {
 }
 
 void LineSystem::lose_inventory(int slot) {
-    const auto transaction = parts_->store.store.write();
+    const auto transaction = parts_->store->write();
     const std::string item = "/oper/inventory/gl/entity/0%2f" + std::to_string(slot) + "-PSM-OM/";
     if (transaction->erase_all(sysdb::Table::items, item) != 1) {
         throw std::logic_error("there is no " + item);
@@ -154,15 +140,13 @@ void LineSystem::lose_inventory(int slot) {
 }
 
 void make_example(const std::filesystem::path &directory) {
-    const sysdb::Client client;
-    const OpenStore made(client.store(), directory, true);
+    simulated::create(sysdb::Client(), directory, simulated::example());
 }
 
 Records records(const std::filesystem::path &directory) {
     Records all;
-    const sysdb::Client client;
-    const OpenStore opened(client.store(), directory, false);
-    const auto transaction = opened.store.write();
+    const auto opened = simulated::open(sysdb::Client(), directory);
+    const auto transaction = opened->write();
     for (std::size_t table = 0; table < sysdb::table_count; ++table) {
         transaction->for_each(static_cast<sysdb::Table>(table), "", [&](std::string_view key, std::string_view value) {
             all[std::to_string(table) + " " + std::string(key)] = value;
@@ -174,9 +158,8 @@ Records records(const std::filesystem::path &directory) {
 }
 
 ocpsm::EditResult edit_in(const std::filesystem::path &directory, const ocpsm::Edit &edit) {
-    const sysdb::Client client;
-    const OpenStore opened(client.store(), directory, false);
-    return ocpsm::Service(PLUGIN, std::make_unique<StoreDevice>(opened.store)).edit(edit);
+    const auto opened = simulated::open(sysdb::Client(), directory);
+    return ocpsm::Service(PLUGIN, std::make_shared<StoreDevice>(*opened)).edit(edit);
 }
 
 ocpsm::Service service_without_database() {

@@ -31,6 +31,7 @@ using case_runner::BadCase;
 using case_runner::Case;
 using case_runner::Section;
 using case_runner::unescaped;
+using ocpsm::RequestNode;
 using ocpsm::framework::AnswerTree;
 using ocpsm::framework::DataTree;
 using ocpsm::framework::InstanceMap;

@@ -11,9 +11,10 @@
 
 namespace {
 
+using ocpsm::Operation;
 using ocpsm::framework::AnswerTree;
 using ocpsm::framework::AnswerWriter;
-using ocpsm::native::DataNode;
+using ocpsm::native::NativeNode;
 
 double seconds() {
     timespec now{};
@@ -107,11 +108,11 @@ public:
     explicit ManySlots(int count) {
         const auto schema = [](const std::string &path) { return ocpsm::models::Schema::native().find(path); };
         const std::string list = "/active-nodes/active-node";
-        DataNode node{schema(list), {}, {{schema(list + "/node-name"), "0/RP0/CPU0", {}}}};
+        NativeNode node{schema(list), {}, {{schema(list + "/node-name"), "0/RP0/CPU0", {}}}};
         for (int number = 0; number < count; ++number) {
-            const DataNode wtr{schema(list + "/slot/psm/revertive/wtr"), "7", {}};
-            const DataNode revertive{schema(list + "/slot/psm/revertive"), {}, {wtr}};
-            const DataNode psm{schema(list + "/slot/psm"), {}, {revertive}};
+            const NativeNode wtr{schema(list + "/slot/psm/revertive/wtr"), "7", {}};
+            const NativeNode revertive{schema(list + "/slot/psm/revertive"), {}, {wtr}};
+            const NativeNode psm{schema(list + "/slot/psm"), {}, {revertive}};
             node.children.push_back(
                 {schema(list + "/slot"), {}, {{schema(list + "/slot/slot-id"), std::to_string(number), {}}, psm}});
         }
@@ -160,10 +161,12 @@ TEST(Growth, OfTheInstanceMap) {
         const std::string space(ocpsm::models::Schema::native().describe("/active-nodes")->namespace_uri);
         const std::string slots(
             ocpsm::models::Schema::native().describe("/active-nodes/active-node/slot")->namespace_uri);
-        const ocpsm::framework::DataTree tree({"active-node", space, {}, 0, {{"node-name", space, "0/RP0/CPU0"}}});
+        const ocpsm::framework::DataTree tree(
+            {"active-node", space, {}, Operation::merge, {{"node-name", space, "0/RP0/CPU0"}}});
         const ocpsm::framework::DataTree top({"active-nodes", space});
         for (int number = 0; number < count; ++number) {
-            const ocpsm::framework::DataTree slot({"slot", slots, {}, 0, {{"slot-id", slots, std::to_string(number)}}});
+            const ocpsm::framework::DataTree slot(
+                {"slot", slots, {}, Operation::merge, {{"slot-id", slots, std::to_string(number)}}});
             const auto place = map.below(map.below(map.below(map.top(), top.root()), tree.root()), slot.root());
             const std::string *instance = map.instance_of(place);
             EXPECT_EQ(instance == nullptr ? "(none)" : *instance, name(number));

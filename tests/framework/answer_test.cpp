@@ -10,6 +10,7 @@
 
 namespace {
 
+using ocpsm::RequestNode;
 using ocpsm::framework::AnswerWriter;
 using ocpsm::framework::DataTree;
 using ocpsm::framework::MappingContext;
@@ -83,12 +84,13 @@ TEST_F(Answering, AStitchThatFailsIsKept) {
 }
 
 TEST_F(Answering, TheInnermostEntryWithSuchAKeyIsFound) {
-    const RequestNode inner{"slot", "urn:s", std::nullopt, 0, {{"slot-id", "urn:s", "1"}}};
-    DataTree native(RequestNode{"active-nodes",
-                                "urn:n",
-                                std::nullopt,
-                                0,
-                                {{"active-node", "urn:n", std::nullopt, 0, {{"node-name", "urn:n", "0"}, inner}}}});
+    const RequestNode inner{"slot", "urn:s", std::nullopt, ocpsm::Operation::merge, {{"slot-id", "urn:s", "1"}}};
+    DataTree native(RequestNode{
+        "active-nodes",
+        "urn:n",
+        std::nullopt,
+        ocpsm::Operation::merge,
+        {{"active-node", "urn:n", std::nullopt, ocpsm::Operation::merge, {{"node-name", "urn:n", "0"}, inner}}}});
     const auto key = [this](const char *name) {
         const char *text = "untouched";
         EXPECT_EQ(yfw_map_get_node_info(&context, "/of/any/list", name, &text), KERR_SUCCESS);
@@ -170,26 +172,6 @@ TEST_F(PrintedAnswers, ParseStrictlyAndHoldWhatWasReadAndNoDefault) {
             }
         }
     }
-}
-
-// ---- what failures of a device are compared with ----
-
-TEST(NativeNodes, AreNamedByTheKeysThatAreKnown) {
-    const std::string slots = "http://vexlo.example/ns/yang/Vexlo-ORBIT-tlm2200-ots-cfg";
-    using ocpsm::native::NativeRequest;
-    NativeRequest edit(ocpsm::native::RequestKind::edit);
-    NativeRequest::NodeId slot = NativeRequest::root;
-    NativeRequest::NodeId leaf = NativeRequest::root;
-    edit.add("/active-nodes/active-node/slot", slots, std::nullopt, 0, true, 0, NativeRequest::root, &slot);
-    edit.add("/active-nodes/active-node/slot/psm/lockout-from", slots, "", 0, false, 0, NativeRequest::root, &leaf);
-    EXPECT_EQ(edit.instance_path(leaf), "/active-nodes/active-node/slot/psm/lockout-from");
-    edit.add("/active-nodes/active-node/slot/slot-id", slots, "2", 0, false, 0);
-    edit.add("/active-nodes/active-node/node-name", "http://vexlo.example/ns/yang/Vexlo-ORBIT-config-mda-cfg",
-             "0/RP0/CPU0", 0, false, 0);
-    EXPECT_EQ(edit.instance_path(leaf),
-              "/active-nodes/active-node[node-name='0/RP0/CPU0']/slot[slot-id='2']/psm/lockout-from");
-    EXPECT_EQ(edit.instance_path(slot), "/active-nodes/active-node[node-name='0/RP0/CPU0']/slot[slot-id='2']");
-    EXPECT_EQ(edit.instance_path(NativeRequest::root), "");
 }
 
 } // namespace

@@ -27,7 +27,6 @@ using case_runner::Case;
 using ocpsm::Kind;
 using ocpsm::Operation;
 using ocpsm::RequestNode;
-using ocpsm::framework::AnswerNode;
 using Trees = std::vector<RequestNode>;
 
 std::string without_last_end(std::string text) {
@@ -79,11 +78,11 @@ Kind kind_of(const std::string &wanted) {
 
 Trees parsed(const Case &test, Kind kind) {
     const auto tree = input(test, "tree");
-    return tree ? read_dump(*tree) : parse_request(text_of(test), kind);
+    return tree ? read_dump(*tree) : ocpsm::framework::parse_request(text_of(test), kind);
 }
 
 Trees typed(const Case &test, Kind kind, bool check = true) {
-    return type_request(parsed(test, kind), kind, check);
+    return ocpsm::framework::type_request(parsed(test, kind), kind, check);
 }
 
 // A tree is already what typing makes of it.
@@ -108,18 +107,40 @@ std::vector<std::string> lines(const std::optional<std::string> &text) {
     return all;
 }
 
-std::vector<AnswerNode> answers(const Trees &trees, const lysc_node *parent) {
-    std::vector<AnswerNode> nodes;
+// The nodes below a node of the answer that stands; a list's key comes with its entry.
+void stand(lyd_node *parent, const Trees &trees) {
     for (const RequestNode &tree : trees) {
-        const lysc_node *schema = ocpsm::models::Schema::openconfig().child(parent, tree.tag);
-        nodes.push_back({schema, tree.value, answers(tree.children, schema)});
+        const lysc_node *schema = ocpsm::models::Schema::openconfig().child(parent->schema, tree.tag);
+        lyd_node *made = nullptr;
+        if (schema->nodetype == LYS_LEAF) {
+            if (!lysc_is_key(schema)) {
+                lyd_new_term(parent, schema->module, schema->name, tree.value.value_or("").c_str(), 0, nullptr);
+            }
+            continue;
+        }
+        if (schema->nodetype == LYS_LIST) {
+            lyd_new_list(parent, schema->module, schema->name, 0, &made, tree.children.front().value->c_str());
+        } else {
+            lyd_new_inner(parent, schema->module, schema->name, 0, &made);
+        }
+        stand(made, tree.children);
     }
-    return nodes;
+}
+
+ocpsm::framework::AnswerTree standing_answer(const Trees &trees) {
+    if (trees.empty()) {
+        return {};
+    }
+    const lysc_node &top = *ocpsm::models::Schema::openconfig().top_nodes().front();
+    lyd_node *made = nullptr;
+    lyd_new_inner(nullptr, top.module, top.name, 0, &made);
+    stand(made, trees.front().children);
+    return ocpsm::framework::AnswerTree(ocpsm::framework::OwnedNode(made));
 }
 
 std::string settled(const Case &test) {
     Trees tops = parsed(test, Kind::edit);
-    settle_existence(tops, answers(read_dump(input(test, "standing").value_or("")), nullptr));
+    ocpsm::framework::settle_existence(tops, standing_answer(read_dump(input(test, "standing").value_or(""))));
     return each(tops);
 }
 
@@ -164,11 +185,12 @@ std::string schema(const std::string &path) {
 
 std::string of_a_path(const std::string &path, const std::string &value, const std::string &wanted) {
     const Kind kind = wanted == "read" ? Kind::get : Kind::edit;
-    return dump(type_request(wanted == "read"       ? ocpsm::framework::read_of(path)
-                             : wanted == "setting"  ? ocpsm::framework::setting_of(path, value)
-                             : wanted == "deletion" ? ocpsm::framework::deletion_of(path)
-                                                    : ocpsm::framework::deletion_of(path, Operation::remove),
-                             kind, true));
+    return dump(ocpsm::framework::type_request(wanted == "read"      ? ocpsm::framework::read_of(path)
+                                               : wanted == "setting" ? ocpsm::framework::setting_of(path, value)
+                                               : wanted == "deletion"
+                                                   ? ocpsm::framework::deletion_of(path)
+                                                   : ocpsm::framework::deletion_of(path, Operation::remove),
+                                               kind, true));
 }
 
 // Marks as the plug-in's walkers do the nodes that are to be created, and keys.

@@ -73,7 +73,7 @@ std::string entries(std::size_t count, const std::string &content) {
 // Every way of a request up to the trees that the plug-in gets, of which there are two. Returns how many are handed
 // over.
 std::size_t hand_over(std::vector<RequestNode> tops, Kind kind) {
-    tops = type_request(std::move(tops), kind, true);
+    tops = ocpsm::framework::type_request(std::move(tops), kind, true);
     const auto trees = kind == Kind::edit ? ocpsm::framework::hand_over_edit(std::move(tops), {})
                                           : ocpsm::framework::hand_over_read(std::move(tops));
     for (const RequestNode &tree : trees) {
