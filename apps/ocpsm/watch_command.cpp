@@ -21,8 +21,7 @@ constexpr std::chrono::milliseconds step{SimulatedLineSystem::step};
 class Watch {
 public:
     Watch(const SimulatedLineSystem &system, const std::filesystem::path &state, const StopSignals &signals)
-        : system_(system), state_(state), signals_(signals) {
-        lock_.emplace(state_);
+        : system_(system), state_(state), lock_(std::in_place, state), signals_(signals) {
         screen_.update(system_.view());
     }
 

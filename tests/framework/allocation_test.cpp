@@ -45,6 +45,18 @@ void *operator new(std::size_t size) {
     }
 }
 
+void *operator new(std::size_t size, const std::nothrow_t & /*tag*/) noexcept {
+    try {
+        return operator new(size);
+    } catch (const std::bad_alloc &) {
+        return nullptr;
+    }
+}
+
+void operator delete(void *room, const std::nothrow_t & /*tag*/) noexcept {
+    std::free(room); // NOLINT
+}
+
 void operator delete(void *room) noexcept {
     std::free(room); // NOLINT
 }

@@ -134,7 +134,8 @@ TEST_F(EditOfALineSystem, ANativeCheckThatFailsIsReportedAtTheOpenConfigPath) {
                                              ocpsm::EditOptions{{false, false, false}});
     EXPECT_EQ(result.error->tag, "invalid-value");
     EXPECT_EQ(result.error->path, module_path(1, "/config/revertive"));
-    EXPECT_THAT(result.error->message(), testing::StartsWith(node + "/slot[slot-id='1']/psm/revertive/enable: "));
+    EXPECT_EQ(result.error->native_path, node + "/slot[slot-id='1']/psm/revertive/enable");
+    EXPECT_EQ(result.error->message(), "'perhaps' is no value of this leaf");
     EXPECT_EQ(system(), before);
 }
 
