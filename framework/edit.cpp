@@ -48,6 +48,7 @@ void put(Tree &nodes, RequestNode &&node) {
 // The nodes of an edit as it was written.
 struct Written {
     Tree operator()(const PathEdits &edits) const {
+        check_number_of_paths(edits.size());
         Tree tops;
         for (const PathEdit &edit : edits) {
             const bool takes = takes_away(edit.operation);

@@ -22,6 +22,7 @@ struct Written {
     Kind kind;
 
     Tree operator()(const Paths &selection) const {
+        check_number_of_paths(selection.paths.size());
         Tree tops;
         for (const std::string &path : selection.paths) {
             Tree selected = read_of(path);

@@ -136,6 +136,13 @@ std::vector<Step> steps_to_edit(std::string_view path) {
 
 } // namespace
 
+void check_number_of_paths(std::size_t number) {
+    if (number > max_paths) {
+        throw Error(Error::Source::input, "too-big", "",
+                    "the request has more than " + std::to_string(max_paths) + " paths", "send it in pieces");
+    }
+}
+
 std::vector<RequestNode> read_of(std::string_view path) {
     const std::vector<Step> steps = path == "/" ? std::vector<Step>() : PathLookup(path).steps();
     if (steps.empty()) {

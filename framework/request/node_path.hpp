@@ -15,6 +15,11 @@ namespace ocpsm::framework {
  * throw ocpsm::Error (input) with the path for one that cannot be read or that the model does not have.
  */
 
+inline constexpr std::size_t max_paths = 4096; // of one request
+
+// Throws ocpsm::Error (input, too-big) for more paths than one request may have.
+void check_number_of_paths(std::size_t number);
+
 // Selects the node, whole. "/" and the empty path select everything.
 std::vector<RequestNode> read_of(std::string_view path);
 

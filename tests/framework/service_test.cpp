@@ -132,6 +132,18 @@ TEST(Service, CarriesOutSeveralPathsAsOneEdit) {
               "bad-element|" + module(1, "/config/revertive") + "|revertive stands more than once");
 }
 
+TEST(Service, RefusesMoreThanSoManyPaths) {
+    const System system;
+    const std::string refused = "too-big||the request has more than 4096 paths";
+    const std::string leaf = module(1, "/config/revertive");
+    EXPECT_EQ(system.service.read(Paths{Lines(4096, leaf)}, Kind::get).answer.leaves().size(), 2U);
+    EXPECT_EQ(thrown_by([&] { static_cast<void>(system.service.read(Paths{Lines(4097, leaf)}, Kind::get)); }), refused);
+    EXPECT_EQ(thrown_by([&] {
+                  static_cast<void>(system.service.edit(PathEdits(4097, {leaf, Operation::remove, {}})));
+              }),
+              refused);
+}
+
 TEST(Service, AppliesTheDefaultOperation) {
     const System system;
     EditOptions none;
