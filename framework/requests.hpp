@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "framework/answer/tree.hpp"
@@ -17,6 +18,8 @@ namespace ocpsm {
 
 // What an answer holds.
 struct Answer::Data {
+    explicit Data(framework::AnswerTree answered) : tree(std::move(answered)) {}
+
     framework::AnswerTree tree; // not empty
 };
 
