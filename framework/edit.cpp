@@ -9,6 +9,7 @@
 #include "framework/openconfig.hpp"
 #include "framework/request/existence.hpp"
 #include "framework/request/hand_over.hpp"
+#include "framework/request/instance_path.hpp"
 #include "framework/request/node_path.hpp"
 #include "framework/request/parse.hpp"
 #include "framework/request/type.hpp"
@@ -18,15 +19,18 @@ namespace ocpsm::framework {
 
 namespace {
 
-// Whether two nodes of an edit by paths are one: entries of the list are told apart by their keys, which stand first.
+// The key of an entry; null for any other node.
+const RequestNode *key_of(const RequestNode &node) {
+    return node.tag == openconfig::list_name ? find_key(node, openconfig::key_name) : nullptr;
+}
+
+// Whether two nodes of an edit by paths are one.
 bool is_same(const RequestNode &one, const RequestNode &other) {
-    const auto is_key = [](const RequestNode &node) { return node.value && node.tag == openconfig::key_name; };
-    const auto key_of = [&](const RequestNode &node) -> std::optional<std::string> {
-        const auto key = std::find_if(node.children.begin(), node.children.end(), is_key);
-        return node.tag == openconfig::list_name && key != node.children.end() ? key->value : std::nullopt;
-    };
-    return one.tag == other.tag && one.operation == Operation::merge && other.operation == Operation::merge &&
-           !one.value && !other.value && key_of(one) == key_of(other);
+    const RequestNode *key = key_of(one);
+    const RequestNode *other_key = key_of(other);
+    const bool same_entry = key == nullptr || other_key == nullptr ? key == other_key : key->value == other_key->value;
+    return one.tag == other.tag && one.namespace_uri == other.namespace_uri && one.operation == Operation::merge &&
+           other.operation == Operation::merge && !one.value && !other.value && same_entry;
 }
 
 // Puts what a path says to what those before it have said. What is said twice is refused where the edit is typed.
@@ -37,9 +41,9 @@ void put(Tree &nodes, RequestNode &&node) {
         nodes.push_back(std::move(node));
         return;
     }
+    const RequestNode *key = key_of(node);
     for (RequestNode &child : node.children) {
-        const bool named = child.value && child.tag == openconfig::key_name && node.tag == openconfig::list_name;
-        if (!named) {
+        if (&child != key) {
             put(same->children, std::move(child));
         }
     }
@@ -73,16 +77,13 @@ bool has_own_operation(const RequestNode &node) {
 void keep_operations(Tree &nodes, const lysc_node *parent) {
     const auto says_nothing = [parent](RequestNode &node) {
         const lysc_node *schema = models::Schema::openconfig().child(parent, node.tag, node.namespace_uri);
-        if (has_own_operation(node) || (schema != nullptr && lysc_is_key(schema))) {
+        if (has_own_operation(node) || lysc_is_key(schema)) {
             return false;
         }
         if (schema != nullptr) {
             keep_operations(node.children, schema);
         }
-        return std::all_of(node.children.begin(), node.children.end(), [schema](const RequestNode &child) {
-            const lysc_node *below = models::Schema::openconfig().child(schema, child.tag, child.namespace_uri);
-            return below != nullptr && lysc_is_key(below);
-        });
+        return holds_only_keys(node, schema);
     };
     nodes.erase(std::remove_if(nodes.begin(), nodes.end(), says_nothing), nodes.end());
 }
@@ -106,7 +107,9 @@ native::NetRequest apply_all(Callback root, const std::vector<HandedOver> &all, 
             request.check();
             device.apply(request);
         } catch (Error &error) {
-            error.path = openconfig_origin(root, handed.origins, request, error.native_path);
+            if (!error.native_path.empty()) {
+                error.path = openconfig_origin(root, handed.origins, request, error.native_path);
+            }
             throw;
         }
     }

@@ -9,7 +9,7 @@
 
 namespace ocpsm {
 
-// The layer that says no (RFC 6241, 4.3).
+// The layer that an error belongs to (RFC 6241, 4.3).
 enum class ErrorType { transport, rpc, protocol, application };
 
 /*
@@ -30,6 +30,14 @@ public:
 
     std::string message() const { return what(); }
 
+    // Two tags belong to one layer only (RFC 6241, appendix A); with any other, what is refused is what was asked for.
+    ErrorType type() const {
+        if (tag == "malformed-message") {
+            return ErrorType::rpc;
+        }
+        return tag == "lock-denied" ? ErrorType::protocol : ErrorType::application;
+    }
+
     // For a throw in one statement.
     Error &&at_native(std::string native) && {
         native_path = std::move(native);
@@ -43,13 +51,8 @@ public:
         app_tag = std::move(text);
         return std::move(*this);
     }
-    Error &&of_type(ErrorType which) && {
-        type = which;
-        return std::move(*this);
-    }
 
     Source source;
-    ErrorType type = ErrorType::application;
     std::string tag;
     std::string app_tag;     // error-app-tag, e.g. "instance-required" (RFC 7950, 15); empty: none
     std::string path;        // OpenConfig instance path; empty: none

@@ -58,18 +58,9 @@ std::vector<std::string> taken_away_with(Callback root, const std::string &leaf)
     return paths;
 }
 
-} // namespace
-
-std::string openconfig_origin(Callback root, const Origins &origins, const native::NetRequest &edit,
-                              std::string_view native_path) {
-    const native::Origin number = edit.origin_of(native_path);
-    if (number == native::no_origin) {
-        return {};
-    }
-    const Origin &origin = origins.at(number);
-    return origin.spread ? leaf_behind(root, origin.location, native_path) : origin.location;
-}
-
+// What is below a node that is taken away as a whole is walked without being named. Finds the configuration leaf below
+// it whose own removal does something to the native node, the last one of several, by translating these removals;
+// `location` itself when there is none.
 std::string leaf_behind(Callback root, const std::string &location, std::string_view native_path) {
     std::string behind = location;
     std::size_t longest = 0;
@@ -83,6 +74,18 @@ std::string leaf_behind(Callback root, const std::string &location, std::string_
         }
     }
     return behind;
+}
+
+} // namespace
+
+std::string openconfig_origin(Callback root, const Origins &origins, const native::NetRequest &edit,
+                              std::string_view native_path) {
+    const native::Origin number = edit.origin_of(native_path);
+    if (number == native::no_origin) {
+        return {};
+    }
+    const Origin &origin = origins.at(number);
+    return origin.spread ? leaf_behind(root, origin.location, native_path) : origin.location;
 }
 
 } // namespace ocpsm::framework

@@ -122,7 +122,12 @@ EditResult Service::edit(const Edit &edit, const EditOptions &options) const {
     const auto transaction = parts_->required_device().write();
     EditResult result = framework::carry_out(parts_->plugin, std::move(tops), *transaction, options);
     if (!result.error && !options.dry_run) {
-        transaction->commit();
+        try {
+            transaction->commit();
+        } catch (const Error &error) {
+            result.error = error;
+            result.changes.clear();
+        }
     }
     return result;
 }
@@ -134,7 +139,7 @@ TranslateResult Service::translate(const Text &request, Kind kind, const Options
                                    parts_->trees_of(request, kind, options, transaction.get()), kind, options,
                                    options.trace ? framework::Adds::kept : framework::Adds::dropped);
     TranslateResult result;
-    result.result = translation.result_name;
+    result.result = framework::name_of(translation.result);
     for (framework::HandedOver &handed : translation.handed_over) {
         result.requests.emplace_back(std::make_shared<native::NetRequest>(handed.native.net()));
         std::transform(std::make_move_iterator(handed.adds.begin()), std::make_move_iterator(handed.adds.end()),

@@ -208,7 +208,7 @@ public:
     // `kind` is get or get_config.
     ReadResult read(const Selection &selection, Kind kind, const Options &options = {}) const;
 
-    // Whole or not at all. With changes to report, the text of an edit may only name modules that the device has.
+    // Whole or not at all. A module that is named has to be in place.
     EditResult edit(const Edit &edit, const EditOptions &options = {}) const;
 
     // What a request becomes, without doing it.

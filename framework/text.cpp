@@ -113,6 +113,10 @@ std::string xpath_literal(std::string_view text) {
     return joined.append(")");
 }
 
+std::string key_predicate(std::string_view key, std::string_view value) {
+    return std::string("[").append(key).append("=").append(xpath_literal(value)).append("]");
+}
+
 bool is_utf8(std::string_view text) {
     while (!text.empty()) {
         if (next_character(text) < 0) {

@@ -21,6 +21,9 @@ std::string quoted(std::string_view text, std::size_t longest = 60);
 // A text as an XPath 1.0 literal: in single quotes, in double ones where it holds single ones, else as a concat().
 std::string xpath_literal(std::string_view text);
 
+// A predicate of an instance path, [key='value'].
+std::string key_predicate(std::string_view key, std::string_view value);
+
 // Whether a text is UTF-8, and whether it also holds nothing but characters of XML 1.0.
 bool is_utf8(std::string_view text);
 bool is_xml_text(std::string_view text);

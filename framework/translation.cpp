@@ -22,7 +22,7 @@ bool is_read(Kind kind) {
 class Run {
 public:
     Run(Callback root, Kind kind, const Options &options, Adds adds)
-        : root_(root), kind_(kind), options_(options), adds_(adds), selections_(kind) {}
+        : root_(root), kind_(kind), options_(options), adds_(adds), passed_over_(kind) {}
 
     // False when the plug-in has refused the tree.
     bool hand_over(RequestNode tree) {
@@ -30,36 +30,34 @@ public:
                           native::NativeRequest(is_read(kind_) ? native::RequestKind::read : native::RequestKind::edit),
                           {},
                           {},
-                          KERR_SUCCESS,
                           false};
         const AllocationWatch watch;
         MappingContext context(static_cast<uint32_t>(kind_), handed.request, channels_, handed.native);
         context.switch_channels(options_.log, options_.trace);
         context.keep_adds(adds_ == Adds::kept);
-        handed.result = root_(&context, &context.request_tree(), &context.destination());
+        kerrno &result = translation_.result;
+        result = root_(&context, &context.request_tree(), &context.destination());
         handed.adds = context.take_adds();
         handed.origins = context.take_origins();
         if (!context.at_rest()) {
             warn("the plug-in has not ended its walk as it began it; this is a defect of the plug-in");
         }
         if (watch.has_failed()) {
-            handed.result = out_of_memory;
+            result = out_of_memory;
             translation_.error = no_memory("");
-        } else if (handed.result != KERR_SUCCESS) {
-            translation_.error = refusal_of(handed.result, context, handed.adds);
+        } else if (result != KERR_SUCCESS) {
+            translation_.error = refusal_of(result, context, handed.adds);
         } else if (is_read(kind_)) {
             note_selections(context.request_tree(), handed);
         }
-        translation_.result = handed.result;
         translation_.handed_over.push_back(std::move(handed));
-        return translation_.result == KERR_SUCCESS;
+        return result == KERR_SUCCESS;
     }
 
     Translation finish() {
-        for (std::string &text : selections_.warnings()) {
+        for (std::string &text : passed_over_.warnings()) {
             warn(std::move(text));
         }
-        translation_.result_name = name_of(translation_.result);
         translation_.log = channels_.take_log();
         translation_.trace = channels_.take_trace();
         return std::move(translation_);
@@ -69,7 +67,7 @@ public:
 
 private:
     void note_selections(const kidl_yfw_datatree &walked, HandedOver &handed) {
-        handed.nothing_supported = selections_.add(walked) == 0;
+        handed.nothing_supported = passed_over_.add(walked) == 0;
     }
 
     Callback root_;
@@ -78,7 +76,7 @@ private:
     Adds adds_;
     Channels channels_;
     Translation translation_;
-    Selections selections_;
+    PassedOver passed_over_;
 };
 
 } // namespace

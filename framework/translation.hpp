@@ -25,7 +25,6 @@ struct HandedOver {
     native::NativeRequest native;
     std::vector<AddRecord> adds; // those that failed, at most one of a code, and all where they are to be kept
     Origins origins;
-    kerrno result = KERR_SUCCESS;
     bool nothing_supported = false; // a read of nodes without support only: it is answered empty
 };
 
@@ -33,7 +32,6 @@ struct Translation {
     // A read of several instances: one each. An edit: one, or none when there is nothing to do.
     std::vector<HandedOver> handed_over;
     kerrno result = KERR_SUCCESS; // of the plug-in; the first refusal ends a translation
-    std::string result_name;      // "KERR_SUCCESS", "YMAP_ERR_UNSUPPORTED", ...
     std::vector<LogLine> log;
     std::vector<LogLine> trace;
     std::optional<Error> error; // there exactly when `result` is not success

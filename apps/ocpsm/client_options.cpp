@@ -86,7 +86,7 @@ void add_client_commands(CLI::App &app, Program &program) {
                                          "Delete a leaf, a container or a module's settings with all that is below",
                                          line, delete_command);
     erase.add_option("path", options.path, "What to delete")->type_name("PATH")->required();
-    erase.add_flag("--if-there", options.if_there, "What is not there is no error");
+    erase.add_flag("--if-there", options.if_there, "With the operation remove: what is not there is no error");
     add_dry_run(erase, *line);
 }
 

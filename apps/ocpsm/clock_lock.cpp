@@ -1,11 +1,11 @@
 #include "clock_lock.hpp"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstring>
 #include <string>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 #include "framework/error.hpp"
 
@@ -30,7 +30,6 @@ std::string holder(int file) {
 
 // A lock of the fcntl kind: it tells who has it.
 ClockLock::ClockLock(const std::filesystem::path &state) {
-    using ocpsm::Error;
     const std::filesystem::path name = state / "clock.lock";
     file_ = open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666); // NOLINT(cppcoreguidelines-pro-type-vararg)
     if (file_ < 0) {

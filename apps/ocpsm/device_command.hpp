@@ -15,8 +15,8 @@ namespace ocpsm {
 
 struct DeviceOptions {
     std::filesystem::path state;
-    std::optional<Format> format;    // prints the line system as it is afterwards in place of a line or a table
-    std::vector<int> slots = {1, 3}; // to begin with
+    std::optional<Format> format; // prints the line system as it is afterwards in place of a line or a table
+    std::vector<int> slots = SimulatedLineSystem::example_slots(); // to begin with
     int slot = 0;
     Line line = Line::primary;
     int light = 0; // hundredths of a dBm

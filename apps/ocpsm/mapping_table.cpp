@@ -34,11 +34,6 @@ constexpr NodeRow node_table[] = {
 #undef YMAP_REFUSED
 };
 
-// A native module's name is the last step of its namespace.
-constexpr std::string_view module_name(std::string_view namespace_uri) {
-    return namespace_uri.substr(namespace_uri.rfind('/') + 1);
-}
-
 constexpr ConversionRow conversion_table[] = {
 #define YMAP_TO_LOW(conversion, steps, value, port, model, path)                                                       \
     {#conversion, #steps, #value, #port, module_name(ymap::model), path},

@@ -41,6 +41,11 @@ struct UnsupportedRow {
     std::string_view reason;
 };
 
+// The name of a native module: the last step of its namespace.
+constexpr std::string_view module_name(std::string_view namespace_uri) {
+    return namespace_uri.substr(namespace_uri.rfind('/') + 1);
+}
+
 std::span<const NodeRow> node_rows();
 std::span<const ConversionRow> conversion_rows();
 std::span<const UnsupportedRow> unsupported_rows();

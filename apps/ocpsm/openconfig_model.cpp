@@ -1,15 +1,13 @@
 #include "openconfig_model.hpp"
 
-#include <algorithm>
-
 #include <libyang/libyang.h>
+
+#include <algorithm>
 
 #include "framework/models/models.hpp"
 
 namespace ocpsm {
 namespace {
-
-namespace models = ocpsm::models;
 
 void append(std::vector<SchemaNode> &nodes, const lysc_node &node, const std::vector<std::string_view> &parent_keys) {
     const models::NodeInfo info = models::describe(node);

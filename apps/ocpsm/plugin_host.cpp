@@ -12,6 +12,7 @@
 #include "framework/models/models.hpp"
 #include "framework/request/instance_path.hpp"
 #include "framework/request/instance_read.hpp"
+#include "mapping_table.hpp"
 #include "native_models.hpp"
 
 namespace ocpsm {
@@ -42,7 +43,7 @@ std::vector<std::string> steps_of(std::string_view path) {
 // A request that names one leaf of the module.
 std::string request_text(const std::string &leaf, RequestMode mode, const std::string &value) {
     const std::vector<std::string> steps = steps_of(leaf);
-    const std::string module_name = std::string("<name>") + module_key + "</name>";
+    const std::string name_element = std::string("<name>") + module_key + "</name>";
     std::string text;
     std::string ends;
     std::string path;
@@ -58,7 +59,7 @@ std::string request_text(const std::string &leaf, RequestMode mode, const std::s
         text.append(last && mode == RequestMode::remove
                         ? std::string(" xmlns:nc='") + std::string(netconf_namespace) + "' nc:operation='delete'"
                         : "");
-        text.append(">").append(last ? value : "").append(path == YMAP_MODULE ? module_name : "");
+        text.append(">").append(last ? value : "").append(path == YMAP_MODULE ? name_element : "");
         ends.insert(0, "</" + step + ">");
     }
     return text + ends;
@@ -67,7 +68,7 @@ std::string request_text(const std::string &leaf, RequestMode mode, const std::s
 NativeAddition addition_of(const Addition &addition) {
     const auto node = models::Schema::native().describe(addition.path);
     NativeAddition added;
-    added.module = addition.namespace_uri.substr(addition.namespace_uri.rfind('/') + 1);
+    added.module = module_name(addition.namespace_uri);
     added.path = addition.path;
     added.value = addition.value.value_or("");
     added.is_leaf = node && node->kind == models::NodeKind::leaf;
@@ -158,18 +159,16 @@ kidl_yfw_datatree &last_child(kidl_yfw_datatree &node, const std::string &tag) {
 // Calls `callback` with the node that it belongs to, below the hierarchy that a walk would have made.
 kerrno call_in_walk(MappingContext &context, Callback callback, DataTree &tree, const NativeRow &row,
                     const std::vector<std::string> &steps) {
-    constexpr uint32_t container_level = 1;
-    constexpr uint32_t list_level = 2;
     context.set_answer_root(tree.root());
     kidl_yfw_datatree *node = &tree.root();
     std::string path = "/" + steps.front();
-    context.push_level(*node, container_level);
+    context.push_level(*node, framework::container_level);
     for (std::size_t index = 1; index < steps.size(); ++index) {
         node = &last_child(*node, steps[index]);
         path.append("/").append(steps[index]);
         if (index + 1 < steps.size() || row.kind == NativeKind::list) {
             const bool list = models::Schema::native().describe(path)->kind == models::NodeKind::list;
-            context.push_level(*node, list ? list_level : container_level);
+            context.push_level(*node, list ? framework::list_level : framework::container_level);
         }
     }
     return callback(&context, node, &context.destination());

@@ -16,8 +16,8 @@ using framework::opening_of;
 using framework::Syntax;
 
 [[noreturn]] void unreadable(const std::string &name, const std::string &reason) {
-    throw ocpsm::Error(ocpsm::Error::Source::input, {}, {}, "cannot read " + name + ": " + reason,
-                       "name a file with an XML or JSON request, or - for standard input");
+    throw Error(Error::Source::input, {}, {}, "cannot read " + name + ": " + reason,
+                "name a file with an XML or JSON request, or - for standard input");
 }
 
 } // namespace

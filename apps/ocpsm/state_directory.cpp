@@ -12,7 +12,6 @@ std::optional<std::string> process_environment(const std::string &name) {
 }
 
 std::filesystem::path state_directory(const std::optional<std::string> &named, const Environment &environment) {
-    using ocpsm::Error;
     if (named) {
         if (named->empty()) {
             throw Error(Error::Source::input, {}, {}, "the state directory has no name", "name one with --state DIR");

@@ -16,8 +16,6 @@
 namespace ocpsm {
 namespace {
 
-using ocpsm::Error;
-
 // Of a key that may begin an escape sequence: long enough for a slow line, short enough not to be noticed.
 constexpr int escape_delay = 50; // milliseconds
 

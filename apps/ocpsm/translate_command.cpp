@@ -96,12 +96,11 @@ std::string printed_operation(const Addition &add, Kind kind) {
 }
 
 void print_add(std::ostream &output, const Addition &add, Kind kind) {
-    const std::string_view model = std::string_view(add.namespace_uri).substr(add.namespace_uri.rfind('/') + 1);
     output << short_walker(add.walker) << " -> " << (add.conversion.empty() ? "walk" : add.conversion) << " -> ";
     if (add.relative) {
         output << on_one_line(add.path);
     } else {
-        output << model << ":" << on_one_line(add.path);
+        output << module_name(add.namespace_uri) << ":" << on_one_line(add.path);
     }
     output << " = " << printed_value(add) << printed_scaling(add) << " (" << printed_operation(add, kind) << ")";
     if (add.result != "KERR_SUCCESS") {

@@ -88,8 +88,8 @@ private:
         try {
             screen_.update(key == Key::cut ? system_.cut(chosen->slot, line) : system_.splice(chosen->slot, line));
             screen_.note({});
-        } catch (const ocpsm::Error &error) {
-            if (error.source != ocpsm::Error::Source::refused) {
+        } catch (const Error &error) {
+            if (error.source != Error::Source::refused) {
                 throw;
             }
             screen_.note(error.what());

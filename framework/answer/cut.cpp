@@ -3,11 +3,12 @@
 #include <libyang/libyang.h>
 
 #include <algorithm>
-#include <functional>
 #include <unordered_set>
 #include <utility>
 
 #include "framework/models/models.hpp"
+#include "framework/request/instance_path.hpp"
+#include "framework/request/selection.hpp"
 
 namespace ocpsm::framework {
 
@@ -25,11 +26,6 @@ Selections pointers_to(const std::vector<RequestNode> &nodes) {
 
 bool selects(const RequestNode &selection, const lyd_node &node) {
     return selection.tag == node.schema->name && selection.namespace_uri == node.schema->module->ns;
-}
-
-// A leaf that is given a value: what is beside it counts only where the values are equal.
-bool is_content_match(const RequestNode *selection) {
-    return selection->value.has_value();
 }
 
 // Finds out what is selected, then takes the rest away.
@@ -77,7 +73,8 @@ private:
 
     bool select_children(const lyd_node &node, const std::vector<RequestNode> &selections) {
         Selections wanted = pointers_to(selections);
-        const auto matches = std::stable_partition(wanted.begin(), wanted.end(), std::not_fn(is_content_match));
+        const auto matches = std::stable_partition(wanted.begin(), wanted.end(),
+                                                   [](const RequestNode *each) { return !is_content_match(*each); });
         std::vector<const lyd_node *> beside;
         for (auto match = matches; match != wanted.end(); ++match) {
             const lyd_node *leaf = find_match(node, **match);
@@ -120,19 +117,14 @@ struct Named {
 
 void count(const RequestNode &selection, const lysc_node *parent, Named &named) {
     const lysc_node *schema = models::Schema::openconfig().child(parent, selection.tag, selection.namespace_uri);
-    if (schema != nullptr && lysc_is_key(schema)) {
+    if (lysc_is_key(schema)) {
         return;
     }
     if (schema != nullptr && !selection.children.empty()) {
         for (const RequestNode &child : selection.children) {
             count(child, schema, named);
         }
-        const bool only_keys =
-            std::all_of(selection.children.begin(), selection.children.end(), [schema](const RequestNode &child) {
-                const lysc_node *key = models::Schema::openconfig().child(schema, child.tag, child.namespace_uri);
-                return key != nullptr && lysc_is_key(key);
-            });
-        named.others = named.others || only_keys;
+        named.others = named.others || holds_only_keys(selection, schema);
         return;
     }
     const bool state_leaf = schema != nullptr && schema->nodetype == LYS_LEAF && (schema->flags & LYS_CONFIG_R) != 0;

@@ -4,12 +4,11 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <new>
-#include <stdexcept>
 #include <utility>
 
-#include "framework/quiet_library.hpp"
+#include "framework/library.hpp"
 #include "framework/request/instance_path.hpp"
+#include "framework/text.hpp"
 
 namespace ocpsm::framework {
 
@@ -20,15 +19,6 @@ struct FreeText {
         std::free(text); // NOLINT(cppcoreguidelines-no-malloc, cppcoreguidelines-owning-memory)
     }
 };
-
-void require(LY_ERR result) {
-    if (result == LY_EMEM) {
-        throw std::bad_alloc();
-    }
-    if (result != LY_SUCCESS) {
-        throw std::logic_error("libyang refuses to work on an answer");
-    }
-}
 
 bool is_leaf(const lyd_node &node) {
     return node.schema->nodetype == LYS_LEAF;
@@ -144,10 +134,6 @@ private:
 };
 
 } // namespace
-
-void FreeNode::operator()(lyd_node *node) const noexcept {
-    lyd_free_tree(node);
-}
 
 AnswerTree::AnswerTree(OwnedNode top) : top_(std::move(top)) {
     const std::vector<lyd_node *> entries = entries_of(top_.get());

@@ -8,19 +8,10 @@
 #include <string_view>
 #include <vector>
 
+#include "framework/library.hpp"
 #include "framework/service.hpp"
 
-struct lyd_node;
-struct lysc_node;
-
 namespace ocpsm::framework {
-
-struct FreeNode {
-    void operator()(lyd_node *node) const noexcept;
-};
-
-// A node with all that is below it, which stands in no tree.
-using OwnedNode = std::unique_ptr<lyd_node, FreeNode>;
 
 /*
  * The top node with what is below it, or nothing. The children of a node stand in the order of the model, the keys of a

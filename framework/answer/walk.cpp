@@ -20,9 +20,6 @@ namespace ocpsm::framework {
 
 namespace {
 
-constexpr uint32_t container_level = 1;
-constexpr uint32_t list_level = 2;
-
 RequestNode tree_of(const native::NativeNode &native) {
     RequestNode node{native.schema->name, native.schema->module->ns, native.value};
     for (const native::NativeNode &child : native.children) {

@@ -3,14 +3,13 @@
 #include <libyang/libyang.h>
 
 #include <new>
-#include <stdexcept>
 #include <utility>
 
 #include "framework/error.hpp"
 #include "framework/host/codes.hpp"
+#include "framework/library.hpp"
 #include "framework/models/models.hpp"
 #include "framework/openconfig.hpp"
-#include "framework/quiet_library.hpp"
 #include "framework/request/instance_path.hpp"
 #include "framework/request/instance_read.hpp"
 #include "framework/text.hpp"
@@ -21,15 +20,6 @@ namespace {
 
 using openconfig::list_path;
 constexpr std::string_view predicate_begin = "[name=";
-
-void require(LY_ERR result) {
-    if (result == LY_EMEM) {
-        throw std::bad_alloc();
-    }
-    if (result != LY_SUCCESS) {
-        throw std::logic_error("libyang refuses to make a node of an answer");
-    }
-}
 
 // Whether libyang has taken a value for a leaf.
 bool is_taken(LY_ERR result) {

@@ -12,7 +12,6 @@ namespace ocpsm::framework {
 
 namespace {
 
-constexpr uint32_t list_level = 2;
 constexpr uint32_t all_levels = 0xffffffff;
 
 thread_local const kidl_yfw_datatree *asked = nullptr; // see note_question

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "framework/answer/instance_map.hpp"
@@ -21,6 +22,10 @@
 #include "yfw_map.h"
 
 namespace ocpsm::framework {
+
+// The kinds of levels, as the plug-in and the platform number them.
+inline constexpr std::uint32_t container_level = 1;
+inline constexpr std::uint32_t list_level = 2;
 
 // A node of the walked tree on the hierarchy, with its step of the instance path as it was when it was pushed: the walk
 // hides children later.
@@ -62,7 +67,6 @@ public:
     const kidl_yfw_datatree &duplicate() const { return duplicate_.root(); }
     kidl_yfw_datatree &destination() { return destination_.root(); }
     uint32_t kind() const { return registration_.operation_kind; }
-    Channels &channels() { return channels_; }
 
     // ---- answers ----
     // What the plug-in writes to; null while a request is translated.
@@ -75,7 +79,7 @@ public:
     void select_state_leaves(std::size_t count);
 
     // ---- hierarchy ----
-    void push_level(const kidl_yfw_datatree &node, uint32_t kind);
+    void push_level(const kidl_yfw_datatree &node, uint32_t kind); // container_level or list_level
     void pop_level(const kidl_yfw_datatree &node);
     std::string hierarchy_path() const; // the instance path of the hierarchy as it stands
     // The entry on top becomes the current one of the list with this path (without prefixes); any other node on top
@@ -106,8 +110,7 @@ public:
     // The node that is walked: the source of an add where it has one, else the node that was asked about last; the
     // innermost one of the hierarchy when neither is part of what is walked.
     std::uint32_t origin(const kidl_yfw_datatree *source);
-    const Origin &origin_at(std::uint32_t number) const { return origins_.at(number); }
-    Origins take_origins() { return std::move(origins_); }
+    Origins take_origins() { return std::exchange(origins_, {}); }
 
     // ---- error location ----
     void record_error_path() { error_path_ = hierarchy_path(); }

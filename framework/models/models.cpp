@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <stdexcept>
 
-#include "framework/quiet_library.hpp"
+#include "framework/library.hpp"
 
 namespace ocpsm::models {
 namespace {
@@ -83,13 +83,21 @@ void describe_leaf(const lysc_node_leaf &leaf, NodeInfo &info) {
 
 } // namespace
 
+// libyang sorts keys to the front.
+std::vector<const lysc_node *> key_leaves(const lysc_node &node) {
+    std::vector<const lysc_node *> leaves;
+    if (node.nodetype == LYS_LIST) {
+        for (const lysc_node *child = lysc_node_child(&node); lysc_is_key(child); child = child->next) {
+            leaves.push_back(child);
+        }
+    }
+    return leaves;
+}
+
 std::vector<std::string_view> key_names(const lysc_node &node) {
     std::vector<std::string_view> names;
-    if (node.nodetype == LYS_LIST) {
-        for (const lysc_node *child = lysc_node_child(&node); child != nullptr && lysc_is_key(child);
-             child = child->next) {
-            names.emplace_back(child->name);
-        }
+    for (const lysc_node *key : key_leaves(node)) {
+        names.emplace_back(key->name);
     }
     return names;
 }

@@ -45,7 +45,10 @@ struct NodeInfo {
 // Facts about a schema node; the node must be a container, a list or a leaf.
 NodeInfo describe(const lysc_node &node);
 
-// Names of a list's keys, in the order of its key statement; empty when the node is no list.
+// A list's keys, in the order of its key statement; none when the node is no list.
+std::vector<const lysc_node *> key_leaves(const lysc_node &node);
+
+// Their names.
 std::vector<std::string_view> key_names(const lysc_node &node);
 
 // The value of a leaf as its model writes it (RFC 7950, 9); none when the model does not allow it. Whether the leaf

@@ -37,9 +37,6 @@ struct NativeNode {
 std::span<const NativeNode> keys(const NativeNode &node);
 std::span<const NativeNode> others(const NativeNode &node);
 
-// The keys of a list, in the order of the key statement; none for any other node.
-std::vector<const lysc_node *> key_leaves(const lysc_node &list);
-
 // Whether a node is a key that a request neither names nor selects: nothing is to be sent for it.
 bool says_nothing(const NativeNode &node);
 

@@ -26,7 +26,7 @@ std::string path_step(const NativeNode &node) {
     std::string step = node.schema->name;
     for (const NativeNode &key : keys(node)) {
         if (key.value) {
-            step.append("[").append(key.schema->name).append("=").append(xpath_literal(*key.value)).append("]");
+            step += key_predicate(key.schema->name, *key.value);
         }
     }
     return step;

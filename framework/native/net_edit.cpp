@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "framework/models/models.hpp"
 #include "framework/native/native_request.hpp"
 
 namespace ocpsm::native {
@@ -62,7 +63,7 @@ DraftId NativeRequest::EditReplay::locate(DraftId id) {
 
 DraftId NativeRequest::EditReplay::locate_entry(DraftId id, DraftId parent) {
     const lysc_node *list = request_.nodes_.at(id).schema;
-    const std::vector<const lysc_node *> keys = key_leaves(*list);
+    const std::vector<const lysc_node *> keys = models::key_leaves(*list);
     const auto value = [&](const lysc_node *key) -> const std::optional<std::string> & {
         return request_.nodes_.key_value(id, key);
     };

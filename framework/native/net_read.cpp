@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <unordered_map>
 
+#include "framework/models/models.hpp"
 #include "framework/native/native_request.hpp"
 
 namespace ocpsm::native {
@@ -126,7 +127,7 @@ bool NativeRequest::ReadUnion::selects_key(const std::vector<DraftId> &nodes) co
 NativeNode NativeRequest::ReadUnion::with_keys(DraftId entry) const {
     NativeNode node{at(entry).schema};
     take_origin(node, at(entry));
-    for (const lysc_node *key : key_leaves(*node.schema)) {
+    for (const lysc_node *key : models::key_leaves(*node.schema)) {
         NativeNode &leaf = node.children.emplace_back(NativeNode{key});
         if (const DraftId stands = request_.nodes_.single(entry, key); stands != draft_root) {
             leaf.value = at(stands).value.value_or("").empty() ? std::nullopt : at(stands).value;

@@ -12,8 +12,7 @@
 namespace ocpsm::framework {
 
 // What to do about the delete of something that is not there.
-inline constexpr std::string_view remove_instead =
-    "use the operation remove (ocpsm delete --if-there) if that is no error";
+inline constexpr std::string_view remove_instead = "use the operation remove if that is no error";
 
 // Names of the modules that a typed edit names, each once, in the order of the edit.
 std::vector<std::string> named_modules(const std::vector<RequestNode> &tops);

@@ -1,5 +1,7 @@
 #include "framework/request/instance_path.hpp"
 
+#include <libyang/libyang.h>
+
 #include <algorithm>
 
 #include "framework/error.hpp"
@@ -105,16 +107,19 @@ private:
 
 } // namespace
 
-std::string key_predicate(std::string_view key, std::string_view value) {
-    return std::string("[").append(key).append("=").append(xpath_literal(value)).append("]");
-}
-
 const RequestNode *find_key(const RequestNode &entry, std::string_view key) {
     const auto found = std::find_if(entry.children.begin(), entry.children.end(), [&](const RequestNode &child) {
         return child.tag == key && child.namespace_uri == entry.namespace_uri;
     });
     const bool named = found != entry.children.end() && found->value && !found->value->empty();
     return named ? &*found : nullptr;
+}
+
+bool holds_only_keys(const RequestNode &entry, const lysc_node *schema) {
+    return std::all_of(entry.children.begin(), entry.children.end(), [schema](const RequestNode &child) {
+        const lysc_node *leaf = models::Schema::openconfig().child(schema, child.tag, child.namespace_uri);
+        return lysc_is_key(leaf);
+    });
 }
 
 std::string path_step(const RequestNode &node, const lysc_node *schema) {

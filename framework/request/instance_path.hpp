@@ -14,12 +14,12 @@ namespace ocpsm::framework {
 
 // ---- paths that are made ----
 
-// A key predicate, the value as an XPath literal.
-std::string key_predicate(std::string_view key, std::string_view value);
-
 // The key of an entry of a request: its first child of that name, in the entry's own namespace, if that has a value
 // that is not empty; else null.
 const RequestNode *find_key(const RequestNode &entry, std::string_view key);
+
+// Whether nothing but keys of the list `schema` stands below its entry.
+bool holds_only_keys(const RequestNode &entry, const lysc_node *schema);
 
 // "/" and the node's tag, and, of an entry of a list, a predicate for each of its keys that has a value. `schema` is
 // null for a node that the model does not know.

@@ -5,7 +5,7 @@
 
 #include "framework/models/models.hpp"
 #include "framework/openconfig.hpp"
-#include "framework/request/instance_path.hpp"
+#include "framework/text.hpp"
 
 namespace ocpsm::framework {
 

@@ -10,8 +10,8 @@
 #include <utility>
 
 #include "framework/error.hpp"
+#include "framework/library.hpp"
 #include "framework/models/models.hpp"
-#include "framework/quiet_library.hpp"
 #include "framework/request/syntax.hpp"
 #include "framework/text.hpp"
 
@@ -34,10 +34,6 @@ struct FreeTree {
     void operator()(lyd_node *tree) const noexcept { lyd_free_all(tree); }
 };
 using Parsed = std::unique_ptr<lyd_node, FreeTree>;
-
-struct FreeNode {
-    void operator()(lyd_node *node) const noexcept { lyd_free_tree(node); }
-};
 
 // A context without any model keeps everything as it was written.
 ly_ctx &modelless_context() {
@@ -182,7 +178,7 @@ private:
 
     // Releases the node, which takes it out of its parent.
     RequestNode node_of(lyd_node *taken, const NamespaceName &inherited) {
-        const std::unique_ptr<lyd_node, FreeNode> held(taken);
+        const OwnedNode held(taken);
         const auto &opaque = *reinterpret_cast<const lyd_node_opaq *>(taken);
         RequestNode node;
         node.tag = opaque.name.name;

@@ -15,7 +15,7 @@ constexpr std::size_t most_paths = 16;
 } // namespace
 
 // A node on the way down; its path is made only where it is shown.
-struct Selections::Level {
+struct PassedOver::Level {
     const Level *above;
     const kidl_yfw_datatree &node;
 
@@ -28,7 +28,7 @@ struct Selections::Level {
     }
 };
 
-void Selections::pass_over(const Level &level) {
+void PassedOver::pass_over(const Level &level) {
     const lysc_node *schema = models::Schema::openconfig().find(level.schema_path());
     const bool state = kind_ == Kind::get_config && schema != nullptr && (schema->flags & LYS_CONFIG_R) != 0;
     Paths &paths = state ? state_ : unsupported_;
@@ -37,7 +37,7 @@ void Selections::pass_over(const Level &level) {
     }
 }
 
-std::size_t Selections::look(const kidl_yfw_datatree &node, const Level *above) {
+std::size_t PassedOver::look(const kidl_yfw_datatree &node, const Level *above) {
     const Level level{above, node};
     const auto children = children_of(node);
     if (children.empty()) {
@@ -59,13 +59,13 @@ std::size_t Selections::look(const kidl_yfw_datatree &node, const Level *above) 
     return only_keys ? 1 : walked;
 }
 
-std::size_t Selections::add(const kidl_yfw_datatree &walked) {
+std::size_t PassedOver::add(const kidl_yfw_datatree &walked) {
     const std::size_t count = look(walked, nullptr);
     any_walked_ = any_walked_ || count != 0;
     return count;
 }
 
-std::string Selections::Paths::text() const {
+std::string PassedOver::Paths::text() const {
     std::string text;
     for (const std::string &path : first) {
         text.append(text.empty() ? "" : ", ").append(path);
@@ -76,11 +76,10 @@ std::string Selections::Paths::text() const {
     return text;
 }
 
-std::vector<std::string> Selections::warnings() const {
+std::vector<std::string> PassedOver::warnings() const {
     std::vector<std::string> texts;
     if (state_.count != 0) {
-        texts.push_back("operational state is no configuration and left out, read it without --config: " +
-                        state_.text());
+        texts.push_back("operational state is no part of a read of configuration and left out: " + state_.text());
     }
     if (unsupported_.count != 0) {
         texts.push_back((any_walked_ || state_.count != 0

@@ -11,10 +11,10 @@
 
 namespace ocpsm::framework {
 
-// The selections of one read, all its trees together. Selected are nodes without children, list keys left out.
-class Selections {
+// Gathers it over all trees of one read. Selected are nodes without children, list keys left out.
+class PassedOver {
 public:
-    explicit Selections(Kind kind) : kind_(kind) {}
+    explicit PassedOver(Kind kind) : kind_(kind) {}
 
     // Looks through a tree that was walked for the read. Returns how many of its selected nodes the plug-in has a
     // walker for.

@@ -10,13 +10,9 @@ namespace ocpsm::framework {
 
 namespace {
 
-bool is_match(const RequestNode &node) {
-    return node.value.has_value();
-}
-
 // Without anything but content matches below it a node is selected with all that is below it.
 bool selects_all(const RequestNode &node) {
-    return std::all_of(node.children.begin(), node.children.end(), is_match);
+    return std::all_of(node.children.begin(), node.children.end(), is_content_match);
 }
 
 // A name or value, told from what follows it by its length.
@@ -35,7 +31,7 @@ std::string name_of(const RequestNode &node) {
 std::string identity(const RequestNode &node) {
     std::vector<std::string> matches;
     for (const RequestNode &child : node.children) {
-        if (is_match(child)) {
+        if (is_content_match(child)) {
             append(matches.emplace_back(name_of(child)), *child.value);
         }
     }
@@ -52,11 +48,11 @@ void join_into(RequestNode &first, RequestNode &&more) {
         return;
     }
     if (selects_all(more)) {
-        std::erase_if(first.children, [](const RequestNode &child) { return !is_match(child); });
+        std::erase_if(first.children, [](const RequestNode &child) { return !is_content_match(child); });
         return;
     }
     std::copy_if(std::make_move_iterator(more.children.begin()), std::make_move_iterator(more.children.end()),
-                 std::back_inserter(first.children), [](const RequestNode &child) { return !is_match(child); });
+                 std::back_inserter(first.children), [](const RequestNode &child) { return !is_content_match(child); });
 }
 
 } // namespace
@@ -66,7 +62,7 @@ void join_selections(std::vector<RequestNode> &siblings) {
     std::vector<RequestNode> kept;
     kept.reserve(siblings.size());
     for (RequestNode &node : siblings) {
-        if (!is_match(node)) {
+        if (!is_content_match(node)) {
             const auto [position, is_first] = known.try_emplace(identity(node), kept.size());
             if (!is_first) {
                 join_into(kept[position->second], std::move(node));

@@ -8,6 +8,11 @@
 
 namespace ocpsm::framework {
 
+// A leaf that is given a value: what is beside it counts only where the values are equal.
+inline bool is_content_match(const RequestNode &node) {
+    return node.value.has_value();
+}
+
 /*
  * Joins the selections among the siblings, and below them, that are of the same node with the same content matches:
  * what they select together stands at the first of them. Leaves with a value stay as they are. Takes time linear in

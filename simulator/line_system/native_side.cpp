@@ -44,8 +44,8 @@ private:
     native::NativeNode list_entry(const lysc_node &schema, const ListEntry &entry) const {
         native::NativeNode node{&schema};
         std::size_t index = 0;
-        for (const std::string_view key : models::key_names(schema)) {
-            node.children.push_back({table_.schema().child(&schema, key), entry.keys.at(index++)});
+        for (const lysc_node *key : models::key_leaves(schema)) {
+            node.children.push_back({key, entry.keys.at(index++)});
         }
         std::vector<native::NativeNode> others = below(&schema, entry.place);
         std::move(others.begin(), others.end(), std::back_inserter(node.children));

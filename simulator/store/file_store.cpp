@@ -16,7 +16,7 @@ namespace {
 
 // What a store and its transactions share.
 struct Core {
-    explicit Core(const std::filesystem::path &directory, Store::Mode mode) : file(directory, mode) {}
+    Core(const std::filesystem::path &directory, Store::Mode mode) : file(directory, mode) {}
 
     // Readers wait for each other only while one of them looks at the file.
     State refreshed() {

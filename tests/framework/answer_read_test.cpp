@@ -278,9 +278,8 @@ TEST_F(AnswerRead, StateIsNotAnsweredToAReadOfConfiguration) {
         requests::read_paths(plugin(), std::vector{module_path(1, "/state")}, Kind::get_config, device());
     EXPECT_EQ(refusal_of(answer), "none");
     EXPECT_TRUE(answer.answer.empty());
-    EXPECT_THAT(answer.warnings,
-                ElementsAre("operational state is no configuration and left out, read it without --config: " +
-                            module_path(1, "/state")));
+    EXPECT_THAT(answer.warnings, ElementsAre("operational state is no part of a read of configuration and left out: " +
+                                             module_path(1, "/state")));
 }
 
 // ---- channels ----

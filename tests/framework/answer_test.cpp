@@ -141,7 +141,7 @@ std::optional<int> strictly_parsed(const std::string &text, LYD_FORMAT format) {
     lyd_node *parsed = nullptr;
     const LY_ERR result = lyd_parse_data_mem(ocpsm::models::Schema::openconfig().context(), text.c_str(), format,
                                              LYD_PARSE_ONLY | LYD_PARSE_STRICT, 0, &parsed);
-    const ocpsm::framework::OwnedNode tree(parsed);
+    const ocpsm::OwnedNode tree(parsed);
     if (result != LY_SUCCESS) {
         return std::nullopt;
     }

@@ -65,8 +65,8 @@ TEST_F(EditExistence, OfAContainer) {
     const std::string config = "<config><target-attenuation>1</target-attenuation></config>";
     EXPECT_EQ(refused(port("line-primary-out", deleted, "")),
               "data-missing|" + module_path(1, "/ports/line-primary-out") +
-                  "|line-primary-out is to be deleted, but is not there|use the operation remove (ocpsm delete "
-                  "--if-there) if that is no error|");
+                  "|line-primary-out is to be deleted, but is not there|use the operation remove if "
+                  "that is no error|");
     expect_nothing_done(port("line-primary-out", removed, ""));
     EXPECT_THAT(changes(port("line-primary-out", created, config)),
                 ElementsAre("1/ports/line-primary-out/config/target-attenuation: - -> 1.0"));
@@ -111,7 +111,7 @@ TEST_F(EditExistence, OfAllModules) {
                                                    "1/ports/line-primary-in/config/target-attenuation: 1.2 -> -"));
     use(LineSystem{});
     EXPECT_EQ(refused(all(deleted)), "data-missing|/aps|aps is to be deleted, but is not there|use the operation "
-                                     "remove (ocpsm delete --if-there) if that is no error|");
+                                     "remove if that is no error|");
     EXPECT_EQ(refusal_of(edit(all(removed))), "none");
 }
 

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "framework/error.hpp"
+#include "framework/host/codes.hpp"
 #include "simulator/database/client_library.hpp"
 #include "simulator/line_system/temporary_state.hpp"
 #include "translate.hpp"
@@ -12,6 +13,7 @@ namespace {
 
 using ocpsm::Kind;
 using ocpsm::Options;
+using ocpsm::framework::name_of;
 using ocpsm::framework::Plugin;
 using ocpsm::framework::Translation;
 using testing::ElementsAre;
@@ -78,7 +80,7 @@ protected:
 
     static std::vector<std::string> read(const std::string &text, Kind kind) {
         const Translation translation = translate(text, kind);
-        EXPECT_EQ(translation.result_name, "KERR_SUCCESS");
+        EXPECT_EQ(name_of(translation.result), "KERR_SUCCESS");
         EXPECT_THAT(translation.warnings, IsEmpty());
         return net(translation);
     }
@@ -89,11 +91,11 @@ protected:
     static std::string refusal(const std::string &text, Kind kind) {
         const Translation translation = translate(text, kind);
         if (!translation.error) {
-            return translation.result_name;
+            return name_of(translation.result);
         }
         EXPECT_NE(translation.error->message(), "");
         EXPECT_THAT(translation.warnings, IsEmpty());
-        return translation.result_name + "|" + translation.error->tag + "|" + translation.error->path + "|" +
+        return name_of(translation.result) + "|" + translation.error->tag + "|" + translation.error->path + "|" +
                translation.error->node;
     }
 
@@ -172,7 +174,7 @@ TEST_F(EndToEnd, ReadOfNothingThatIsSupported) {
 
 TEST_F(EndToEnd, ReadOfAllModulesNamesThoseOfTheInventory) {
     const Translation translation = translate(modules("<aps-module/>"), Kind::get_config);
-    EXPECT_EQ(translation.result_name, "KERR_SUCCESS");
+    EXPECT_EQ(name_of(translation.result), "KERR_SUCCESS");
     EXPECT_THAT(translation.warnings, IsEmpty());
     std::vector<std::string> expected;
     for (const char *controller : {"Ots0/1/0/1", "Ots0/1/0/2", "Ots0/3/0/1", "Ots0/3/0/2"}) {
@@ -192,7 +194,7 @@ TEST_F(EndToEnd, ReadOfAllModulesNamesThoseOfTheInventory) {
 TEST_F(EndToEnd, AReadWithoutKeyIsGivenOneByTheWalk) {
     const Translation translation =
         translate(modules("<aps-module><config><revertive/></config></aps-module>"), Kind::get_config);
-    EXPECT_EQ(translation.result_name, "KERR_SUCCESS");
+    EXPECT_EQ(name_of(translation.result), "KERR_SUCCESS");
     const auto &adds = translation.handed_over.at(0).adds;
     ASSERT_FALSE(adds.empty());
     EXPECT_TRUE(adds.back().relative);
@@ -360,7 +362,7 @@ TEST_F(EndToEnd, Refusals) {
 
 TEST_F(EndToEnd, WhatAReadDoesNotKnowIsPassedOver) {
     const Translation translation = translate(config("<revertive/><colour/><x xmlns='urn:x'/>"), Kind::get_config);
-    EXPECT_EQ(translation.result_name, "KERR_SUCCESS");
+    EXPECT_EQ(name_of(translation.result), "KERR_SUCCESS");
     EXPECT_THAT(translation.warnings,
                 ElementsAre("not supported and left out: /aps/aps-modules/aps-module[name='0/1-PSM-OM']/config/colour, "
                             "/aps/aps-modules/aps-module[name='0/1-PSM-OM']/config/x"));
@@ -406,7 +408,7 @@ TEST_F(EndToEnd, TheLogHoldsThePluginsErrors) {
 TEST_F(EndToEnd, WithoutAnOpenDatabaseNoModuleIsFound) {
     state_.reset();
     const Translation translation = translate(modules("<aps-module/>"), Kind::get);
-    EXPECT_EQ(translation.result_name, "KERR_SUCCESS");
+    EXPECT_EQ(name_of(translation.result), "KERR_SUCCESS");
     for (const std::string &line : net(translation)) {
         EXPECT_EQ(line.find("interface-name"), std::string::npos) << line;
     }

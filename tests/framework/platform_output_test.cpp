@@ -203,7 +203,8 @@ class NativeOrigins : public Output {
 protected:
     // The origin of an add with this source, "*" behind one that is spread.
     std::string origin(const kidl_yfw_datatree *source = nullptr) {
-        const ocpsm::framework::Origin &found = context.origin_at(context.origin(source));
+        const std::uint32_t number = context.origin(source);
+        const ocpsm::framework::Origin found = context.take_origins().at(number);
         return found.location + (found.spread ? "*" : "");
     }
     kidl_yfw_datatree &name() { return entry(0).children[0]; }

@@ -135,7 +135,7 @@ ocpsm::framework::AnswerTree standing_answer(const Trees &trees) {
     lyd_node *made = nullptr;
     lyd_new_inner(nullptr, top.module, top.name, 0, &made);
     stand(made, trees.front().children);
-    return ocpsm::framework::AnswerTree(ocpsm::framework::OwnedNode(made));
+    return ocpsm::framework::AnswerTree(ocpsm::OwnedNode(made));
 }
 
 std::string settled(const Case &test) {
@@ -203,7 +203,7 @@ void walk(kidl_yfw_datatree &node) {
 }
 
 std::string passed_over(const Trees &trees, Kind kind) {
-    ocpsm::framework::Selections selections(kind);
+    ocpsm::framework::PassedOver selections(kind);
     std::string text;
     for (const RequestNode &tree : trees) {
         ocpsm::framework::DataTree walked(tree);

@@ -8,6 +8,7 @@
 #include <string>
 #include <thread>
 
+#include "framework/device.hpp"
 #include "framework/service.hpp"
 #include "simulator/line_system.hpp"
 
@@ -228,6 +229,51 @@ TEST(Service, SeveralServicesOnSeveralThreads) {
     }
     for (std::thread &thread : threads) {
         thread.join();
+    }
+}
+
+// ---- what is not carried out ----
+
+// Takes an edit and cannot keep it.
+class FullDevice : public ocpsm::Device {
+public:
+    explicit FullDevice(std::shared_ptr<ocpsm::Device> behind) : behind_(std::move(behind)) {}
+    std::unique_ptr<ocpsm::DeviceTransaction> read() override { return behind_->read(); }
+    std::unique_ptr<ocpsm::DeviceTransaction> write() override {
+        return std::make_unique<Transaction>(behind_->write());
+    }
+
+private:
+    struct Transaction : ocpsm::DeviceTransaction {
+        explicit Transaction(std::unique_ptr<ocpsm::DeviceTransaction> behind) : held(std::move(behind)) {}
+        ocpsm::native::NativeData answer(const ocpsm::native::NetRequest &read) override { return held->answer(read); }
+        void apply(const ocpsm::native::NetRequest &edit) override { held->apply(edit); }
+        void commit() override {
+            throw ocpsm::Error(ocpsm::Error::Source::refused, "resource-denied", {}, "the device is full");
+        }
+        std::unique_ptr<ocpsm::DeviceTransaction> held;
+    };
+
+    std::shared_ptr<ocpsm::Device> behind_;
+};
+
+TEST(Service, AnEditThatCannotBeKeptIsAnErrorWithoutChanges) {
+    const System system;
+    const Service full(PLUGIN, std::make_shared<FullDevice>(system.line_system.device()));
+    const auto result = full.edit(PathEdits{{module(1, "/config/wait-to-restore-time"), Operation::merge, "7"}});
+    EXPECT_EQ(error_of(result), "resource-denied|||the device is full||");
+    EXPECT_THAT(changes_of(result), IsEmpty());
+    EXPECT_EQ(system.value(module(1, "/config/wait-to-restore-time")), "10000");
+}
+
+TEST(Error, BelongsToTheLayerOfItsTag) {
+    const auto type_of = [](const std::string &tag) {
+        return ocpsm::Error(ocpsm::Error::Source::refused, tag, {}, {}).type();
+    };
+    EXPECT_EQ(type_of("malformed-message"), ocpsm::ErrorType::rpc);
+    EXPECT_EQ(type_of("lock-denied"), ocpsm::ErrorType::protocol);
+    for (const char *tag : {"data-missing", "too-big", "in-use", ""}) {
+        EXPECT_EQ(type_of(tag), ocpsm::ErrorType::application) << tag;
     }
 }
 

@@ -38,10 +38,10 @@ std::vector<Step> steps_of(const std::string &path) {
 
 std::vector<ocpsm::native::NativeNode> key_leaves(const lysc_node &list, const Step &step) {
     std::vector<ocpsm::native::NativeNode> leaves;
-    for (const std::string_view name : ocpsm::models::key_names(list)) {
+    for (const lysc_node *leaf : ocpsm::models::key_leaves(list)) {
         const auto key = std::find_if(step.keys.begin(), step.keys.end(),
-                                      [name](const auto &candidate) { return candidate.first == name; });
-        leaves.push_back({ocpsm::models::Schema::native().child(&list, name), key->second, {}});
+                                      [leaf](const auto &candidate) { return candidate.first == leaf->name; });
+        leaves.push_back({leaf, key->second, {}});
     }
     return leaves;
 }

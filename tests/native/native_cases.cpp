@@ -239,7 +239,7 @@ private:
 
     void add_keys(NativeNode &node, const std::string &text) {
         std::size_t start = 1;
-        for (const lysc_node *key : ocpsm::native::key_leaves(*node.schema)) {
+        for (const lysc_node *key : ocpsm::models::key_leaves(*node.schema)) {
             const std::size_t end = text.find_first_of(",]", start);
             node.children.push_back({key, text.substr(start, end - start)});
             start = end + 1;
