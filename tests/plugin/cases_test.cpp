@@ -77,6 +77,16 @@ TEST(Runner, NoticesAnotherResult) {
     EXPECT_EQ(failures_of(calling(added, "zero")), Lines{"5: file:6: 'zero' is no number"});
 }
 
+TEST(Runner, PutsWhatIsBelowAMacroInThePlaceOfItsBlock) {
+    const std::string text = "define told result\n    call oc_opt_psm_cfg_wtr_to_low(top/in/leaf, dest) -> {result}\n"
+                             "        +@\n        *block\n        -@\nsetup\n    look output messages\n"
+                             "case One\n    for value in 5\n    tree top top/in\n        leaf = {value}\n    *told 0\n";
+    const std::string add = "add(dest, \"/active-nodes/active-node/slot/psm/revertive/wtr\", ns=ots-cfg, "
+                            "value=\"{value}\", src=none, result=none, 0, 1)\n";
+    EXPECT_EQ(failures_of(text + "        " + add), Lines{});
+    EXPECT_EQ(failures_of(text + "        unless {value} = 5: " + add).size(), 1u);
+}
+
 TEST(Runner, NamesTheRow) {
     const std::string text = "setup\n    look output\ncase One\n    rows\n        value\n        \"5\"\n        \"6\"\n"
                              "    tree source\n        leaf = {value}\n    call oc_opt_psm_cfg_wtr_to_low -> 0\n"
@@ -123,6 +133,11 @@ TEST(Runner, RefusesWhatItDoesNotUnderstand) {
     EXPECT_EQ(failures_of("define jump a\n    kind {a}\ncase One\n    *jump\n"),
               Lines{"3: file:4: no macro jump of 0 arguments"});
     EXPECT_EQ(failures_of("define jump\n    *jump\ncase One\n    *jump\n"), Lines{"3: file:2: a macro of itself"});
+    EXPECT_EQ(failures_of("define jump\n    kind 1\ncase One\n    *jump\n        kind 2\n"),
+              Lines{"3: file:4: jump takes no block"});
+    EXPECT_EQ(failures_of("case One\n    *block\n"), Lines{"1: file:2: no macro block of 0 arguments"});
+    EXPECT_EQ(failures_of("case One\n    tree a\n"),
+              Lines{"1: file:2: expected: a root behind the name, or one below it"});
     EXPECT_EQ(failures_of("define jump\ndefine jump\n"), Lines{"file:2: jump is defined twice"});
     EXPECT_EQ(failures_of("case One\n    kind {a}\n"), Lines{"1: file:2: no variable {a}"});
     EXPECT_EQ(failures_of("case One\n    kind {a\n"),

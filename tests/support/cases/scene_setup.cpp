@@ -212,11 +212,19 @@ void Scene::name_space(const Line &line, const Words &all) {
 }
 
 // TAG [= VALUE] [op N] [ns NAME|URI|null] [flags N] [without N] [count N] [untagged]
-fake::Node Scene::described(const Line &line) const {
-    const Words all = words(line, line.text);
-    fake::Node node = fake::leaf(text_of(line, all[0]));
+// A node from its words, "TAG ..." or "PATH/OF/TAGS ..."; what is below the line are its children.
+fake::Node Scene::described(const Line &line, const Words &all) const {
+    const std::size_t slash = all[0].front() == '"' ? std::string::npos : all[0].find('/');
+    fake::Node node = fake::leaf(text_of(line, all[0].substr(0, slash)));
     if (namespace_) {
         node.namespace_uri = namespace_;
+    }
+    if (slash != std::string::npos) {
+        Words rest = all;
+        rest[0].erase(0, slash + 1);
+        node.children.push_back(described(line, rest));
+        node.with_children = true;
+        return node;
     }
     for (std::size_t i = 1; i < all.size(); i += 2) {
         if (all[i] == "untagged") {
@@ -246,15 +254,24 @@ fake::Node Scene::described(const Line &line) const {
         }
     }
     for (const Line &below : line.block) {
-        node.children.push_back(described(below));
+        node.children.push_back(described(below, words(below, below.text)));
         node.with_children = true;
     }
     return node;
 }
 
+// The root of a tree, in the words of the line behind those of the step or as the one line below it.
+fake::Node Scene::root_of(const Line &line, const Words &all, std::size_t of_step) const {
+    if (all.size() > of_step) {
+        return described(line, {all.begin() + static_cast<std::ptrdiff_t>(of_step), all.end()});
+    }
+    demand(line.block.size() == 1, line, "a root behind the name, or one below it");
+    return described(line.block.front(), words(line.block.front(), line.block.front().text));
+}
+
 void Scene::tree(const Line &line, const Words &all) {
-    demand(all.size() == 2 && line.block.size() == 1, line, "tree NAME, with its root below");
-    fake::Tree &tree = stage_.build(described(line.block.front()), all[1]);
+    demand(all.size() >= 2, line, "tree NAME, with its root");
+    fake::Tree &tree = stage_.build(root_of(line, all, 2), all[1]);
     if (const auto old = trees_.find(all[1]); old != trees_.end()) {
         stage_.platform.detach(*old->second);
     }
@@ -266,8 +283,7 @@ void Scene::list_entry(const Line &line, const Words &all) {
         stage_.request.state.list_node = nullptr;
         return;
     }
-    demand(all.size() == 1 && line.block.size() == 1, line, "list-entry null, or list-entry with its root below");
-    stage_.request.set_list_entry(described(line.block.front()));
+    stage_.request.set_list_entry(root_of(line, all, 1));
 }
 
 void Scene::root(const Line &line, const Words &all) {

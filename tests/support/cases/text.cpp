@@ -60,6 +60,12 @@ std::string repeated(const Line &at, std::string_view count, std::string_view te
     return all;
 }
 
+// Whether the lines of a macro have a place for what stands below its call.
+bool takes_block(const Block &lines) {
+    return std::any_of(lines.begin(), lines.end(),
+                       [](const Line &line) { return line.text == "*block" || takes_block(line.block); });
+}
+
 } // namespace
 
 Malformed::Malformed(const Line &at, const std::string &what) : std::runtime_error(place(at) + ": " + what) {}
@@ -353,12 +359,12 @@ std::string File::replaced(const Line &at, std::string_view text, const Variable
 Block File::expanded(const Block &block, const Variables &variables) const {
     Block all;
     for (const Line &line : block) {
-        expand(line, variables, 0, all);
+        expand(line, variables, 0, all, nullptr);
     }
     return all;
 }
 
-void File::expand(const Line &line, const Variables &variables, int depth, Block &out) const {
+void File::expand(const Line &line, const Variables &variables, int depth, Block &out, const Block *inserted) const {
     if (depth == deepest) {
         throw Malformed(line, "a macro of itself");
     }
@@ -383,8 +389,12 @@ void File::expand(const Line &line, const Variables &variables, int depth, Block
         }
         text = trimmed(std::string_view(text).substr(colon + 2));
     }
+    if (text == "*block" && inserted != nullptr) {
+        out.insert(out.end(), inserted->begin(), inserted->end());
+        return;
+    }
     if (text.front() == '*') {
-        call_macro(line, text, variables, depth, out);
+        call_macro(line, text, variables, depth, out, inserted);
         return;
     }
     const std::string done = replaced(line, text, variables); // blanks at its end may be a variable's
@@ -393,13 +403,13 @@ void File::expand(const Line &line, const Variables &variables, int depth, Block
     }
     Line one{done, line.file, line.number, {}};
     for (const Line &below : line.block) {
-        expand(below, variables, depth + 1, one.block);
+        expand(below, variables, depth + 1, one.block, inserted);
     }
     out.push_back(std::move(one));
 }
 
-void File::call_macro(const Line &line, const std::string &text, const Variables &variables, int depth,
-                      Block &out) const {
+void File::call_macro(const Line &line, const std::string &text, const Variables &variables, int depth, Block &out,
+                      const Block *inserted) const {
     // The arguments are told apart before their variables are replaced: a value may hold blanks.
     std::vector<std::string> all = words(line, std::string_view(text).substr(1));
     if (all.empty() || text[1] == ' ') {
@@ -415,13 +425,20 @@ void File::call_macro(const Line &line, const std::string &text, const Variables
     if (found == macros_.end() || all.size() != found->second.parameters.size() + 1) {
         throw Malformed(line, "no macro " + all.front() + " of " + std::to_string(all.size() - 1) + " arguments");
     }
+    if (!line.block.empty() && !takes_block(found->second.block)) {
+        throw Malformed(line, all.front() + " takes no block");
+    }
     Variables inner = variables;
     for (std::size_t i = 0; i < found->second.parameters.size(); ++i) {
         inner[found->second.parameters[i]] = all[i + 1];
     }
+    Block own; // what stands below the call, in the caller's words
+    for (const Line &below : line.block) {
+        expand(below, variables, depth + 1, own, inserted);
+    }
     Block lines;
     for (const Line &one : found->second.block) {
-        expand(one, inner, depth + 1, lines);
+        expand(one, inner, depth + 1, lines, &own);
     }
     for (Line &one : lines) {
         one.number = line.number; // a failure belongs where the macro is used

@@ -92,8 +92,10 @@ private:
     void add_names(const Line &line, const std::filesystem::path &directory, const std::vector<std::string> &all);
     void include(const Line &line, const std::filesystem::path &directory);
     [[nodiscard]] std::vector<Run> runs_of(const Case &whole, const Block &heads) const;
-    void expand(const Line &line, const Variables &variables, int depth, Block &out) const;
-    void call_macro(const Line &line, const std::string &text, const Variables &variables, int depth, Block &out) const;
+    // `inserted` is what a macro's call has below it, which stands in the place of "*block"; null outside of macros.
+    void expand(const Line &line, const Variables &variables, int depth, Block &out, const Block *inserted) const;
+    void call_macro(const Line &line, const std::string &text, const Variables &variables, int depth, Block &out,
+                    const Block *inserted) const;
 
     Variables constants_;
     std::map<std::string, Macro> macros_;
