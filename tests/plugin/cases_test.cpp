@@ -80,7 +80,8 @@ TEST(Runner, NoticesAnotherResult) {
 TEST(Runner, PutsWhatIsBelowAMacroInThePlaceOfItsBlock) {
     const std::string text = "define told result\n    call oc_opt_psm_cfg_wtr_to_low(top/in/leaf, dest) -> {result}\n"
                              "        +@\n        *block\n        -@\nsetup\n    look output messages\n"
-                             "case One\n    for value in 5\n    tree top top/in\n        leaf = {value}\n    *told 0\n";
+                             "case One\n    for value in 5\n    tree top top/in\n"
+                             "        each tag other in leaf {value} more 6: {tag} = {other}\n    *told 0\n";
     const std::string add = "add(dest, \"/active-nodes/active-node/slot/psm/revertive/wtr\", ns=ots-cfg, "
                             "value=\"{value}\", src=none, result=none, 0, 1)\n";
     EXPECT_EQ(failures_of(text + "        " + add), Lines{});
@@ -135,6 +136,9 @@ TEST(Runner, RefusesWhatItDoesNotUnderstand) {
     EXPECT_EQ(failures_of("define jump\n    *jump\ncase One\n    *jump\n"), Lines{"3: file:2: a macro of itself"});
     EXPECT_EQ(failures_of("define jump\n    kind 1\ncase One\n    *jump\n        kind 2\n"),
               Lines{"3: file:4: jump takes no block"});
+    EXPECT_EQ(failures_of("case One\n    each a b in 1 2 3: kind {a}\n"),
+              Lines{"1: file:2: expected: each NAME... in VALUE...: LINE"});
+    EXPECT_EQ(failures_of("case One\n    each a in 1 x: kind {a}\n"), Lines{"1: file:2: 'x' is no number"});
     EXPECT_EQ(failures_of("case One\n    *block\n"), Lines{"1: file:2: no macro block of 0 arguments"});
     EXPECT_EQ(failures_of("case One\n    tree a\n"),
               Lines{"1: file:2: expected: a root behind the name, or one below it"});

@@ -389,6 +389,10 @@ void File::expand(const Line &line, const Variables &variables, int depth, Block
         }
         text = trimmed(std::string_view(text).substr(colon + 2));
     }
+    if (after(text, "each")) {
+        repeat(line, text, variables, depth, out, inserted);
+        return;
+    }
     if (text == "*block" && inserted != nullptr) {
         out.insert(out.end(), inserted->begin(), inserted->end());
         return;
@@ -406,6 +410,27 @@ void File::expand(const Line &line, const Variables &variables, int depth, Block
         expand(below, variables, depth + 1, one.block, inserted);
     }
     out.push_back(std::move(one));
+}
+
+// each NAME... in VALUE...: LINE, once for every value, or for as many of them as there are names.
+void File::repeat(const Line &line, const std::string &text, const Variables &variables, int depth, Block &out,
+                  const Block *inserted) const {
+    const std::size_t colon = text.find(": ");
+    const std::vector<std::string> all = words(line, replaced(line, text.substr(0, colon), variables));
+    const auto in = std::find(all.begin(), all.end(), "in");
+    const auto names = in - all.begin() - 1;
+    if (colon == std::string::npos || names < 1 || all.end() - in < 2 || (all.end() - in - 1) % names != 0) {
+        throw Malformed(line, "expected: each NAME... in VALUE...: LINE");
+    }
+    Line one = line;
+    one.text = trimmed(std::string_view(text).substr(colon + 2));
+    for (auto value = in + 1; value != all.end();) {
+        Variables inner = variables;
+        for (auto name = all.begin() + 1; name != in; ++name) {
+            inner[*name] = *value++;
+        }
+        expand(one, inner, depth + 1, out, inserted);
+    }
 }
 
 void File::call_macro(const Line &line, const std::string &text, const Variables &variables, int depth, Block &out,

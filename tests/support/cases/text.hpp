@@ -94,6 +94,8 @@ private:
     [[nodiscard]] std::vector<Run> runs_of(const Case &whole, const Block &heads) const;
     // `inserted` is what a macro's call has below it, which stands in the place of "*block"; null outside of macros.
     void expand(const Line &line, const Variables &variables, int depth, Block &out, const Block *inserted) const;
+    void repeat(const Line &line, const std::string &text, const Variables &variables, int depth, Block &out,
+                const Block *inserted) const;
     void call_macro(const Line &line, const std::string &text, const Variables &variables, int depth, Block &out,
                     const Block *inserted) const;
 
