@@ -52,6 +52,11 @@ TEST(Runner, PassesWhatIsAsExpected) {
     EXPECT_EQ(failures_of(calling(added)), Lines{});
     EXPECT_EQ(failures_of(calling("        ...\n")), Lines{});
     EXPECT_EQ(failures_of(calling("        +@\n        ...\n        -@\n        ...\n")), Lines{});
+    EXPECT_EQ(failures_of(std::string(head) + "    traced oc_opt_psm_cfg_wtr_to_low -> 0\n        ...\n"), Lines{});
+    EXPECT_EQ(
+        failures_of(std::string(head) + "    traced oc_opt_psm_cfg_wtr_to_low -> 0\n"),
+        Lines{"6: what happened differs at its line 2: expected\n    -oc_opt_psm_cfg_wtr_to_low\nbut found\n    " +
+              rest("add(dest").substr(0, rest("add(dest").find('\n')) + "\n    -oc_opt_psm_cfg_wtr_to_low"});
 }
 
 TEST(Runner, NoticesAnotherTextACallThatIsMissingAndOneTooMany) {

@@ -221,7 +221,8 @@ kerrno Scene::run(const Line &line, const Call &call) {
     throw Malformed(line, "two or three arguments");
 }
 
-void Scene::call(const Line &line, const Words & /*all*/) {
+// call FUNCTION -> RESULT, or traced FUNCTION -> RESULT, which says Start before everything else and End behind it.
+void Scene::call(const Line &line, const Words &all) {
     settle();
     last_call_ = &line;
     const Call call = parsed_call(line, line.text.substr(line.text.find(' ') + 1));
@@ -235,6 +236,10 @@ void Scene::call(const Line &line, const Words & /*all*/) {
             }
         }
         expected.push_back(std::move(text));
+    }
+    if (all.front() == "traced") {
+        expected.insert(expected.begin(), "+" + short_name(call.function));
+        expected.push_back("-" + short_name(call.function));
     }
     stage_.platform.forget();
     const fake::Checker checker(stage_.platform, stage_.request.ctx(), tolerance_);

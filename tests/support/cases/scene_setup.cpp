@@ -129,6 +129,7 @@ const std::map<std::string, Scene::Step> &Scene::steps() {
                                                  {"hear", &Scene::hear},
                                                  {"tolerate", &Scene::tolerate},
                                                  {"call", &Scene::call},
+                                                 {"traced", &Scene::call},
                                                  {"dies", &Scene::dies},
                                                  {"on-every-channel", &Scene::on_every_channel},
                                                  {"same", &Scene::same},
