@@ -159,6 +159,10 @@ TEST(Runner, RefusesWhatItDoesNotUnderstand) {
     EXPECT_EQ(failures_of("case One\n    for a in 1\n    for a in 2\n    kind 1\n"),
               Lines{"file:3: a second column a"});
     EXPECT_EQ(failures_of("table t\n    a b\n    1\n"), Lines{"file:3: 1 cells below 2 columns"});
+    EXPECT_EQ(failures_of("table t\n    a b\n    each 1 2: 3 4\n"), Lines{"file:3: 3 cells below 2 columns"});
+    EXPECT_EQ(failures_of("case One\n    rows\n        a b\n        each 1 x: 2\n    kind {a}\n"),
+              (Lines{"4: row of line 4: a=1 b=2\nfile:5: a case without a call",
+                     "4: row of line 4: a=x b=2\nfile:5: 'x' is no number"}));
     EXPECT_EQ(failures_of("table t\n    a b\n"), Lines{"file:1: a table without rows"});
     EXPECT_EQ(failures_of("case One\n\tkind 1\n"), Lines{"file:2: a tab"});
     EXPECT_EQ(failures_of("case One\n    kind 1\n  kind 2\n"), Lines{"file:3: indented as no line above it"});

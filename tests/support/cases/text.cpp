@@ -66,6 +66,21 @@ bool takes_block(const Block &lines) {
                        [](const Line &line) { return line.text == "*block" || takes_block(line.block); });
 }
 
+// The rows that a line of a table stands for: itself, or with "each VALUE...: CELLS" the cells behind each of the
+// values.
+std::vector<std::string> row_texts(const Line &line) {
+    const std::size_t colon = line.text.find(": ");
+    if (!after(line.text, "each") || colon == std::string::npos) {
+        return {line.text};
+    }
+    std::vector<std::string> texts = words(line, std::string_view(line.text).substr(0, colon));
+    texts.erase(texts.begin());
+    for (std::string &text : texts) {
+        text += line.text.substr(colon + 1);
+    }
+    return texts;
+}
+
 } // namespace
 
 Malformed::Malformed(const Line &at, const std::string &what) : std::runtime_error(place(at) + ": " + what) {}
@@ -178,13 +193,15 @@ Table table_of(const Line &head) {
     Table table;
     table.columns = words(head, head.block.front().text);
     for (auto line = head.block.begin() + 1; line != head.block.end(); ++line) {
-        std::vector<std::string> cells = words(*line, line->text);
-        if (cells.size() != table.columns.size() || !line->block.empty()) {
-            throw Malformed(*line, std::to_string(cells.size()) + " cells below " +
-                                       std::to_string(table.columns.size()) + " columns");
+        for (const std::string &text : row_texts(*line)) {
+            std::vector<std::string> cells = words(*line, text);
+            if (cells.size() != table.columns.size() || !line->block.empty()) {
+                throw Malformed(*line, std::to_string(cells.size()) + " cells below " +
+                                           std::to_string(table.columns.size()) + " columns");
+            }
+            table.rows.push_back(std::move(cells));
+            table.lines.push_back(line->number);
         }
-        table.rows.push_back(std::move(cells));
-        table.lines.push_back(line->number);
     }
     return table;
 }
