@@ -155,6 +155,12 @@ TEST(Runner, RefusesWhatItDoesNotUnderstand) {
               Lines{"2: file:3: braces that do not match, or a variable of itself: kind {a}"});
     EXPECT_EQ(failures_of("case One\n    kind x\n"), Lines{"1: file:2: 'x' is no number"});
     EXPECT_EQ(failures_of("case One\n    kind \"1\n"), Lines{"1: file:2: a quote that is not closed"});
+    EXPECT_EQ(
+        failures_of("table a\n    a\n    1\ntable b\n    b\n    x\n    y\ncase One\n    rows a b\n    kind {b}\n"),
+        (Lines{"6: row of line 6: a=1 b=x\nfile:10: 'x' is no number",
+               "7: row of line 7: a=1 b=y\nfile:10: 'y' is no number"}));
+    EXPECT_EQ(failures_of("table a\n    a\n    1\ncase One\n    rows a none\n    kind 1\n"),
+              Lines{"file:5: no rows: rows a none"});
     EXPECT_EQ(failures_of("case One\n    rows none\n    kind 1\n"), Lines{"file:2: no rows: rows none"});
     EXPECT_EQ(failures_of("case One\n    for a in 1\n    for a in 2\n    kind 1\n"),
               Lines{"file:3: a second column a"});

@@ -81,6 +81,25 @@ std::vector<std::string> row_texts(const Line &line) {
     return texts;
 }
 
+// Every run with every row of a table.
+std::vector<Run> combined(const Line &head, const std::vector<Run> &runs, const Table &table) {
+    std::vector<Run> more;
+    for (const Run &run : runs) {
+        for (std::size_t row = 0; row < table.rows.size(); ++row) {
+            Run next = run;
+            next.line = table.lines[row] == 0 ? run.line : table.lines[row];
+            for (std::size_t column = 0; column < table.columns.size(); ++column) {
+                if (!next.variables.emplace(table.columns[column], table.rows[row][column]).second) {
+                    throw Malformed(head, "a second column " + table.columns[column]);
+                }
+                next.row += (next.row.empty() ? "" : " ") + table.columns[column] + "=" + table.rows[row][column];
+            }
+            more.push_back(std::move(next));
+        }
+    }
+    return more;
+}
+
 } // namespace
 
 Malformed::Malformed(const Line &at, const std::string &what) : std::runtime_error(place(at) + ": " + what) {}
@@ -306,36 +325,22 @@ void File::read(const Block &lines, const std::filesystem::path &directory) {
 std::vector<Run> File::runs_of(const Case &whole, const Block &heads) const {
     std::vector<Run> runs{{{}, "", whole.line}};
     for (const Line &head : heads) {
-        Table table;
         const std::vector<std::string> all = words(head, head.text);
         if (all[0] == "for" && all.size() >= 4 && all[2] == "in") {
-            table.columns = {all[1]};
-            for (auto cell = all.begin() + 3; cell != all.end(); ++cell) {
-                table.rows.push_back({*cell});
-                table.lines.push_back(0);
-            }
+            Table table{{all[1]}, {}, std::vector<int>(all.size() - 3, 0)};
+            std::transform(all.begin() + 3, all.end(), std::back_inserter(table.rows),
+                           [](const std::string &cell) { return std::vector<std::string>{cell}; });
+            runs = combined(head, runs, table);
         } else if (all[0] == "rows" && all.size() == 1) {
-            table = table_of(head);
-        } else if (all[0] == "rows" && all.size() == 2 && tables_.contains(all[1])) {
-            table = tables_.at(all[1]);
+            runs = combined(head, runs, table_of(head));
         } else {
-            throw Malformed(head, "no rows: " + head.text);
-        }
-        std::vector<Run> more;
-        for (const Run &run : runs) {
-            for (std::size_t row = 0; row < table.rows.size(); ++row) {
-                Run next = run;
-                next.line = table.lines[row] == 0 ? run.line : table.lines[row];
-                for (std::size_t column = 0; column < table.columns.size(); ++column) {
-                    if (!next.variables.emplace(table.columns[column], table.rows[row][column]).second) {
-                        throw Malformed(head, "a second column " + table.columns[column]);
-                    }
-                    next.row += (next.row.empty() ? "" : " ") + table.columns[column] + "=" + table.rows[row][column];
+            for (auto name = all.begin() + 1; name != all.end(); ++name) {
+                if (all[0] != "rows" || !tables_.contains(*name)) {
+                    throw Malformed(head, "no rows: " + head.text);
                 }
-                more.push_back(std::move(next));
+                runs = combined(head, runs, tables_.at(*name));
             }
         }
-        runs = std::move(more);
     }
     return runs;
 }
