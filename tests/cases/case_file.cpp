@@ -37,7 +37,9 @@ private:
     void begin_template(std::string_view title);
     void begin_case(std::string_view title);
     void begin_section(std::vector<Section> Case::*list, std::string_view title);
+    bool section(std::string_view text);
     void body(std::string_view text);
+    void add(std::string_view text);
     std::vector<std::string> filled(std::string_view use) const;
     void check_case() const;
     [[noreturn]] void refuse(const std::string &what) const { throw BadCase(file_, number_, what); }
@@ -107,40 +109,59 @@ void Parser::begin_section(std::vector<Section> Case::*list, std::string_view ti
     }
 }
 
-// The lines of a template with the words of its use in place of $1, $2, ...
+// The lines of a template with the words of its use in place of $1, $2, ..., and all of them in place of $*.
 std::vector<std::string> Parser::filled(std::string_view use) const {
     const std::vector<std::string> words = words_of(use.substr(1));
     const auto found = words.empty() ? templates_.end() : templates_.find(words.front());
     if (found == templates_.end()) {
         refuse("no template for '" + std::string(use) + "'");
     }
+    const std::size_t behind_name = use.find(words.front()) + words.front().size();
+    const std::string_view all = words.size() == 1 ? "" : use.substr(use.find(words[1], behind_name));
     std::vector<std::string> lines;
     for (const std::string &line : found->second) {
         std::string out;
         for (std::size_t at = 0; at < line.size(); ++at) {
-            const bool place = line[at] == '$' && at + 1 < line.size() && line[at + 1] >= '1' && line[at + 1] <= '9';
-            if (!place) {
+            const char next = line[at] == '$' && at + 1 < line.size() ? line[at + 1] : '\0';
+            const auto index = static_cast<std::size_t>(next - '0');
+            if (next == '*') {
+                out += all;
+            } else if (next < '1' || next > '9') {
                 out += line[at];
                 continue;
+            } else if (index < words.size()) {
+                out += words[index];
+            } else {
+                refuse("'" + std::string(use) + "' gives no $" + next);
             }
-            const auto index = static_cast<std::size_t>(line[++at] - '0');
-            if (index >= words.size()) {
-                refuse("'" + std::string(use) + "' gives no $" + line[at]);
-            }
-            out += words[index];
+            ++at;
         }
         lines.push_back(std::move(out));
     }
     return lines;
 }
 
+bool Parser::section(std::string_view text) {
+    const bool input = text.starts_with(input_mark);
+    if (input || text.starts_with(expected_mark)) {
+        begin_section(input ? &Case::input : &Case::expected, title(text, input ? input_mark : expected_mark));
+    }
+    return input || text.starts_with(expected_mark);
+}
+
 void Parser::body(std::string_view text) {
     if (text.starts_with('@')) {
-        for (std::string &line : filled(text)) {
-            section_->lines.push_back({number_, std::move(line)});
+        for (const std::string &line : filled(text)) {
+            if (!section(line)) {
+                add(line);
+            }
         }
-        return;
+    } else {
+        add(text);
     }
+}
+
+void Parser::add(std::string_view text) {
     text.remove_prefix(text.starts_with('\\') ? 1 : 0);
     section_->lines.push_back({number_, std::string(text)});
 }
@@ -152,10 +173,8 @@ void Parser::line(const std::string &text) {
         begin_template(title(text, template_mark));
     } else if (text.starts_with(case_mark)) {
         begin_case(title(text, case_mark));
-    } else if (text.starts_with(input_mark)) {
-        begin_section(&Case::input, title(text, input_mark));
-    } else if (text.starts_with(expected_mark)) {
-        begin_section(&Case::expected, title(text, expected_mark));
+    } else if (defining_ == nullptr && section(text)) {
+        return;
     } else if (section_ != nullptr) {
         body(text);
     } else if (text.starts_with('#')) {
@@ -164,7 +183,7 @@ void Parser::line(const std::string &text) {
         const std::vector<std::string> lines = filled(text);
         defining_->insert(defining_->end(), lines.begin(), lines.end());
     } else if (defining_ != nullptr && !text.empty()) {
-        defining_->push_back(text.substr(text.starts_with('\\') ? 1 : 0));
+        defining_->push_back(text);
     } else if (!text.empty()) {
         refuse("a text before the first case that is no comment");
     }

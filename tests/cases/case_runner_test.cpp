@@ -35,37 +35,47 @@ std::string refusal(const std::string &text) {
 }
 
 TEST(CaseFile, HoldsCasesWithTheirSections) {
-    EXPECT_EQ(shown(parse_cases("f", "# about\n"
-                                     "\n"
-                                     "@define pair\n"
-                                     "one $1\n"
-                                     "\n"
-                                     "# about the template\n"
-                                     "\\# no comment\n"
-                                     "two $2$1 $0 $\n"
-                                     "@define more\n"
-                                     "@pair a $1\n"
-                                     "\\@end\n"
-                                     "=== first  case\n"
-                                     "# no comment\n"
-                                     "@more b\n"
-                                     "\\=== text\n"
-                                     "\n"
-                                     "\\\n"
-                                     "\n"
-                                     "==> text\n"
-                                     " x\n"
-                                     "\n"
-                                     "=== second\n"
-                                     "--- in\n"
-                                     "\\\\y\n"
-                                     "==> one\n"
-                                     "==> two: @pair c d\n"
-                                     "==> three: x: y\n"
-                                     "z\n")),
-              "case 12 first  case\nin 12 \n# no comment\none a\n# no comment\ntwo ba $0 $\n@end\n=== text\n"
-              "out 19 text\n x\ncase 22 second\nin 22 \nin 23 in\n\\y\nout 25 one\nout 26 two\n"
-              "one c\n# no comment\ntwo dc $0 $\nout 27 three\nx: y\nz\n");
+    EXPECT_EQ(shown(parse_cases("f", R"(# about
+
+@define pair
+one $1
+
+# about the template
+\# no comment
+two $2$1 $0 $
+@define more
+@pair a $1
+\@end
+@define rest
+$2|$*|
+\==> no section
+==> $1: @pair $*
+=== first  case
+# no comment
+@more b
+\=== text
+
+\
+
+==> text
+ x
+
+=== second
+--- in
+\\y
+==> one
+==> two: @pair c d
+==> three: x: y
+z
+=== third
+@rest  rest  rest e
+==> f
+)")),
+              "case 16 first  case\nin 16 \n# no comment\none a\n# no comment\ntwo ba $0 $\n@end\n=== text\n"
+              "out 23 text\n x\ncase 26 second\nin 26 \nin 27 in\n\\y\nout 29 one\nout 30 two\n"
+              "one c\n# no comment\ntwo dc $0 $\nout 31 three\nx: y\nz\n"
+              "case 33 third\nin 33 \nrest|rest  rest e|\n==> no section\nout 34 rest\n"
+              "one rest\n# no comment\ntwo restrest $0 $\nout 35 f\n");
 }
 
 TEST(CaseFile, IsRefusedWhenItIsMalformed) {
