@@ -1,4 +1,4 @@
-// Runs the cases of this directory: adds to a native request, and what the request says then.
+// Runs the cases of this directory and of modules/: adds to a native request, and what the request says then.
 //
 // Input: "edit" or "read", then adds, parted by "; " or the end of a line:
 //   [open] PATH [OPERATION] [in NAMESPACE] [= VALUE]
@@ -11,11 +11,7 @@
 //   --- origins of   native paths, one per line
 //
 // Expected sections:
-//   net      the net request; a node that has nothing but one inner node below it is followed by that: NODE/NODE, any
-//   other
-//            by its leaves behind ": " and by its inner nodes on lines of their own, two blanks deeper
-//              NODE  NAME, of an entry [KEY,...] ("?" selected, "-" not named), "+" made, <OPERATION> unless it is
-//              merge LEAF  NAME, ='VALUE' when it has one, <OPERATION>
+//   net      the net request, as net_text shows it
 //   steps    its operations: OPERATION PATH [= VALUE]
 //   xml, json, check   what these make of it, or the error; check: "fine" when there is none
 //   adds     the adds that fail: NUMBER: text of the code
@@ -157,48 +153,6 @@ private:
     std::string failed_;
 };
 
-void show(std::span<const NativeNode> nodes, const std::string &indent, std::string &out);
-
-std::string operation_of(const NativeNode &node) {
-    return node.operation == ocpsm::Operation::merge ? "" : "<" + std::string(operation_name(node.operation)) + ">";
-}
-
-void show_inner(const NativeNode &node, const std::string &indent, std::string &out) {
-    out += node.schema->name;
-    for (const NativeNode &key : keys(node)) {
-        out.append(&key == &node.children.front() ? "[" : ",");
-        out.append(key.selected ? "?" : key.value.value_or("-"));
-    }
-    out.append(keys(node).empty() ? "" : "]").append(node.made ? "+" : "").append(operation_of(node));
-    const char *before = ": ";
-    std::vector<NativeNode> inner;
-    for (const NativeNode &child : others(node)) {
-        if (child.schema->nodetype != LYS_LEAF) {
-            inner.push_back(child);
-            continue;
-        }
-        out.append(std::exchange(before, ", ")).append(child.schema->name);
-        out.append(child.value ? "='" + *child.value + "'" : "").append(operation_of(child));
-    }
-    if (*before == ':' && inner.size() == 1) {
-        show_inner(inner.front(), indent, out += "/");
-    } else {
-        show(inner, indent + "  ", out += "\n");
-    }
-}
-
-void show(std::span<const NativeNode> nodes, const std::string &indent, std::string &out) {
-    for (const NativeNode &node : nodes) {
-        show_inner(node, indent, out += indent);
-    }
-}
-
-std::string shown(const std::vector<NativeNode> &roots) {
-    std::string out;
-    show(roots, "", out);
-    return out;
-}
-
 // Data as "net" shows it; its keys and values hold none of the signs of that notation.
 class HeldReader {
 public:
@@ -260,12 +214,6 @@ private:
     Open open_;
 };
 
-std::string text_or_error(const std::function<std::string()> &make) {
-    std::string text;
-    const std::string error = error_of([&] { text = make(); });
-    return error == "none" ? text : error + "\n";
-}
-
 std::string origins_of(const Case &test, const NativeRequest &request) {
     std::string out;
     const Section *paths = test.find_input("origins of");
@@ -283,13 +231,13 @@ std::string answer(const Case &test, const std::string &wanted) {
     const Maker maker(test);
     const ocpsm::native::NetRequest net = maker.request().net();
     const std::pair<const char *, std::function<std::string()>> sections[] = {
-        {"net", [&] { return shown(net.roots); }},
+        {"net", [&] { return net_text(net.roots); }},
         {"steps", [&] { return steps(maker.request()); }},
         {"xml", [&] { return text_or_error([&] { return net.to_xml(); }); }},
         {"json", [&] { return text_or_error([&] { return net.to_json(); }); }},
         {"check", [&] { return text_or_error([&] { return net.check(), "fine\n"; }); }},
         {"adds", [&] { return maker.failed(); }},
-        {"answer", [&] { return shown(ocpsm::native::answer(HeldReader(test).read(), net).roots); }},
+        {"answer", [&] { return net_text(ocpsm::native::answer(HeldReader(test).read(), net).roots); }},
         {"origins", [&] { return origins_of(test, maker.request()); }},
     };
     for (const auto &[name, make] : sections) {
@@ -300,7 +248,8 @@ std::string answer(const Case &test, const std::string &wanted) {
     throw BadCase(test.file, test.line, "no such section: " + wanted);
 }
 
-const bool registered = case_runner::register_cases(NATIVE_CASES, answer);
+const bool registered =
+    case_runner::register_cases(NATIVE_CASES, answer) && case_runner::register_cases(NATIVE_CASES "/modules", answer);
 
 } // namespace
 } // namespace native_test

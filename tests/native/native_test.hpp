@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -65,6 +66,15 @@ inline Request read() {
 
 // "source tag at native path: message | advice" of the error that a call ends with, "none" without one.
 std::string error_of(const std::function<void()> &call);
+
+// What a call makes, or the error that it ends with.
+std::string text_or_error(const std::function<std::string()> &make);
+
+// A net request: a node that has nothing but one inner node below it is followed by that, NODE/NODE; any other by its
+// leaves behind ": " and by its inner nodes on lines of their own, two blanks deeper.
+//   NODE  NAME, of an entry [KEY,...] ("?" selected, "-" not named), "+" made, <OPERATION> unless it is merge
+//   LEAF  NAME, ='VALUE' when it has one, <OPERATION>
+std::string net_text(std::span<const ocpsm::native::NativeNode> roots);
 
 // A line per step of the net request: the operation's name, the path and, when there is one, "= value".
 std::string steps(const ocpsm::native::NativeRequest &request);
