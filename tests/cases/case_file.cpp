@@ -224,10 +224,10 @@ std::string Section::text() const {
     return out;
 }
 
-const Section *Case::find_input(std::string_view section) const {
+const Section *Case::find(const std::vector<Section> &sections, std::string_view name) {
     const auto found =
-        std::find_if(input.begin(), input.end(), [&](const Section &each) { return each.name == section; });
-    return found == input.end() ? nullptr : &*found;
+        std::find_if(sections.begin(), sections.end(), [&](const Section &each) { return each.name == name; });
+    return found == sections.end() ? nullptr : &*found;
 }
 
 std::vector<Case> parse_cases(const std::string &file, std::string_view text) {

@@ -37,8 +37,12 @@ struct Case {
     std::vector<Section> input; // the unnamed section first
     std::vector<Section> expected;
 
-    // The input section of this name; null when there is none.
-    const Section *find_input(std::string_view section) const;
+    // The input or expected section of this name; null when there is none.
+    const Section *find_input(std::string_view section) const { return find(input, section); }
+    const Section *find_expected(std::string_view section) const { return find(expected, section); }
+
+private:
+    static const Section *find(const std::vector<Section> &sections, std::string_view name);
 };
 
 // The cases of a text, at least one; `file` is what messages call it. Throws BadCase.

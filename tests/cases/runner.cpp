@@ -20,18 +20,25 @@ public:
 
     void TestBody() override {
         for (const Section &section : test_.expected) {
-            try {
-                const std::string different = difference(section.text(), answer_(test_, section.name));
-                if (!different.empty()) {
-                    ADD_FAILURE_AT(test_.file.c_str(), section.line) << section.name << " differs:\n" << different;
-                }
-            } catch (const std::exception &error) {
-                ADD_FAILURE_AT(test_.file.c_str(), section.line) << section.name << ": " << error.what();
+            for (std::size_t begin = 0, end = 0; end != std::string::npos; begin = end + 2) {
+                end = section.name.find(", ", begin);
+                compare(section, section.name.substr(begin, end - begin));
             }
         }
     }
 
 private:
+    void compare(const Section &section, const std::string &wanted) const {
+        try {
+            const std::string different = difference(section.text(), answer_(test_, wanted));
+            if (!different.empty()) {
+                ADD_FAILURE_AT(test_.file.c_str(), section.line) << wanted << " differs:\n" << different;
+            }
+        } catch (const std::exception &error) {
+            ADD_FAILURE_AT(test_.file.c_str(), section.line) << wanted << ": " << error.what();
+        }
+    }
+
     Case test_;
     Answer answer_;
 };

@@ -11,7 +11,7 @@
  * the "failures" of the writes, or how many "state leaves" the read names.
  *
  * Instance maps: "read NAME" begins the read of an instance, "add PATH = VALUE" and "open PATH = VALUE" add to it;
- * section "nodes" has instance paths of native nodes, "instances" whose they are.
+ * "instances" has instance paths of native nodes, and whose they are.
  */
 #include <sstream>
 
@@ -219,9 +219,9 @@ std::string answer(const Case &test, const std::string &wanted) {
     if (wanted == "instances") {
         const InstanceMap map = map_of(test);
         Lines lines;
-        for (const case_runner::Line &line : test.find_input("nodes")->lines) {
+        for (const case_runner::Line &line : test.find_expected("instances")->lines) {
             if (!line.text.empty()) {
-                lines.push_back(instance_of(map, line.text));
+                lines.push_back(instance_of(map, line.text.substr(0, line.text.find(": "))));
             }
         }
         return lines_of(lines);

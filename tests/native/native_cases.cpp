@@ -7,8 +7,7 @@
 // unless the case expects "adds"; its origin is its number, from 1.
 //   controller NAME    three adds that open the interface entry of a controller
 // Further input:
-//   --- held         data that a device holds, as "net" shows it
-//   --- origins of   native paths, one per line
+//   --- held   data that a device holds, as "net" shows it
 //
 // Expected sections:
 //   net      the net request, as net_text shows it
@@ -16,7 +15,7 @@
 //   xml, json, check   what these make of it, or the error; check: "fine" when there is none
 //   adds     the adds that fail: NUMBER: text of the code
 //   answer   what a device that holds "held" answers, as "net" shows it
-//   origins  for each path of "origins of" the number of the add, or "none"
+//   origins  PATH: the number of the add that the node comes from, or "none"
 #include <gtest/gtest.h>
 #include <libyang/libyang.h>
 
@@ -214,15 +213,14 @@ private:
     Open open_;
 };
 
+// The expected lines, each with the origin that its path has.
 std::string origins_of(const Case &test, const NativeRequest &request) {
     std::string out;
-    const Section *paths = test.find_input("origins of");
-    for (std::istringstream lines(paths == nullptr ? "" : paths->text()); !lines.eof();) {
-        std::string path;
-        if (std::getline(lines, path)) {
-            const Origin origin = request.net().origin_of(path);
-            out += (origin == ocpsm::native::no_origin ? "none" : std::to_string(origin)) + "\n";
-        }
+    std::istringstream expected(test.find_expected("origins")->text());
+    for (std::string line; std::getline(expected, line);) {
+        const std::string path = line.substr(0, line.rfind(": "));
+        const Origin origin = request.net().origin_of(path);
+        out += path + ": " + (origin == ocpsm::native::no_origin ? "none" : std::to_string(origin)) + "\n";
     }
     return out;
 }
