@@ -73,8 +73,6 @@ using ocpsm::ReadResult;
 
 class FailingAllocations : public SessionFixture {
 protected:
-    void SetUp() override { use(ocpsm::line_system::example()); }
-
     // Carries out a request again and again, each time another of its allocations failing, `step` behind the one
     // before, until none fails; then so that all behind it fail too. `request` gives what it comes to, an error as no
     // text.
@@ -142,7 +140,7 @@ TEST_F(FailingAllocations, OfAReadOfTheDatabaseLeaveNoLeafOut) {
 
 TEST_F(FailingAllocations, OfASmallEditLeaveNothingOut) {
     const ocpsm::framework::Plugin &loaded = plugin();
-    const std::string text = modules_text(module_text("0/1-PSM-OM", "<config><revertive>true</revertive></config>"));
+    const std::string text = (module_text(1, "<config><revertive>true</revertive></config>"));
     const std::vector<HeldDevice::Leaf> leaves{
         {"/interface-configurations/interface-configuration[active=act][interface-name=Ots0/1/0/1]", ""}};
     expect_all_or_nothing(7, [&] {

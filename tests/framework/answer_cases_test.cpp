@@ -244,11 +244,11 @@ std::string answer(const Case &test, const std::string &wanted) {
     if (wanted != "leaves") {
         throw BadCase(test.file, test.line, "no such section");
     }
-    Lines lines;
-    tree.for_each_leaf([&lines](const std::string &path, std::string_view value) {
-        lines.push_back(short_path(path) + " = " + std::string(value));
+    std::vector<ocpsm::Leaf> leaves;
+    tree.for_each_leaf([&leaves](const std::string &path, std::string_view value) {
+        leaves.push_back({path, std::string(value)});
     });
-    return lines_of(lines);
+    return lines_of(grouped(leaves));
 }
 
 [[maybe_unused]] const bool registered = case_runner::register_cases(CASES_DIRECTORY, answer);

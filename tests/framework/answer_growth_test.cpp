@@ -129,7 +129,6 @@ private:
 
 class GrowthThroughThePlugin : public SessionFixture {
 protected:
-    void SetUp() override { use(ocpsm::line_system::example()); }
 };
 
 TEST_F(GrowthThroughThePlugin, OfManyNativeEntries) {

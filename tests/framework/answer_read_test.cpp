@@ -10,116 +10,42 @@ using ocpsm::ReadResult;
 using ocpsm::line_system::LineSettings;
 using ocpsm::line_system::LineSystem;
 using ocpsm::line_system::slot;
-using ocpsm::line_system::with_modules;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-LineSystem bare(std::initializer_list<int> slots) {
-    return with_modules(std::vector<int>(slots));
-}
 
 class AnswerRead : public SessionFixture {};
 
 // ---- everything there is ----
 
-const Lines example_module_1{
-    "1/name = 0/1-PSM-OM",
-    "1/config/name = 0/1-PSM-OM",
-    "1/config/revertive = true",
-    "1/config/wait-to-restore-time = 10000",
-    "1/config/primary-switch-threshold = -25.0",
-    "1/config/primary-switch-hysteresis = 1.0",
-    "1/config/secondary-switch-threshold = -28.0",
-    "1/config/relative-switch-threshold = 0.0",
-    "1/config/relative-switch-threshold-offset = 0.0",
-    "1/config/force-to-port = NONE",
-    "1/state/name = 0/1-PSM-OM",
-    "1/state/revertive = true",
-    "1/state/wait-to-restore-time = 10000",
-    "1/state/primary-switch-threshold = -25.0",
-    "1/state/primary-switch-hysteresis = 1.0",
-    "1/state/secondary-switch-threshold = -28.0",
-    "1/state/relative-switch-threshold = 0.0",
-    "1/state/relative-switch-threshold-offset = 0.0",
-    "1/state/force-to-port = NONE",
-    "1/state/active-path = openconfig-transport-line-protection:PRIMARY",
-    "1/ports/line-primary-in/config/target-attenuation = 2.5",
-    "1/ports/line-primary-in/state/target-attenuation = 2.5",
-    "1/ports/line-primary-in/state/attenuation = 2.5",
-    "1/ports/line-primary-in/state/optical-power/instant = -12.34",
-    "1/ports/line-primary-in/state/optical-power/avg = -12.3",
-    "1/ports/line-primary-in/state/optical-power/min = -12.51",
-    "1/ports/line-primary-in/state/optical-power/max = -12.18",
-    "1/ports/line-primary-out/config/target-attenuation = 1.0",
-    "1/ports/line-primary-out/state/target-attenuation = 1.0",
-    "1/ports/line-primary-out/state/attenuation = 1.0",
-    "1/ports/line-primary-out/state/optical-power/instant = -2.15",
-    "1/ports/line-primary-out/state/optical-power/avg = -2.14",
-    "1/ports/line-primary-out/state/optical-power/min = -2.2",
-    "1/ports/line-primary-out/state/optical-power/max = -2.09",
-    "1/ports/line-secondary-in/config/target-attenuation = 1.5",
-    "1/ports/line-secondary-in/state/target-attenuation = 1.5",
-    "1/ports/line-secondary-in/state/attenuation = 1.5",
-    "1/ports/line-secondary-in/state/optical-power/instant = -15.87",
-    "1/ports/line-secondary-in/state/optical-power/avg = -15.9",
-    "1/ports/line-secondary-in/state/optical-power/min = -16.12",
-    "1/ports/line-secondary-in/state/optical-power/max = -15.77",
-    "1/ports/line-secondary-out/config/target-attenuation = 1.0",
-    "1/ports/line-secondary-out/state/target-attenuation = 1.0",
-    "1/ports/line-secondary-out/state/attenuation = 1.0",
-    "1/ports/line-secondary-out/state/optical-power/instant = -2.23",
-    "1/ports/line-secondary-out/state/optical-power/avg = -2.22",
-    "1/ports/line-secondary-out/state/optical-power/min = -2.31",
-    "1/ports/line-secondary-out/state/optical-power/max = -2.17",
-    "1/ports/common-output/state/optical-power/instant = -14.82",
-    "1/ports/common-output/state/optical-power/avg = -14.8",
-    "1/ports/common-output/state/optical-power/min = -14.95",
-    "1/ports/common-output/state/optical-power/max = -14.71",
-};
-
 const Lines example_configuration_3{
-    "3/name = 0/3-PSM-OM",
-    "3/config/name = 0/3-PSM-OM",
-    "3/config/revertive = false",
-    "3/config/wait-to-restore-time = 300000",
-    "3/config/primary-switch-threshold = -26.5",
-    "3/config/primary-switch-hysteresis = 1.5",
-    "3/config/secondary-switch-threshold = -30.0",
-    "3/config/relative-switch-threshold = 3.0",
-    "3/config/relative-switch-threshold-offset = 0.5",
-    "3/config/force-to-port = NONE",
-    "3/ports/line-primary-in/config/target-attenuation = 0.0",
-    "3/ports/line-primary-out/config/target-attenuation = 0.0",
-    "3/ports/line-secondary-in/config/target-attenuation = 0.8",
-    "3/ports/line-secondary-out/config/target-attenuation = 0.0",
+    "3: name = 0/3-PSM-OM",
+    "3/config: name = 0/3-PSM-OM, revertive = false, wait-to-restore-time = 300000, primary-switch-threshold = -26.5, "
+    "primary-switch-hysteresis = 1.5, secondary-switch-threshold = -30.0, relative-switch-threshold = 3.0, "
+    "relative-switch-threshold-offset = 0.5, force-to-port = NONE",
+    "3/ports/line-primary-in/config: target-attenuation = 0.0",
+    "3/ports/line-primary-out/config: target-attenuation = 0.0",
+    "3/ports/line-secondary-in/config: target-attenuation = 0.8",
+    "3/ports/line-secondary-out/config: target-attenuation = 0.0",
 };
-
-TEST_F(AnswerRead, AModuleIsAnsweredWithAllThatTheLineSystemServes) {
-    use(ocpsm::line_system::example());
-    EXPECT_EQ(get_path(module_path(1)), example_module_1);
-}
 
 // Configuration of the secondary line's attenuators comes with a read of kind 10 from the database, and alone with one
 // of configuration from the controller.
 TEST_F(AnswerRead, NothingOfTheOtherModuleIsAnswered) {
-    use(ocpsm::line_system::example());
-    EXPECT_EQ(get_path(module_path(3), Kind::get_config), example_configuration_3);
+    EXPECT_EQ(get_config("3"), example_configuration_3);
 }
 
 TEST_F(AnswerRead, WithoutAPathBothKindsAnswerAllModules) {
-    use(ocpsm::line_system::example());
-    const ReadResult all = requests::read_paths(plugin(), {}, Kind::get, device());
-    Lines expected = get_path(module_path(1));
-    const Lines third = get_path(module_path(3));
+    Lines expected = get("1");
+    const Lines third = get("3");
     expected.insert(expected.end(), third.begin(), third.end());
-    EXPECT_EQ(leaves_of(all.answer), expected);
-    EXPECT_EQ(get_path("/"), expected);
-    EXPECT_EQ(get(modules_text("")), expected);
+    EXPECT_EQ(leaves_of(requests::read_paths(plugin(), {}, Kind::get, device()).answer), expected);
+    EXPECT_EQ(get("/"), expected);
+    EXPECT_EQ(get(""), expected);
 
-    Lines configuration = get_path(module_path(1), Kind::get_config);
+    Lines configuration = get_config("1");
     configuration.insert(configuration.end(), example_configuration_3.begin(), example_configuration_3.end());
-    EXPECT_EQ(get_path("/aps", Kind::get_config), configuration);
-    EXPECT_EQ(get_config(modules_text("<aps-module/>")), configuration);
+    EXPECT_EQ(get_config("/aps"), configuration);
+    EXPECT_EQ(get_config("<aps-module/>"), configuration);
 }
 
 TEST_F(AnswerRead, ThreeModulesOfBothKinds) {
@@ -128,25 +54,19 @@ TEST_F(AnswerRead, ThreeModulesOfBothKinds) {
     slot(system, 2).settings.wait_to_restore = 2;
     slot(system, 3).lines[1].rx_thresholds["low"] = -305;
     use(system);
-    EXPECT_THAT(get_path("/", Kind::get_config),
-                ElementsAre("1/name = 0/1-PSM-OM", "1/config/name = 0/1-PSM-OM", "1/config/wait-to-restore-time = 1",
-                            "2/name = 0/2-PSM-OM", "2/config/name = 0/2-PSM-OM", "2/config/wait-to-restore-time = 2",
-                            "3/name = 0/3-PSM-OM", "3/config/name = 0/3-PSM-OM",
-                            "3/config/secondary-switch-threshold = -30.5"));
-    EXPECT_THAT(get_path("/aps/aps-modules/aps-module/config"),
-                ElementsAre("1/name = 0/1-PSM-OM", "1/config/name = 0/1-PSM-OM", "1/config/wait-to-restore-time = 1",
-                            "2/name = 0/2-PSM-OM", "2/config/name = 0/2-PSM-OM", "2/config/wait-to-restore-time = 2",
-                            "3/name = 0/3-PSM-OM", "3/config/name = 0/3-PSM-OM",
-                            "3/config/secondary-switch-threshold = -30.5"));
+    EXPECT_EQ(get_config("/"), get("/aps/aps-modules/aps-module/config"));
+    EXPECT_THAT(get_config("/"),
+                ElementsAre("1: name = 0/1-PSM-OM", "1/config: name = 0/1-PSM-OM, wait-to-restore-time = 1",
+                            "2: name = 0/2-PSM-OM", "2/config: name = 0/2-PSM-OM, wait-to-restore-time = 2",
+                            "3: name = 0/3-PSM-OM", "3/config: name = 0/3-PSM-OM, secondary-switch-threshold = -30.5"));
 }
 
 TEST_F(AnswerRead, NamedInstancesAreReadOneByOneAndJoined) {
-    use(ocpsm::line_system::example());
-    EXPECT_THAT(get_config(modules_text(module_text("0/3-PSM-OM", "<config><revertive/></config>") +
-                                        module_text("0/1-PSM-OM", "<config><force-to-port/></config>") +
-                                        module_text("0/3-PSM-OM", "<config><force-to-port/></config>"))),
-                ElementsAre("1/name = 0/1-PSM-OM", "1/config/force-to-port = NONE", "3/name = 0/3-PSM-OM",
-                            "3/config/revertive = false", "3/config/force-to-port = NONE"));
+    EXPECT_THAT(get_config(module_text(3, "<config><revertive/></config>") +
+                           module_text(1, "<config><force-to-port/></config>") +
+                           module_text(3, "<config><force-to-port/></config>")),
+                ElementsAre("1: name = 0/1-PSM-OM", "1/config: force-to-port = NONE", "3: name = 0/3-PSM-OM",
+                            "3/config: revertive = false, force-to-port = NONE"));
 }
 
 // ---- settings of one line ----
@@ -157,109 +77,97 @@ TEST_F(AnswerRead, OnlyTheSecondaryLineIsConfigured) {
         LineSettings{.rx_thresholds = {{"low", -281}}, .rx_attenuation = 31, .tx_attenuation = 4};
     use(system);
     const auto configuration =
-        ElementsAre("2/name = 0/2-PSM-OM", "2/config/name = 0/2-PSM-OM", "2/config/secondary-switch-threshold = -28.1",
-                    "2/ports/line-secondary-in/config/target-attenuation = 3.1",
-                    "2/ports/line-secondary-out/config/target-attenuation = 0.4");
-    EXPECT_THAT(get_path(module_path(2), Kind::get_config), configuration);
-    EXPECT_THAT(get_path("/", Kind::get_config), configuration);
+        ElementsAre("2: name = 0/2-PSM-OM", "2/config: name = 0/2-PSM-OM, secondary-switch-threshold = -28.1",
+                    "2/ports/line-secondary-in/config: target-attenuation = 3.1",
+                    "2/ports/line-secondary-out/config: target-attenuation = 0.4");
+    EXPECT_THAT(get_config("2"), configuration);
+    EXPECT_THAT(get_config("/"), configuration);
     const std::string read = "<config/><ports><line-secondary-in><config/></line-secondary-in><line-secondary-out>"
                              "<config/></line-secondary-out><line-primary-in><config/></line-primary-in></ports>";
-    EXPECT_THAT(get(modules_text(module_text("0/2-PSM-OM", read))), configuration);
-    EXPECT_THAT(get(modules_text("<aps-module>" + read + "</aps-module>")), configuration);
+    EXPECT_THAT(get(module_text(2, read)), configuration);
+    EXPECT_THAT(get("<aps-module>" + read + "</aps-module>"), configuration);
 }
 
 // ---- modules that are not there ----
 
 TEST_F(AnswerRead, APulledModuleDisappearsWithItsSettings) {
-    const LineSystem system = ocpsm::line_system::pull(ocpsm::line_system::example(), 1);
-    use(system);
-    EXPECT_EQ(get_path("/", Kind::get_config), example_configuration_3);
-    EXPECT_THAT(get_path(module_path(1), Kind::get_config), IsEmpty());
-    EXPECT_THAT(get_path(module_path(1)), IsEmpty());
-    EXPECT_THAT(get_path("/aps/aps-modules/aps-module/name"), ElementsAre("3/name = 0/3-PSM-OM"));
+    use(ocpsm::line_system::pull(ocpsm::line_system::example(), 1));
+    EXPECT_EQ(get_config("/"), example_configuration_3);
+    EXPECT_THAT(get_config("1"), IsEmpty());
+    EXPECT_THAT(get("1"), IsEmpty());
+    EXPECT_THAT(get("/aps/aps-modules/aps-module/name"), ElementsAre("3: name = 0/3-PSM-OM"));
 }
 
 TEST_F(AnswerRead, ANameThatIsNoModuleIsAnsweredWithNothing) {
-    use(ocpsm::line_system::example());
     for (const char *name : {"0/1", "0/01-PSM-OM", "0/1-PSM-OMX", "0/9-PSM-OM", "x", "0/2-PSM-OM"}) {
         const std::string path = std::string("/aps/aps-modules/aps-module[name='") + name + "']";
-        EXPECT_THAT(get_path(path), IsEmpty()) << name;
-        EXPECT_THAT(get_path(path, Kind::get_config), IsEmpty()) << name;
+        EXPECT_THAT(get(path), IsEmpty()) << name;
+        EXPECT_THAT(get_config(path), IsEmpty()) << name;
     }
 }
 
 // ---- selections ----
 
 TEST_F(AnswerRead, StateLeavesAlone) {
-    use(ocpsm::line_system::example());
-    EXPECT_THAT(get(modules_text(module_text("0/1-PSM-OM", "<state><active-path/><revertive/></state>"))),
-                ElementsAre("1/name = 0/1-PSM-OM", "1/state/revertive = true",
-                            "1/state/active-path = openconfig-transport-line-protection:PRIMARY"));
-    EXPECT_THAT(get_path("/aps/aps-modules/aps-module/state/active-path"),
-                ElementsAre("1/name = 0/1-PSM-OM", "1/state/active-path = openconfig-transport-line-protection:PRIMARY",
-                            "3/name = 0/3-PSM-OM",
-                            "3/state/active-path = openconfig-transport-line-protection:SECONDARY"));
-    EXPECT_THAT(get_path(module_path(3, "/ports/line-secondary-in/state/optical-power/min")),
-                ElementsAre("3/name = 0/3-PSM-OM", "3/ports/line-secondary-in/state/optical-power/min = -16.83"));
+    EXPECT_THAT(get(module_text(1, "<state><active-path/><revertive/></state>")),
+                ElementsAre("1: name = 0/1-PSM-OM",
+                            "1/state: revertive = true, active-path = openconfig-transport-line-protection:PRIMARY"));
+    EXPECT_THAT(
+        get("/aps/aps-modules/aps-module/state/active-path"),
+        ElementsAre("1: name = 0/1-PSM-OM", "1/state: active-path = openconfig-transport-line-protection:PRIMARY",
+                    "3: name = 0/3-PSM-OM", "3/state: active-path = openconfig-transport-line-protection:SECONDARY"));
+    EXPECT_THAT(get("3/ports/line-secondary-in/state/optical-power/min"),
+                ElementsAre("3: name = 0/3-PSM-OM", "3/ports/line-secondary-in/state/optical-power: min = -16.83"));
 }
 
 TEST_F(AnswerRead, AnEmptyNameInConfigIsASelection) {
-    use(ocpsm::line_system::example());
-    EXPECT_THAT(get_config(modules_text(module_text("0/3-PSM-OM", "<config><name/></config>"))),
-                ElementsAre("3/name = 0/3-PSM-OM", "3/config/name = 0/3-PSM-OM"));
-    EXPECT_THAT(get(modules_text("<aps-module><config><name/></config></aps-module>")),
-                ElementsAre("1/name = 0/1-PSM-OM", "1/config/name = 0/1-PSM-OM", "3/name = 0/3-PSM-OM",
-                            "3/config/name = 0/3-PSM-OM"));
+    EXPECT_THAT(get_config(module_text(3, "<config><name/></config>")),
+                ElementsAre("3: name = 0/3-PSM-OM", "3/config: name = 0/3-PSM-OM"));
+    EXPECT_THAT(get("<aps-module><config><name/></config></aps-module>"),
+                ElementsAre("1: name = 0/1-PSM-OM", "1/config: name = 0/1-PSM-OM", "3: name = 0/3-PSM-OM",
+                            "3/config: name = 0/3-PSM-OM"));
 }
 
 TEST_F(AnswerRead, AMatchOfAnotherLeafThanTheKeyPicksItsModule) {
-    use(ocpsm::line_system::example());
-    const auto of_the_third = ElementsAre("3/name = 0/3-PSM-OM", "3/config/wait-to-restore-time = 300000",
-                                          "3/config/relative-switch-threshold = 3.0");
-    const std::string text = modules_text("<aps-module><config><relative-switch-threshold>3</relative-switch-threshold>"
-                                          "<wait-to-restore-time/></config></aps-module>");
+    const auto of_the_third =
+        ElementsAre("3: name = 0/3-PSM-OM", "3/config: wait-to-restore-time = 300000, relative-switch-threshold = 3.0");
+    const std::string text = "<aps-module><config><relative-switch-threshold>3</relative-switch-threshold>"
+                             "<wait-to-restore-time/></config></aps-module>";
     EXPECT_THAT(get(text), of_the_third);
     EXPECT_THAT(get_config(text), of_the_third);
     // A match alone selects what stands beside it.
-    const Lines whole(example_configuration_3.begin(), example_configuration_3.begin() + 10);
-    EXPECT_EQ(get_config(modules_text("<aps-module><config><revertive>false</revertive></config></aps-module>")),
-              whole);
-    EXPECT_EQ(get(modules_text("<aps-module><config><name>0/3-PSM-OM</name></config></aps-module>")), whole);
+    const Lines whole(example_configuration_3.begin(), example_configuration_3.begin() + 2);
+    EXPECT_EQ(get_config("<aps-module><config><revertive>false</revertive></config></aps-module>"), whole);
+    EXPECT_EQ(get("<aps-module><config><name>0/3-PSM-OM</name></config></aps-module>"), whole);
     EXPECT_THAT(
-        get(modules_text("<aps-module><state><active-path>SECONDARY</active-path><name/></state></aps-module>")),
-        ElementsAre("3/name = 0/3-PSM-OM", "3/state/name = 0/3-PSM-OM",
-                    "3/state/active-path = openconfig-transport-line-protection:SECONDARY"));
-    EXPECT_THAT(get_config(modules_text("<aps-module><config><wait-to-restore-time>7</wait-to-restore-time></config>"
-                                        "</aps-module>")),
+        get("<aps-module><state><active-path>SECONDARY</active-path><name/></state></aps-module>"),
+        ElementsAre("3: name = 0/3-PSM-OM",
+                    "3/state: name = 0/3-PSM-OM, active-path = openconfig-transport-line-protection:SECONDARY"));
+    EXPECT_THAT(get_config("<aps-module><config><wait-to-restore-time>7</wait-to-restore-time></config></aps-module>"),
                 IsEmpty());
 }
 
 TEST_F(AnswerRead, WhatIsNotConfiguredIsNotAnswered) {
     use(bare({1}));
-    EXPECT_THAT(get_path(module_path(1), Kind::get_config),
-                ElementsAre("1/name = 0/1-PSM-OM", "1/config/name = 0/1-PSM-OM"));
-    EXPECT_THAT(get_path("/aps/aps-modules/aps-module/config/primary-switch-hysteresis"), IsEmpty());
-    EXPECT_THAT(get_path(module_path(1, "/config/primary-switch-hysteresis")), ElementsAre("1/name = 0/1-PSM-OM"));
+    EXPECT_THAT(get_config("1"), ElementsAre("1: name = 0/1-PSM-OM", "1/config: name = 0/1-PSM-OM"));
+    EXPECT_THAT(get("/aps/aps-modules/aps-module/config/primary-switch-hysteresis"), IsEmpty());
+    EXPECT_THAT(get("1/config/primary-switch-hysteresis"), ElementsAre("1: name = 0/1-PSM-OM"));
 }
 
 TEST_F(AnswerRead, RefusedLeavesAreAnsweredWithWhatIsAroundThemAndRefusedWhenNamed) {
-    use(ocpsm::line_system::example());
     // The attenuation itself is asked for with that of the primary line only.
-    EXPECT_THAT(get_path(module_path(1, "/ports/line-secondary-in/state")),
-                ElementsAre("1/name = 0/1-PSM-OM", "1/ports/line-secondary-in/state/target-attenuation = 1.5",
-                            "1/ports/line-secondary-in/state/optical-power/instant = -15.87",
-                            "1/ports/line-secondary-in/state/optical-power/avg = -15.9",
-                            "1/ports/line-secondary-in/state/optical-power/min = -16.12",
-                            "1/ports/line-secondary-in/state/optical-power/max = -15.77"));
+    EXPECT_THAT(get("1/ports/line-secondary-in/state"),
+                ElementsAre("1: name = 0/1-PSM-OM", "1/ports/line-secondary-in/state: target-attenuation = 1.5",
+                            "1/ports/line-secondary-in/state/optical-power: instant = -15.87, avg = -15.9, min = "
+                            "-16.12, max = -15.77"));
     const std::string path = module_path(1, "/ports/line-secondary-in/state/attenuation");
-    const ReadResult refused = requests::read_paths(plugin(), std::vector{path}, Kind::get, device());
+    const ReadResult refused = read(path);
     EXPECT_EQ(refusal_of(refused),
               "operation-not-supported|" + path + "|attenuation is not served by this device|leave it out|attenuation");
     EXPECT_TRUE(refused.answer.empty());
 }
 
 TEST_F(AnswerRead, OnlyUnsupportedNodesAreAnsweredWithNothingAndOneWarning) {
-    use(ocpsm::line_system::example());
     const ReadResult answer = requests::read_paths(
         plugin(), std::vector{module_path(1, "/config/hold-off-time"), module_path(3, "/ports/common-in")}, Kind::get,
         device());
@@ -273,9 +181,7 @@ TEST_F(AnswerRead, OnlyUnsupportedNodesAreAnsweredWithNothingAndOneWarning) {
 }
 
 TEST_F(AnswerRead, StateIsNotAnsweredToAReadOfConfiguration) {
-    use(ocpsm::line_system::example());
-    const ReadResult answer =
-        requests::read_paths(plugin(), std::vector{module_path(1, "/state")}, Kind::get_config, device());
+    const ReadResult answer = read("1/state", Kind::get_config);
     EXPECT_EQ(refusal_of(answer), "none");
     EXPECT_TRUE(answer.answer.empty());
     EXPECT_THAT(answer.warnings, ElementsAre("operational state is no part of a read of configuration and left out: " +
@@ -285,10 +191,8 @@ TEST_F(AnswerRead, StateIsNotAnsweredToAReadOfConfiguration) {
 // ---- channels ----
 
 TEST_F(AnswerRead, BothChannelsTellOfBothDirections) {
-    use(ocpsm::line_system::example());
     const auto functions = [this](const ocpsm::Options &options) {
-        const ReadResult answer = requests::read_paths(plugin(), std::vector{module_path(1, "/config/revertive")},
-                                                       Kind::get_config, device(), options);
+        const ReadResult answer = read("1/config/revertive", Kind::get_config, options);
         std::vector<std::string> ended;
         for (const std::string &text : answer.trace) {
             const auto line = ocpsm::framework::parse_trace_line(text);
@@ -308,15 +212,8 @@ TEST_F(AnswerRead, BothChannelsTellOfBothDirections) {
 
 // The map of the instances is made with both channels off.
 TEST_F(AnswerRead, TheMapOfTheInstancesIsMadeInSilence) {
-    use(ocpsm::line_system::example());
     const ocpsm::Options options{.check_values = true, .log = true, .trace = true};
-    const ReadResult answer = requests::read_paths(plugin(), std::vector{module_path(1)}, Kind::get, device(), options);
-    int walks = 0;
-    for (const std::string &text : answer.trace) {
-        const auto line = ocpsm::framework::parse_trace_line(text);
-        walks += line.message == "Start" && line.function == ocpsm::framework::openconfig_root_walker ? 1 : 0;
-    }
-    EXPECT_EQ(walks, 1);
+    EXPECT_EQ(root_walks(read("1", Kind::get, options)), 1);
 }
 
 } // namespace

@@ -11,7 +11,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 std::string config_text(const std::string &content) {
-    return modules_text(module_text("0/1-PSM-OM", "<config>" + content + "</config>"));
+    return module_text(1, "<config>" + content + "</config>");
 }
 
 const std::string created = " nc:operation='create'";
@@ -21,27 +21,10 @@ const std::string removed = " nc:operation='remove'";
 class EditExistence : public SessionFixture {
 protected:
     void SetUp() override {
-        std::vector<int> slots{1, 3};
-        LineSystem system = ocpsm::line_system::with_modules(slots);
+        LineSystem system = bare({1, 3});
         slot(system, 1).settings.wait_to_restore = 5000;
         slot(system, 1).lines[0].rx_attenuation = 12;
         use(system);
-    }
-
-    // What a refused edit is answered with; nothing may have changed.
-    std::string refused(const std::string &text) {
-        const LineSystem before = system();
-        const EditResult result = edit(text);
-        EXPECT_EQ(system(), before);
-        EXPECT_THAT(result.changes, IsEmpty());
-        return refusal_of(result);
-    }
-
-    // What an edit is answered with that finds nothing to do.
-    void expect_nothing_done(const std::string &text) {
-        const LineSystem before = system();
-        EXPECT_THAT(changes(text), IsEmpty());
-        EXPECT_EQ(system(), before);
     }
 };
 
@@ -59,8 +42,7 @@ TEST_F(EditExistence, OfALeaf) {
 
 TEST_F(EditExistence, OfAContainer) {
     const auto port = [](const std::string &name, const std::string &operation, const std::string &content) {
-        return modules_text(
-            module_text("0/1-PSM-OM", "<ports><" + name + operation + ">" + content + "</" + name + "></ports>"));
+        return (module_text(1, "<ports><" + name + operation + ">" + content + "</" + name + "></ports>"));
     };
     const std::string config = "<config><target-attenuation>1</target-attenuation></config>";
     EXPECT_EQ(refused(port("line-primary-out", deleted, "")),
@@ -86,19 +68,18 @@ TEST_F(EditExistence, OfAModule) {
                              "0/1-PSM-OMX", " 0/1-PSM-OM", "Ots0/1/0/1"}) {
         const std::string setting = "<config><revertive>true</revertive></config>";
         for (const std::string &operation : {std::string(), created, std::string(" nc:operation='replace'")}) {
-            EXPECT_EQ(refused(modules_text(module_text(name, setting, operation))), missing(name));
+            EXPECT_EQ(refused(module_text(name, setting, operation)), missing(name));
         }
-        EXPECT_EQ(refused(modules_text(module_text(name, "", deleted))), missing(name));
-        expect_nothing_done(modules_text(module_text(name, "", removed)));
+        EXPECT_EQ(refused(module_text(name, "", deleted)), missing(name));
+        expect_nothing_done(module_text(name, "", removed));
     }
-    EXPECT_THAT(changes(modules_text(module_text("0/1-PSM-OM", "", removed))),
+    EXPECT_THAT(changes(module_text(1, "", removed)),
                 ElementsAre("1/config/wait-to-restore-time: 5000 -> -",
                             "1/ports/line-primary-in/config/target-attenuation: 1.2 -> -"));
     // It stays as long as it is fitted.
-    EXPECT_THAT(changes(modules_text(module_text("0/1-PSM-OM", "", deleted))), IsEmpty());
-    EXPECT_THAT(get_path(module_path(1), Kind::get_config),
-                ElementsAre("1/name = 0/1-PSM-OM", "1/config/name = 0/1-PSM-OM"));
-    EXPECT_EQ(edit(modules_text(module_text(std::string(5000, 'x'), "<config/>"))).error->tag, "data-missing");
+    EXPECT_THAT(changes(module_text(1, "", deleted)), IsEmpty());
+    EXPECT_THAT(get_config("1"), ElementsAre("1: name = 0/1-PSM-OM", "1/config: name = 0/1-PSM-OM"));
+    EXPECT_EQ(edit(module_text(std::string(5000, 'x'), "<config/>")).error->tag, "data-missing");
 }
 
 TEST_F(EditExistence, OfAllModules) {
@@ -119,7 +100,7 @@ TEST_F(EditExistence, OfAllModules) {
 TEST_F(EditExistence, AContainerThatIsRemovedWithAModuleBelowItIsRefused) {
     EXPECT_EQ(refused("<aps xmlns=\"http://openconfig.net/yang/optical-transport-line-protection\" "
                       "xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\"><aps-modules nc:operation='remove'>" +
-                      module_text("0/2-PSM-OM", "", removed) + "</aps-modules></aps>"),
+                      module_text(2, "", removed) + "</aps-modules></aps>"),
               "operation-failed|/aps/aps-modules|aps-modules is to be deleted, but something stands below it|"
               "delete it without content, or delete only what stands below it|");
 }
@@ -133,13 +114,13 @@ TEST_F(EditExistence, TheKeyAndTheLeafThatItRefersToAreTheSame) {
 }
 
 TEST_F(EditExistence, BelowWhatIsReplacedNothingHasToBeThere) {
-    EXPECT_THAT(changes(modules_text(module_text("0/1-PSM-OM", "<config nc:operation='replace'><wait-to-restore-time" +
-                                                                   created + ">7</wait-to-restore-time></config>"))),
+    EXPECT_THAT(changes(module_text(1, "<config nc:operation='replace'><wait-to-restore-time" + created +
+                                           ">7</wait-to-restore-time></config>")),
                 ElementsAre("1/config/wait-to-restore-time: 5000 -> 7"));
 }
 
 TEST_F(EditExistence, AnEntryWithoutNameIsThePluginsMatter) {
-    EXPECT_EQ(refused(modules_text("<aps-module><name/><config><revertive>true</revertive></config></aps-module>")),
+    EXPECT_EQ(refused("<aps-module><name/><config><revertive>true</revertive></config></aps-module>"),
               "missing-element|/aps/aps-modules/aps-module/name|an entry needs its key once, with a value|name the "
               "entry once|name");
 }

@@ -48,10 +48,7 @@ constexpr Setting settings[] = {
 
 class RoundTrip : public SessionFixture {
 protected:
-    void use_bare() {
-        const std::vector<int> slots{1, 2};
-        use(ocpsm::line_system::with_modules(slots));
-    }
+    void SetUp() override { use(bare({1, 2})); }
 
     void set(const std::string &leaf, const std::string &value) {
         successful(requests::set_leaf(plugin(), module_path(2, leaf), value, device()));
@@ -63,20 +60,20 @@ protected:
 
     // The leaf's value in an answer, by a read of its own; none when it is not there.
     std::optional<std::string> value_of(const std::string &leaf, Kind kind = Kind::get_config) {
-        const std::string begin = "2" + leaf + " = ";
-        for (const std::string &line : get_path(module_path(2, leaf), kind)) {
-            if (line.starts_with(begin)) {
-                return line.substr(begin.size());
+        const ReadResult result = read("2" + leaf, kind);
+        EXPECT_EQ(refusal_of(result), "none");
+        for (const ocpsm::Leaf &each : result.answer.leaves()) {
+            if (each.path == module_path(2, leaf)) {
+                return each.value;
             }
         }
         return std::nullopt;
     }
 };
 
-const Lines bare_module{"2/name = 0/2-PSM-OM", "2/config/name = 0/2-PSM-OM"};
+const Lines bare_module{"2: name = 0/2-PSM-OM", "2/config: name = 0/2-PSM-OM"};
 
 TEST_F(RoundTrip, EveryLeafIsSetReadDeletedAndSetAgain) {
-    use_bare();
     for (const Setting &setting : settings) {
         SCOPED_TRACE(std::string(setting.leaf) + " " + setting.value);
         set(setting.leaf, setting.value);
@@ -84,12 +81,12 @@ TEST_F(RoundTrip, EveryLeafIsSetReadDeletedAndSetAgain) {
         EXPECT_EQ(value_of(setting.leaf, Kind::get), setting.read);
         remove(setting.leaf);
         EXPECT_EQ(value_of(setting.leaf), std::nullopt);
-        EXPECT_EQ(get_path(module_path(2), Kind::get_config), bare_module);
+        EXPECT_EQ(get_config("2"), bare_module);
         set(setting.leaf, setting.value);
         EXPECT_EQ(value_of(setting.leaf), setting.read);
         remove(setting.leaf);
     }
-    EXPECT_EQ(get_path(module_path(1), Kind::get_config), (Lines{"1/name = 0/1-PSM-OM", "1/config/name = 0/1-PSM-OM"}));
+    EXPECT_EQ(get_config("1"), (Lines{"1: name = 0/1-PSM-OM", "1/config: name = 0/1-PSM-OM"}));
 }
 
 // ---- random values ----
@@ -119,7 +116,6 @@ std::string tenths(int number) {
 }
 
 TEST_F(RoundTrip, RandomTenthsComeBackAsTheyAre) {
-    use_bare();
     std::mt19937 random(20240115);
     for (int round = 0; round < 8; ++round) {
         for (const Decimal &decimal : decimals) {
@@ -133,7 +129,6 @@ TEST_F(RoundTrip, RandomTenthsComeBackAsTheyAre) {
 
 // With a second digit, which is cut off.
 TEST_F(RoundTrip, RandomHundredthsAreCutTowardsZero) {
-    use_bare();
     std::mt19937 random(4711);
     for (int round = 0; round < 4; ++round) {
         for (const Decimal &decimal : decimals) {
@@ -152,8 +147,6 @@ TEST_F(RoundTrip, RandomHundredthsAreCutTowardsZero) {
 
 class WholeModule : public SessionFixture {
 protected:
-    void SetUp() override { use(ocpsm::line_system::example()); }
-
     // The request with `operation` on the element that `begin` begins.
     static std::string with_operation(std::string text, const std::string &begin, const std::string &operation) {
         const auto at = text.find(begin + ">");
@@ -162,9 +155,7 @@ protected:
                            " xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\" nc:operation=\"" + operation + "\"");
     }
 
-    ReadResult configuration(int slot) {
-        return requests::read_paths(plugin(), std::vector{module_path(slot)}, Kind::get_config, device());
-    }
+    ReadResult configuration(int slot) { return read(std::to_string(slot), Kind::get_config); }
 };
 
 TEST_F(WholeModule, ReplacedWithWhatWasReadStaysAsItIs) {
@@ -182,26 +173,25 @@ TEST_F(WholeModule, ReplacedWithWhatWasReadStaysAsItIs) {
 
 TEST_F(WholeModule, ReplacedWithTwoLeavesLosesAllOthers) {
     const ReadResult other = configuration(3);
-    successful(edit(modules_text(module_text(
-        "0/1-PSM-OM",
-        "<config><revertive>false</revertive><secondary-switch-threshold>-1.5</secondary-switch-threshold></config>",
-        " nc:operation='replace'"))));
-    EXPECT_THAT(get_path(module_path(1), Kind::get_config),
-                ElementsAre("1/name = 0/1-PSM-OM", "1/config/name = 0/1-PSM-OM", "1/config/revertive = false",
-                            "1/config/secondary-switch-threshold = -1.5"));
+    successful(edit(module_text(
+        1, "<config><revertive>false</revertive><secondary-switch-threshold>-1.5</secondary-switch-threshold></config>",
+        " nc:operation='replace'")));
+    EXPECT_THAT(get_config("1"),
+                ElementsAre("1: name = 0/1-PSM-OM",
+                            "1/config: name = 0/1-PSM-OM, revertive = false, secondary-switch-threshold = -1.5"));
     EXPECT_EQ(configuration(3).answer.leaves(), other.answer.leaves());
 }
 
 TEST_F(WholeModule, ReplacedConfigurationLosesItsOtherLeavesAndKeepsThePorts) {
-    successful(edit(modules_text(
-        module_text("0/3-PSM-OM", "<config nc:operation='replace'><wait-to-restore-time>7</wait-to-restore-time>"
-                                  "<force-to-port>NONE</force-to-port></config>"))));
-    EXPECT_THAT(get_path(module_path(3), Kind::get_config),
-                ElementsAre("3/name = 0/3-PSM-OM", "3/config/name = 0/3-PSM-OM", "3/config/wait-to-restore-time = 7",
-                            "3/config/force-to-port = NONE", "3/ports/line-primary-in/config/target-attenuation = 0.0",
-                            "3/ports/line-primary-out/config/target-attenuation = 0.0",
-                            "3/ports/line-secondary-in/config/target-attenuation = 0.8",
-                            "3/ports/line-secondary-out/config/target-attenuation = 0.0"));
+    successful(edit(module_text(3, "<config nc:operation='replace'><wait-to-restore-time>7</wait-to-restore-time>"
+                                   "<force-to-port>NONE</force-to-port></config>")));
+    EXPECT_THAT(get_config("3"),
+                ElementsAre("3: name = 0/3-PSM-OM",
+                            "3/config: name = 0/3-PSM-OM, wait-to-restore-time = 7, force-to-port = NONE",
+                            "3/ports/line-primary-in/config: target-attenuation = 0.0",
+                            "3/ports/line-primary-out/config: target-attenuation = 0.0",
+                            "3/ports/line-secondary-in/config: target-attenuation = 0.8",
+                            "3/ports/line-secondary-out/config: target-attenuation = 0.0"));
 }
 
 TEST_F(WholeModule, AllModulesReplacedWithWhatWasReadStayAsTheyAre) {
@@ -217,18 +207,15 @@ TEST_F(WholeModule, AllModulesReplacedWithWhatWasReadStayAsTheyAre) {
 TEST_F(WholeModule, AllModulesReplacedWithOneLeafLoseAllOthers) {
     successful(edit("<aps xmlns=\"http://openconfig.net/yang/optical-transport-line-protection\" "
                     "xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\"><aps-modules nc:operation='replace'>" +
-                    module_text("0/3-PSM-OM", "<config><revertive>true</revertive></config>") +
-                    "</aps-modules></aps>"));
-    EXPECT_THAT(get_path("/", Kind::get_config),
-                ElementsAre("1/name = 0/1-PSM-OM", "1/config/name = 0/1-PSM-OM", "3/name = 0/3-PSM-OM",
-                            "3/config/name = 0/3-PSM-OM", "3/config/revertive = true"));
+                    module_text(3, "<config><revertive>true</revertive></config>") + "</aps-modules></aps>"));
+    EXPECT_THAT(get_config("/"), ElementsAre("1: name = 0/1-PSM-OM", "1/config: name = 0/1-PSM-OM",
+                                             "3: name = 0/3-PSM-OM", "3/config: name = 0/3-PSM-OM, revertive = true"));
 }
 
 TEST_F(WholeModule, ReplacedWithItsKeyAloneLosesEverything) {
-    successful(edit(modules_text(module_text("0/1-PSM-OM", "", " nc:operation='replace'"))));
-    EXPECT_THAT(get_path(module_path(1), Kind::get_config),
-                ElementsAre("1/name = 0/1-PSM-OM", "1/config/name = 0/1-PSM-OM"));
-    EXPECT_EQ(get_path(module_path(3), Kind::get_config).size(), 14U);
+    successful(edit(module_text(1, "", " nc:operation='replace'")));
+    EXPECT_THAT(get_config("1"), ElementsAre("1: name = 0/1-PSM-OM", "1/config: name = 0/1-PSM-OM"));
+    EXPECT_EQ(get_config("3").size(), 6U);
 }
 
 } // namespace

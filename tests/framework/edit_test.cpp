@@ -12,21 +12,11 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 std::string config_text(const std::string &content) {
-    return modules_text(module_text("0/1-PSM-OM", "<config>" + content + "</config>"));
+    return module_text(1, "<config>" + content + "</config>");
 }
 
 class EditOfALineSystem : public SessionFixture {
 protected:
-    void SetUp() override { use(ocpsm::line_system::example()); }
-
-    std::string refused(const std::string &text) {
-        const LineSystem before = system();
-        const EditResult result = edit(text);
-        EXPECT_EQ(system(), before);
-        EXPECT_THAT(result.changes, IsEmpty());
-        return refusal_of(result);
-    }
-
     static Lines operations_of(const EditResult &result) {
         Lines lines;
         for (const auto &operation : result.native.operations()) {
@@ -41,13 +31,14 @@ const std::string primary =
     "/interface-configurations/interface-configuration[active='act'][interface-name='Ots0/1/0/1']";
 const std::string threshold = primary + "/optics/rx-thresholds/rx-threshold[rx-threshold-type='low']";
 const std::string node = "/active-nodes/active-node[node-name='0/RP0/CPU0']";
+const std::string slot_path = node + "/slot[slot-id='1']";
 
 TEST_F(EditOfALineSystem, TellsTheNativeOperationsAndWhatTheyAmountTo) {
     const EditResult result =
         successful(edit(config_text("<primary-switch-threshold>-12.34</primary-switch-threshold>")));
     EXPECT_THAT(operations_of(result),
                 ElementsAre("merge " + primary, "merge " + threshold, "merge " + threshold + "/rx-threshold = -123",
-                            "merge " + node, "merge " + node + "/slot[slot-id='1']"));
+                            "merge " + node, "merge " + slot_path));
     ASSERT_EQ(result.changes.size(), 1U);
     EXPECT_EQ(result.changes[0], (ocpsm::Change{module_path(1, "/config/primary-switch-threshold"), "-25.0", "-12.3"}));
     EXPECT_THAT(result.log, IsEmpty());
@@ -55,35 +46,23 @@ TEST_F(EditOfALineSystem, TellsTheNativeOperationsAndWhatTheyAmountTo) {
 }
 
 TEST_F(EditOfALineSystem, ChangesStandInTheOrderOfTheModel) {
-    EXPECT_THAT(
-        changes(modules_text(module_text("0/3-PSM-OM", "<config><force-to-port>PRIMARY</force-to-port></config>") +
-                             module_text("0/1-PSM-OM",
-                                         "<ports><line-primary-in><config><target-attenuation>3</target-attenuation>"
-                                         "</config></line-primary-in></ports><config><revertive>false</revertive>"
-                                         "<wait-to-restore-time nc:operation='delete'/></config>"))),
-        ElementsAre("1/config/revertive: true -> false", "1/config/wait-to-restore-time: 10000 -> -",
-                    "1/ports/line-primary-in/config/target-attenuation: 2.5 -> 3.0",
-                    "3/config/force-to-port: NONE -> PRIMARY"));
+    EXPECT_THAT(changes(module_text(3, "<config><force-to-port>PRIMARY</force-to-port></config>") +
+                        module_text(1, "<ports><line-primary-in><config><target-attenuation>3</target-attenuation>"
+                                       "</config></line-primary-in></ports><config><revertive>false</revertive>"
+                                       "<wait-to-restore-time nc:operation='delete'/></config>")),
+                ElementsAre("1/config/revertive: true -> false", "1/config/wait-to-restore-time: 10000 -> -",
+                            "1/ports/line-primary-in/config/target-attenuation: 2.5 -> 3.0",
+                            "3/config/force-to-port: NONE -> PRIMARY"));
 }
 
 TEST_F(EditOfALineSystem, AnEditThatSaysNothingDoesNothing) {
-    const LineSystem before = system();
-    const EditResult result = edit(modules_text(""));
-    EXPECT_EQ(refusal_of(result), "none");
-    EXPECT_THAT(result.native.operations(), IsEmpty());
-    EXPECT_THAT(result.changes, IsEmpty());
-    EXPECT_EQ(system(), before);
+    expect_nothing_done("");
+    EXPECT_THAT(edit("").native.operations(), IsEmpty());
 }
 
 TEST_F(EditOfALineSystem, ChannelsAreKeptWhenTheyAreAskedFor) {
-    const EditResult result = requests::edit(plugin(), config_text("<revertive>false</revertive>"), device(),
-                                             ocpsm::EditOptions{{true, true, true}});
-    int walks = 0;
-    for (const std::string &text : result.trace) {
-        const auto line = ocpsm::framework::parse_trace_line(text);
-        walks += line.message == "Start" && line.function == ocpsm::framework::openconfig_root_walker ? 1 : 0;
-    }
-    EXPECT_EQ(walks, 1); // the reads before and after it are the framework's own
+    const EditResult result = edit(config_text("<revertive>false</revertive>"), {{true, true, true}});
+    EXPECT_EQ(root_walks(result), 1); // the reads before and after it are the framework's own
     EXPECT_FALSE(result.log.empty());
 }
 
@@ -111,13 +90,13 @@ TEST_F(EditOfALineSystem, TenLeavesOfWhichTheDeviceRefusesTheLast) {
                             "<primary-switch-hysteresis>2</primary-switch-hysteresis>"
                             "<relative-switch-threshold>4</relative-switch-threshold>"
                             "<force-to-port>PRIMARY</force-to-port></config>";
-    EXPECT_EQ(refused(modules_text(module_text(
-                  "0/1-PSM-OM", six + "<ports>" + port("line-primary-in", "1") + port("line-primary-out", "1") +
-                                    port("line-secondary-in", "1") + port("line-secondary-out", "30.1") + "</ports>"))),
-              "invalid-value|" + module_path(1, "/ports/line-secondary-out/config/target-attenuation") +
-                  "|301 is not within 0 to 300 tenths of a dB (native: "
-                  "/interface-configurations/interface-configuration[active='act'][interface-name='Ots0/1/0/2']/optics/"
-                  "optics-ots-tx-voa-attenuation)||");
+    EXPECT_EQ(
+        refused(module_text(1, six + "<ports>" + port("line-primary-in", "1") + port("line-primary-out", "1") +
+                                   port("line-secondary-in", "1") + port("line-secondary-out", "30.1") + "</ports>")),
+        "invalid-value|" + module_path(1, "/ports/line-secondary-out/config/target-attenuation") +
+            "|301 is not within 0 to 300 tenths of a dB (native: "
+            "/interface-configurations/interface-configuration[active='act'][interface-name='Ots0/1/0/2']/optics/"
+            "optics-ots-tx-voa-attenuation)||");
 }
 
 TEST_F(EditOfALineSystem, AValueThatTheModelDoesNotAllowNeverReachesThePlugin) {
@@ -130,12 +109,10 @@ TEST_F(EditOfALineSystem, AValueThatTheModelDoesNotAllowNeverReachesThePlugin) {
 // A value that is beyond the native type is found when the native edit is checked.
 TEST_F(EditOfALineSystem, ANativeCheckThatFailsIsReportedAtTheOpenConfigPath) {
     const LineSystem before = system();
-    const EditResult result = requests::edit(plugin(), config_text("<revertive>perhaps</revertive>"), device(),
-                                             ocpsm::EditOptions{{false, false, false}});
-    EXPECT_EQ(result.error->tag, "invalid-value");
-    EXPECT_EQ(result.error->path, module_path(1, "/config/revertive"));
-    EXPECT_EQ(result.error->native_path, node + "/slot[slot-id='1']/psm/revertive/enable");
-    EXPECT_EQ(result.error->message(), "'perhaps' is no value of this leaf");
+    const EditResult result = edit(config_text("<revertive>perhaps</revertive>"), {{false, false, false}});
+    EXPECT_EQ(refusal_of(result), "invalid-value|" + module_path(1, "/config/revertive") +
+                                      "|'perhaps' is no value of this leaf (native: " + slot_path +
+                                      "/psm/revertive/enable)||");
     EXPECT_EQ(system(), before);
 }
 
@@ -146,8 +123,6 @@ const std::string held_module =
 
 class EditOfAHeldDevice : public SessionFixture {
 protected:
-    void SetUp() override { use(ocpsm::line_system::example()); }
-
     // Where an edit is refused whose native node at `native_path` the device refuses.
     std::string refused_at(const std::string &native_path, const std::string &text) {
         HeldDevice held({{held_module, ""}});
@@ -161,11 +136,10 @@ TEST_F(EditOfAHeldDevice, ARefusalIsReportedWhereTheNativeNodeComesFrom) {
     const auto refusal = [](const std::string &location, const std::string &native) {
         return "resource-denied|" + location + "|not now (native: " + native + ")||";
     };
-    const std::string text = modules_text(module_text(
-        "0/1-PSM-OM", "<config><revertive>true</revertive><force-to-port>NONE</force-to-port>"
-                      "<primary-switch-threshold>1</primary-switch-threshold></config><ports><line-primary-out><config>"
-                      "<target-attenuation>1</target-attenuation></config></line-primary-out></ports>"));
-    const std::string slot_path = node + "/slot[slot-id='1']";
+    const std::string text = (module_text(
+        1, "<config><revertive>true</revertive><force-to-port>NONE</force-to-port>"
+           "<primary-switch-threshold>1</primary-switch-threshold></config><ports><line-primary-out><config>"
+           "<target-attenuation>1</target-attenuation></config></line-primary-out></ports>"));
     for (const auto &[native, location] : std::vector<std::pair<std::string, std::string>>{
              {slot_path + "/psm/lockout-from", module_path(1, "/config/force-to-port")},
              {slot_path + "/psm/revertive/enable", module_path(1, "/config/revertive")},
@@ -184,8 +158,7 @@ TEST_F(EditOfAHeldDevice, ARefusalIsReportedWhereTheNativeNodeComesFrom) {
 }
 
 TEST_F(EditOfAHeldDevice, AlsoWithinAWholeSubtree) {
-    EXPECT_EQ(refused_at(node + "/slot[slot-id='1']/psm/lockout-from",
-                         modules_text(module_text("0/1-PSM-OM", "", " nc:operation='delete'"))),
+    EXPECT_EQ(refused_at(node + "/slot[slot-id='1']/psm/lockout-from", (module_text(1, "", " nc:operation='delete'"))),
               "resource-denied|" + module_path(1, "/config/force-to-port") + "|not now (native: " + node +
                   "/slot[slot-id='1']/psm/lockout-from)||");
 }

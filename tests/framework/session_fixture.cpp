@@ -71,18 +71,11 @@ void hold(std::vector<ocpsm::native::NativeNode> &nodes, const lysc_node *parent
 } // namespace
 
 namespace requests {
-
-ReadResult read(const Plugin &plugin, const std::string &text, Kind kind, DeviceTransaction &device,
-                const Options &options) {
-    return answer_read(plugin, ocpsm::framework::typed(ocpsm::Text{text}, kind), kind, device, options);
-}
-
-ReadResult read_paths(const Plugin &plugin, const std::vector<std::string> &paths, Kind kind, DeviceTransaction &device,
-                      const Options &options) {
-    return answer_read(plugin, ocpsm::framework::typed(ocpsm::Paths{paths}, kind), kind, device, options);
-}
-
 namespace {
+
+ocpsm::Text whole(const std::string &text) {
+    return {text.starts_with("<aps ") || text.starts_with("{") ? text : modules_text(text)};
+}
 
 EditResult edit(const Plugin &plugin, const ocpsm::Edit &edit, DeviceTransaction &device, const EditOptions &options) {
     return carry_out(plugin, ocpsm::framework::typed(edit, options), device, options);
@@ -90,8 +83,18 @@ EditResult edit(const Plugin &plugin, const ocpsm::Edit &edit, DeviceTransaction
 
 } // namespace
 
+ReadResult read(const Plugin &plugin, const std::string &text, Kind kind, DeviceTransaction &device,
+                const Options &options) {
+    return answer_read(plugin, ocpsm::framework::typed(whole(text), kind), kind, device, options);
+}
+
+ReadResult read_paths(const Plugin &plugin, const std::vector<std::string> &paths, Kind kind, DeviceTransaction &device,
+                      const Options &options) {
+    return answer_read(plugin, ocpsm::framework::typed(ocpsm::Paths{paths}, kind), kind, device, options);
+}
+
 EditResult edit(const Plugin &plugin, const std::string &text, DeviceTransaction &device, const EditOptions &options) {
-    return edit(plugin, ocpsm::Edit(ocpsm::Text{text}), device, options);
+    return edit(plugin, ocpsm::Edit(whole(text)), device, options);
 }
 
 EditResult set_leaf(const Plugin &plugin, const std::string &path, const std::string &value,
@@ -115,12 +118,25 @@ std::string short_path(const std::string &path) {
     return path.substr(begin.size(), at - begin.size()) + path.substr(at + end.size());
 }
 
-Lines leaves_of(const ocpsm::Answer &answer) {
+Lines grouped(const std::vector<ocpsm::Leaf> &leaves) {
     Lines lines;
-    for (const ocpsm::Leaf &leaf : answer.leaves()) {
-        lines.push_back(short_path(leaf.path) + " = " + leaf.value);
+    std::string around;
+    for (const ocpsm::Leaf &leaf : leaves) {
+        const std::string path = short_path(leaf.path);
+        const std::size_t slash = path.rfind('/');
+        const std::string said = path.substr(slash + 1) + " = " + leaf.value;
+        if (lines.empty() || path.substr(0, slash) != around) {
+            around = path.substr(0, slash);
+            lines.push_back(around + ": " + said);
+        } else {
+            lines.back() += ", " + said;
+        }
     }
     return lines;
+}
+
+Lines leaves_of(const ocpsm::Answer &answer) {
+    return grouped(answer.leaves());
 }
 
 std::string refusal_of(const Outcome &outcome) {
@@ -130,6 +146,13 @@ std::string refusal_of(const Outcome &outcome) {
     const ocpsm::Error &error = *outcome.error;
     const std::string native = error.native_path.empty() ? "" : " (native: " + error.native_path + ")";
     return error.tag + "|" + error.path + "|" + error.message() + native + "|" + error.advice + "|" + error.node;
+}
+
+int root_walks(const Outcome &outcome) {
+    return static_cast<int>(std::count_if(outcome.trace.begin(), outcome.trace.end(), [](const std::string &text) {
+        const auto line = ocpsm::framework::parse_trace_line(text);
+        return line.message == "Start" && line.function == ocpsm::framework::openconfig_root_walker;
+    }));
 }
 
 Lines changes_of(const EditResult &result) {
@@ -166,20 +189,26 @@ Lines SessionFixture::answered(const ReadResult &answer) {
     return leaves_of(answer.answer);
 }
 
-Lines SessionFixture::get(const std::string &text) {
-    return answered(requests::read(plugin(), text, Kind::get, device()));
+ReadResult SessionFixture::read(const std::string &what, Kind kind, const ocpsm::Options &options) {
+    if (what.empty() || what.front() == '<') {
+        return requests::read(plugin(), what, kind, device(), options);
+    }
+    const std::string path = what.front() == '/' ? what : module_path(what.front() - '0', what.substr(1));
+    return requests::read_paths(plugin(), {path}, kind, device(), options);
 }
 
-Lines SessionFixture::get_config(const std::string &text) {
-    return answered(requests::read(plugin(), text, Kind::get_config, device()));
+std::string SessionFixture::refused(const std::string &text) {
+    const LineSystem before = system();
+    const EditResult result = edit(text);
+    EXPECT_EQ(system(), before);
+    EXPECT_THAT(result.changes, testing::IsEmpty());
+    return refusal_of(result);
 }
 
-Lines SessionFixture::get_path(const std::string &path, Kind kind) {
-    return answered(requests::read_paths(plugin(), std::vector{path}, kind, device()));
-}
-
-EditResult SessionFixture::edit(const std::string &text) {
-    return requests::edit(plugin(), text, device());
+void SessionFixture::expect_nothing_done(const std::string &text) {
+    const LineSystem before = system();
+    EXPECT_THAT(changes(text), testing::IsEmpty());
+    EXPECT_EQ(system(), before);
 }
 
 EditResult SessionFixture::successful(EditResult result) {

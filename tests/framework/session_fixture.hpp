@@ -14,6 +14,7 @@
 #include "framework/requests.hpp"
 #include "simulator/database/client_library.hpp"
 #include "simulator/line_system/line_system_device.hpp"
+#include "simulator/line_system/operations.hpp"
 #include "simulator/line_system/storage.hpp"
 #include "simulator/line_system/temporary_state.hpp"
 
@@ -31,12 +32,17 @@ inline std::string module_text(const std::string &name, const std::string &conte
     return "<aps-module" + attributes + "><name>" + name + "</name>" + content + "</aps-module>";
 }
 
+inline std::string module_text(int slot, const std::string &content, const std::string &attributes = {}) {
+    return module_text("0/" + std::to_string(slot) + "-PSM-OM", content, attributes);
+}
+
 // "/aps/aps-modules/aps-module[name='0/1-PSM-OM']" and what follows it.
 inline std::string module_path(int slot, const std::string &below = {}) {
     return "/aps/aps-modules/aps-module[name='0/" + std::to_string(slot) + "-PSM-OM']" + below;
 }
 
-// Requests in a transaction, from the text to the result.
+// Requests in a transaction, from the text to the result. A text holds what stands in /aps/aps-modules, unless it
+// begins with /aps itself.
 namespace requests {
 
 using ocpsm::DeviceTransaction;
@@ -58,7 +64,9 @@ EditResult delete_node(const Plugin &plugin, const std::string &path, DeviceTran
 
 } // namespace requests
 
-// The leaves of an answer below its modules, in document order: "1/config/revertive = true" in the slot of the module.
+// Leaves in document order, a line for those beside each other: "1/config: name = 0/1-PSM-OM, revertive = true" in the
+// slot of the module.
+Lines grouped(const std::vector<ocpsm::Leaf> &leaves);
 Lines leaves_of(const ocpsm::Answer &answer);
 
 // An instance path below a module, begun with the module's slot: "1/config/revertive"; any other path as it is.
@@ -66,6 +74,14 @@ std::string short_path(const std::string &path);
 
 // "tag|location|message|advice|offending node"; "none" without an error.
 std::string refusal_of(const ocpsm::Outcome &outcome);
+
+// How often the trace of a request tells of a walk of the client's tree; other walks are the framework's own.
+int root_walks(const ocpsm::Outcome &outcome);
+
+// A line system with modules that nobody has set anything of.
+inline ocpsm::line_system::LineSystem bare(const std::vector<int> &slots) {
+    return ocpsm::line_system::with_modules(slots);
+}
 
 // The changes of an edit: "1/config/revertive: true -> -".
 Lines changes_of(const ocpsm::EditResult &result);
@@ -78,22 +94,35 @@ protected:
     // The plug-in stays loaded, so that a leak report can name its functions.
     static const ocpsm::framework::Plugin &plugin();
 
+    void SetUp() override { use(ocpsm::line_system::example()); }
+
     // The line system that the next requests go to; the store is left as it was made.
     void use(const LineSystem &system);
 
     ocpsm::DeviceTransaction &device() { return *device_; }
     LineSystem system() const { return ocpsm::line_system::load(*transaction_); }
 
-    // The leaves of an answer without error and warning.
-    Lines get(const std::string &text);
-    Lines get_config(const std::string &text);
-    Lines get_path(const std::string &path, Kind kind = Kind::get);
+    // A read of a path, or of what a text holds in /aps/aps-modules. A path may begin with a module's slot.
+    ocpsm::ReadResult read(const std::string &what, Kind kind = Kind::get, const ocpsm::Options &options = {});
 
-    ocpsm::EditResult edit(const std::string &text);
+    // The leaves of an answer without error and warning.
+    Lines get(const std::string &what) { return answered(read(what, Kind::get)); }
+    Lines get_config(const std::string &what) { return answered(read(what, Kind::get_config)); }
+
+    // An edit of what a text holds in /aps/aps-modules; of everything, when it holds /aps itself.
+    ocpsm::EditResult edit(const std::string &text, const ocpsm::EditOptions &options = {}) {
+        return requests::edit(plugin(), text, device(), options);
+    }
 
     // The changes of an edit that must succeed.
     Lines changes(const std::string &text) { return changes_of(successful(edit(text))); }
     static ocpsm::EditResult successful(ocpsm::EditResult result);
+
+    // What a refused edit is answered with; nothing may have changed.
+    std::string refused(const std::string &text);
+
+    // No edit that finds something to do.
+    void expect_nothing_done(const std::string &text);
 
     void TearDown() override;
 
