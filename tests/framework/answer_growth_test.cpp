@@ -1,5 +1,4 @@
 // The way back costs in proportion to what is answered: four times as much costs about four times the time.
-#include <ctime>
 #include <functional>
 
 #include "framework/answer/cut.hpp"
@@ -7,6 +6,7 @@
 #include "framework/host/mapping_context.hpp"
 #include "framework/request/parse.hpp"
 #include "framework/request/type.hpp"
+#include "measure.hpp"
 #include "session_fixture.hpp"
 
 namespace {
@@ -16,29 +16,8 @@ using ocpsm::framework::AnswerTree;
 using ocpsm::framework::AnswerWriter;
 using ocpsm::native::NativeNode;
 
-double seconds() {
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
-
-// What the best of some tries takes.
-double cost(const std::function<void(int)> &work, int size) {
-    double best = 0;
-    for (int tries = 0; tries < 3; ++tries) {
-        const double begin = seconds();
-        work(size);
-        const double taken = seconds() - begin;
-        best = tries == 0 ? taken : std::min(best, taken);
-    }
-    return best;
-}
-
-// Twice as much as in proportion; the square would be sixteen times.
 void expect_proportional(const std::function<void(int)> &work, int size) {
-    const double one = cost(work, size);
-    const double four = cost(work, 4 * size);
-    EXPECT_LT(four, 8 * one) << one << " s for " << size;
+    EXPECT_LT(measure::growth([&] { work(size); }, [&] { work(4 * size); }), 8);
 }
 
 std::string name(int number) {
@@ -127,9 +106,7 @@ private:
     ocpsm::native::NativeData held_;
 };
 
-class GrowthThroughThePlugin : public SessionFixture {
-protected:
-};
+class GrowthThroughThePlugin : public SessionFixture {};
 
 TEST_F(GrowthThroughThePlugin, OfManyNativeEntries) {
     expect_proportional(

@@ -1,14 +1,8 @@
 // What a request may cost: limits that are refused in a word, time linear in the text, memory in proportion to it.
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <libyang/libyang.h>
-#include <malloc.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <algorithm>
 #include <array>
-#include <ctime>
-#include <fstream>
 #include <functional>
 #include <random>
 
@@ -20,6 +14,7 @@
 #include "framework/request/parse.hpp"
 #include "framework/request/syntax.hpp"
 #include "framework/request/type.hpp"
+#include "measure.hpp"
 
 namespace {
 
@@ -266,24 +261,6 @@ TEST(RequestLimits, AnEditOfAThousandModulesWithAllTheirLeavesIsNotTooBig) {
 
 // ---- time ----
 
-double seconds(const std::string &text, Kind kind) {
-    const std::clock_t begin = std::clock();
-    const std::string error = refusal(text, kind);
-    EXPECT_EQ(error.find("too-big"), std::string::npos) << error;
-    return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
-}
-
-// How many times longer the greater of two requests takes, both at their best.
-double growth(const std::string &small, const std::string &great, Kind kind) {
-    double least_small = 1e9;
-    double least_great = 1e9;
-    for (int round = 0; round < 5; ++round) {
-        least_small = std::min(least_small, seconds(small, kind));
-        least_great = std::min(least_great, seconds(great, kind));
-    }
-    return least_great / least_small;
-}
-
 struct Growing {
     const char *name;
     Kind kind;
@@ -324,43 +301,16 @@ const Growing growing[] = {
 
 TEST(RequestTime, IsLinear) {
     for (const Growing &row : growing) {
-        EXPECT_LT(growth(row.text(1), row.text(4), row.kind), 8) << row.name;
+        const auto work = [&row](std::size_t size) {
+            return [&row, text = row.text(size)] {
+                EXPECT_THAT(refusal(text, row.kind), testing::Not(testing::HasSubstr("too-big")));
+            };
+        };
+        EXPECT_LT(measure::growth(work(1), work(4), 5), 8) << row.name;
     }
 }
 
 // ---- memory ----
-
-// How much memory a call takes at its peak, in a process of its own.
-std::size_t peak_of(const std::function<void()> &call) {
-    const auto memory = [](const std::string &what) {
-        std::ifstream status("/proc/self/status");
-        std::string name;
-        std::size_t kib = 0;
-        while (status >> name && name != what) {
-            status.ignore(1000, '\n');
-        }
-        status >> kib;
-        return kib << 10U;
-    };
-    int ends[2];
-    EXPECT_EQ(pipe(ends), 0);
-    const pid_t child = fork();
-    if (child == 0) {
-        malloc_trim(0);
-        std::ofstream("/proc/self/clear_refs") << "5"; // the peak begins anew
-        const std::size_t before = memory("VmRSS:");
-        call();
-        const std::size_t taken = memory("VmHWM:") - before;
-        _exit(write(ends[1], &taken, sizeof taken) == sizeof taken ? 0 : 1);
-    }
-    close(ends[1]);
-    std::size_t taken = 0;
-    EXPECT_EQ(read(ends[0], &taken, sizeof taken), static_cast<ssize_t>(sizeof taken));
-    close(ends[0]);
-    int status = 0;
-    waitpid(child, &status, 0);
-    return taken;
-}
 
 struct Costly {
     const char *name;
@@ -410,12 +360,12 @@ std::vector<Costly> costly() {
 }
 
 TEST(RequestMemory, IsInProportionToTheText) {
-#ifdef __SANITIZE_ADDRESS__
-    GTEST_SKIP() << "the sanitizer keeps what is released";
-#endif
+    if (!measure::counts_memory) {
+        GTEST_SKIP();
+    }
     for (const Costly &row : costly()) {
-        const std::size_t peak = peak_of([&row] { (void)refusal(row.text, row.kind); });
-        EXPECT_LE(peak, 64 * row.text.size() + (32U << 20U)) << row.name;
+        const std::size_t peak = measure::peak_of([&row] { return [&row] { (void)refusal(row.text, row.kind); }; });
+        EXPECT_LE(peak, measure::allowed(row.text)) << row.name;
         EXPECT_NE(peak, 0U) << row.name;
     }
 }

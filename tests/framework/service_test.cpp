@@ -1,8 +1,5 @@
 // The service as a program uses it: requests in every form, several services and threads, errors as data, memory.
 #include <gmock/gmock.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <functional>
 #include <string>
@@ -10,6 +7,7 @@
 
 #include "framework/device.hpp"
 #include "framework/service.hpp"
+#include "measure.hpp"
 #include "simulator/line_system.hpp"
 
 namespace {
@@ -279,50 +277,18 @@ TEST(Error, BelongsToTheLayerOfItsTag) {
 
 // ---- memory ----
 
-// What a child process has had at most, in bytes, above what the same child has without the request.
-long peak(const std::function<void(const Service &)> &request) {
-    int channel[2];
-    EXPECT_EQ(pipe(channel), 0);
-    const pid_t child = fork();
-    if (child == 0) {
-        const System system;
-        static_cast<void>(system.service.read(Paths{}, Kind::get));
-        rusage before{};
-        getrusage(RUSAGE_SELF, &before);
-        request(system.service);
-        rusage after{};
-        getrusage(RUSAGE_SELF, &after);
-        const long kilobytes = after.ru_maxrss - before.ru_maxrss;
-        const bool told = write(channel[1], &kilobytes, sizeof kilobytes) == static_cast<ssize_t>(sizeof kilobytes);
-        system.service.find(""); // keeps the service to the end
-        _exit(told ? 0 : 1);
-    }
-    close(channel[1]);
-    long kilobytes = -1;
-    EXPECT_EQ(read(channel[0], &kilobytes, sizeof kilobytes), static_cast<ssize_t>(sizeof kilobytes));
-    close(channel[0]);
-    int status = 0;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(status, 0);
-    return kilobytes * 1024;
-}
-
-long allowed(const std::string &request) {
-    return 64 * static_cast<long>(request.size()) + (32L << 20);
-}
-
-bool counts_memory() {
-#ifdef __SANITIZE_ADDRESS__
-    return false;
-#else
-    return true;
-#endif
+std::size_t peak(const std::function<void(const Service &)> &request) {
+    return measure::peak_of([&request]() -> std::function<void()> {
+        const auto system = std::make_shared<System>();
+        static_cast<void>(system->service.read(Paths{}, Kind::get));
+        return [&request, system] { request(system->service); };
+    });
 }
 
 // The same module 400 times, each with three leaves, took 3.4 GB: every add was traced, and with it the whole request.
 TEST(ServiceMemory, OfAnEditThatNamesModulesOftenOrMany) {
-    if (!counts_memory()) {
-        GTEST_SKIP() << "a sanitizer takes memory of its own";
+    if (!measure::counts_memory) {
+        GTEST_SKIP();
     }
     const std::string leaves = "<revertive>true</revertive><force-to-port>NONE</force-to-port></config></aps-module>";
     std::string equal;
@@ -343,15 +309,16 @@ TEST(ServiceMemory, OfAnEditThatNamesModulesOftenOrMany) {
                 // Refused: what it takes to find that out counts.
             }
         };
-        EXPECT_LT(peak(edit), allowed(text));
+        EXPECT_LT(peak(edit), measure::allowed(text));
     }
     const std::string text = config(many);
-    EXPECT_LT(peak([&text](const Service &service) { static_cast<void>(service.translate(Text{text}, Kind::edit)); }),
-              allowed(text));
-    EXPECT_LT(peak([&text](const Service &service) { static_cast<void>(service.translate(Text{text}, Kind::get)); }),
-              allowed(text));
-    EXPECT_LT(peak([&text](const Service &service) { static_cast<void>(service.read(Text{text}, Kind::get)); }),
-              allowed(text));
+    const Text request{text};
+    for (const auto &call : std::vector<std::function<void(const Service &)>>{
+             [&](const Service &service) { static_cast<void>(service.translate(request, Kind::edit)); },
+             [&](const Service &service) { static_cast<void>(service.translate(request, Kind::get)); },
+             [&](const Service &service) { static_cast<void>(service.read(request, Kind::get)); }}) {
+        EXPECT_LT(peak(call), measure::allowed(text));
+    }
 }
 
 } // namespace

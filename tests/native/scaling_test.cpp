@@ -8,9 +8,9 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
-#include <ctime>
 #include <new>
 
+#include "framework/measure.hpp"
 #include "framework/native/native_data.hpp"
 #include "native/native_test.hpp"
 
@@ -156,23 +156,12 @@ void read_of_entries(std::size_t count) {
     EXPECT_EQ(ocpsm::native::answer(data_of(count), net).roots.front().children.size(), count);
 }
 
-double seconds_of(void (*work)(std::size_t), std::size_t count) {
-    double least = 1e9;
-    for (int round = 0; round < 3; ++round) {
-        const std::clock_t start = std::clock();
-        work(count);
-        least = std::min(least, static_cast<double>(std::clock() - start));
-    }
-    return least;
-}
-
 class Scaling : public testing::TestWithParam<void (*)(std::size_t)> {};
 
 TEST_P(Scaling, FourTimesTheSizeIsFarFromSixteenTimesTheWork) {
     constexpr std::size_t count = 400;
     GetParam()(100);
-    const double small = seconds_of(GetParam(), count);
-    EXPECT_LT(seconds_of(GetParam(), 4 * count), 8 * small);
+    EXPECT_LT(measure::growth([] { GetParam()(count); }, [] { GetParam()(4 * count); }), 8);
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, Scaling,
