@@ -342,22 +342,6 @@ kerrno walks_revertive(yfw_map_ctx, const Node *source, Node *) {
     return KERR_SUCCESS;
 }
 
-TEST(PassedOver, AReadOfNothingThatIsSupportedIsAnsweredEmptyWithOneWarning) {
-    const Translation translation =
-        translate(walks_revertive, one_entry + "\n  config/hold-off-time\n  other", Kind::get);
-    ASSERT_EQ(translation.handed_over.size(), 1U);
-    EXPECT_TRUE(translation.handed_over[0].nothing_supported);
-    EXPECT_THAT(translation.warnings, ElementsAre("nothing that was selected is supported, the answer is empty: " +
-                                                  at_entry + "/config/hold-off-time, " + at_entry + "/other"));
-}
-
-TEST(PassedOver, WhatIsLeftOutOfAReadIsNamed) {
-    const Translation translation =
-        translate(walks_revertive, one_entry + "/config\n  hold-off-time\n  revertive", Kind::get);
-    EXPECT_FALSE(translation.handed_over[0].nothing_supported);
-    EXPECT_THAT(translation.warnings, ElementsAre("not supported and left out: " + at_entry + "/config/hold-off-time"));
-}
-
 TEST(PassedOver, OneInstanceWithSomethingSupportedIsEnough) {
     const Translation translation = translate(
         walks_revertive, all_modules + "\n  aps-module[a]/config/revertive\n  aps-module[b]/other", Kind::get);
@@ -366,14 +350,6 @@ TEST(PassedOver, OneInstanceWithSomethingSupportedIsEnough) {
     EXPECT_TRUE(translation.handed_over[1].nothing_supported);
     EXPECT_THAT(translation.warnings,
                 ElementsAre("not supported and left out: /aps/aps-modules/aps-module[name='b']/other"));
-}
-
-TEST(PassedOver, AWholeEntryAndAWholeContainerAreSupported) {
-    for (const char *content : {"", "/config", "/config/revertive"}) {
-        const Translation translation = translate(walks_revertive, one_entry + content, Kind::get);
-        EXPECT_FALSE(translation.handed_over[0].nothing_supported) << content;
-        EXPECT_THAT(translation.warnings, IsEmpty()) << content;
-    }
 }
 
 TEST(PassedOver, AnEditIsNotLookedThrough) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <libyang/libyang.h>
 
+#include <regex>
 #include <thread>
 
 #include "framework/models/models.hpp"
@@ -56,53 +57,21 @@ std::string below(const std::string &prefix, const std::string &lines) {
     return out;
 }
 
-const std::string module_path = "/aps/aps-modules/aps-module";
-
-constexpr char top[] = R"(/aps rw container
-/aps/aps-modules rw container
-/aps/aps-modules/aps-module rw list name
-/aps/aps-modules/aps-module/name rw leafref
-/aps/aps-modules/aps-module/config rw container
-/aps/aps-modules/aps-module/config/name rw string
-/aps/aps-modules/aps-module/config/revertive rw boolean
-/aps/aps-modules/aps-module/config/wait-to-restore-time rw uint32 [milliseconds]
-/aps/aps-modules/aps-module/config/hold-off-time rw uint32 [milliseconds]
-/aps/aps-modules/aps-module/config/primary-switch-threshold rw decimal642 [dBm]
-/aps/aps-modules/aps-module/config/primary-switch-hysteresis rw decimal642 [dB] =0.0
-/aps/aps-modules/aps-module/config/secondary-switch-threshold rw decimal642 [dBm]
-/aps/aps-modules/aps-module/config/relative-switch-threshold rw decimal642 [dB] =0.0
-/aps/aps-modules/aps-module/config/relative-switch-threshold-offset rw decimal642 [dB] =0.0
-/aps/aps-modules/aps-module/config/force-to-port rw enumeration =NONE NONE PRIMARY SECONDARY
-/aps/aps-modules/aps-module/state ro container
-/aps/aps-modules/aps-module/state/name ro string
-/aps/aps-modules/aps-module/state/revertive ro boolean
-/aps/aps-modules/aps-module/state/wait-to-restore-time ro uint32 [milliseconds]
-/aps/aps-modules/aps-module/state/hold-off-time ro uint32 [milliseconds]
-/aps/aps-modules/aps-module/state/primary-switch-threshold ro decimal642 [dBm]
-/aps/aps-modules/aps-module/state/primary-switch-hysteresis ro decimal642 [dB] =0.0
-/aps/aps-modules/aps-module/state/secondary-switch-threshold ro decimal642 [dBm]
-/aps/aps-modules/aps-module/state/relative-switch-threshold ro decimal642 [dB] =0.0
-/aps/aps-modules/aps-module/state/relative-switch-threshold-offset ro decimal642 [dB] =0.0
-/aps/aps-modules/aps-module/state/force-to-port ro enumeration =NONE NONE PRIMARY SECONDARY
-/aps/aps-modules/aps-module/state/active-path ro identityref PRIMARY SECONDARY
-/aps/aps-modules/aps-module/ports rw container
+// What config and state of a module have in common, which differ in access.
+constexpr char settings[] = R"(/name $ string
+/revertive $ boolean
+/wait-to-restore-time $ uint32 [milliseconds]
+/hold-off-time $ uint32 [milliseconds]
+/primary-switch-threshold $ decimal642 [dBm]
+/primary-switch-hysteresis $ decimal642 [dB] =0.0
+/secondary-switch-threshold $ decimal642 [dBm]
+/relative-switch-threshold $ decimal642 [dB] =0.0
+/relative-switch-threshold-offset $ decimal642 [dB] =0.0
+/force-to-port $ enumeration =NONE NONE PRIMARY SECONDARY
 )";
 
-constexpr char input_port[] = R"( rw container
-/config rw container
-/config/enabled rw boolean =true
-/config/target-attenuation rw decimal642 [dB]
-/state ro container
-/state/enabled ro boolean =true
-/state/target-attenuation ro decimal642 [dB]
-)";
-
-constexpr char output_port[] = R"( rw container
-/config rw container
-/config/target-attenuation rw decimal642 [dB]
-/state ro container
-/state/target-attenuation ro decimal642 [dB]
-)";
+constexpr char enabled[] = "/enabled $ boolean =true\n";
+constexpr char target[] = "/target-attenuation $ decimal642 [dB]\n";
 
 constexpr char readings[] = R"(/state/attenuation ro decimal642 [dB]
 /state/optical-power ro container
@@ -115,19 +84,30 @@ constexpr char readings[] = R"(/state/attenuation ro decimal642 [dB]
 /state/optical-power/max-time ro uint64 [nanoseconds]
 )";
 
-TEST(OpenConfigModel, HasEveryPublishedNode) {
-    const std::string ports = module_path + "/ports";
-    std::string expected = top;
-    expected += below(ports + "/line-primary-in", std::string(input_port) + readings);
-    expected += below(ports + "/line-primary-out", std::string(output_port) + readings);
-    expected += below(ports + "/line-secondary-in", std::string(input_port) + readings);
-    expected += below(ports + "/line-secondary-out", std::string(output_port) + readings);
-    expected += below(ports + "/common-in", std::string(input_port) + readings);
-    expected += below(ports + "/common-output", std::string(output_port) + readings);
-    EXPECT_EQ(nodes_of(Schema::openconfig()), expected);
+std::string config_and_state(const std::string &both) {
+    const auto with = [&both](const std::string &name, const std::string &access) {
+        return "/" + name + " " + access + " container\n" +
+               below("/" + name, std::regex_replace(both, std::regex("[$]"), access));
+    };
+    return with("config", "rw") + with("state", "ro");
 }
 
-TEST(OpenConfigModel, IsThePublishedRevision) {
+TEST(OpenConfigModel, HasEveryPublishedNode) {
+    std::string module = config_and_state(settings);
+    module += "/state/active-path ro identityref PRIMARY SECONDARY\n/ports rw container\n";
+    for (const char *port : {"line-primary-in", "line-primary-out", "line-secondary-in", "line-secondary-out",
+                             "common-in", "common-output"}) {
+        const std::string settings_of_port =
+            std::string(port).ends_with("-in") ? std::string(enabled) + target : target;
+        module +=
+            below(std::string("/ports/") + port, " rw container\n" + config_and_state(settings_of_port) + readings);
+    }
+    EXPECT_EQ(nodes_of(Schema::openconfig()),
+              "/aps rw container\n/aps/aps-modules rw container\n" +
+                  below("/aps/aps-modules/aps-module", " rw list name\n/name rw leafref\n" + module));
+}
+
+TEST(OpenConfigModel, IsThePublishedRevisionAndDerivesBothPathsFromOneIdentity) {
     const lys_module *module =
         ly_ctx_get_module_implemented(Schema::openconfig().context(), "openconfig-transport-line-protection");
     ASSERT_NE(module, nullptr);
@@ -135,17 +115,27 @@ TEST(OpenConfigModel, IsThePublishedRevision) {
     EXPECT_STREQ(module->prefix, "oc-line-protect");
     EXPECT_STREQ(module->ns, "http://openconfig.net/yang/optical-transport-line-protection");
     EXPECT_EQ(module->parsed->version, LYS_VERSION_1_0);
-}
-
-TEST(OpenConfigModel, DerivesBothPathsFromOneIdentity) {
-    const lys_module *module =
-        ly_ctx_get_module_implemented(Schema::openconfig().context(), "openconfig-transport-line-protection");
-    ASSERT_NE(module, nullptr);
     ASSERT_EQ(LY_ARRAY_COUNT(module->identities), 3u);
     EXPECT_STREQ(module->identities[0].name, "APS_PATHS");
     ASSERT_EQ(LY_ARRAY_COUNT(module->identities[0].derived), 2u);
     EXPECT_STREQ(module->identities[0].derived[0]->name, "PRIMARY");
     EXPECT_STREQ(module->identities[0].derived[1]->name, "SECONDARY");
+}
+
+std::string nodes_of_kind(const std::string &kind) {
+    return " rw container\n" + below("/" + kind + "-node", R"( rw list node-name
+/node-name rw string
+/slot rw list slot-id
+/slot/slot-id rw uint32
+/slot/psm rw container
+/slot/psm/relative-switch-threshold rw container
+/slot/psm/relative-switch-threshold/psm-relative-switch-threshold rw int32 [0.1 dB]
+/slot/psm/relative-switch-threshold/psm-relative-switch-threshold-offset rw int32 [0.1 dB]
+/slot/psm/revertive rw container
+/slot/psm/revertive/enable rw boolean
+/slot/psm/revertive/wtr rw uint32 [milliseconds]
+/slot/psm/lockout-from rw string
+)");
 }
 
 TEST(NativeModels, HaveEveryNode) {
@@ -162,33 +152,8 @@ TEST(NativeModels, HaveEveryNode) {
 /interface-configurations/interface-configuration/optics/optics-ots-rx-voa-attenuation rw int32 [0.1 dB]
 /interface-configurations/interface-configuration/optics/optics-ots-rx-low-threshold-delta rw int32 [0.1 dB]
 /interface-configurations/interface-configuration/optics/optics-ots-tx-voa-attenuation rw int32 [0.1 dB]
-/active-nodes rw container
-/active-nodes/active-node rw list node-name
-/active-nodes/active-node/node-name rw string
-/active-nodes/active-node/slot rw list slot-id
-/active-nodes/active-node/slot/slot-id rw uint32
-/active-nodes/active-node/slot/psm rw container
-/active-nodes/active-node/slot/psm/relative-switch-threshold rw container
-/active-nodes/active-node/slot/psm/relative-switch-threshold/psm-relative-switch-threshold rw int32 [0.1 dB]
-/active-nodes/active-node/slot/psm/relative-switch-threshold/psm-relative-switch-threshold-offset rw int32 [0.1 dB]
-/active-nodes/active-node/slot/psm/revertive rw container
-/active-nodes/active-node/slot/psm/revertive/enable rw boolean
-/active-nodes/active-node/slot/psm/revertive/wtr rw uint32 [milliseconds]
-/active-nodes/active-node/slot/psm/lockout-from rw string
-/preconfigured-nodes rw container
-/preconfigured-nodes/preconfigured-node rw list node-name
-/preconfigured-nodes/preconfigured-node/node-name rw string
-/preconfigured-nodes/preconfigured-node/slot rw list slot-id
-/preconfigured-nodes/preconfigured-node/slot/slot-id rw uint32
-/preconfigured-nodes/preconfigured-node/slot/psm rw container
-/preconfigured-nodes/preconfigured-node/slot/psm/relative-switch-threshold rw container
-/preconfigured-nodes/preconfigured-node/slot/psm/relative-switch-threshold/psm-relative-switch-threshold rw int32 [0.1 dB]
-/preconfigured-nodes/preconfigured-node/slot/psm/relative-switch-threshold/psm-relative-switch-threshold-offset rw int32 [0.1 dB]
-/preconfigured-nodes/preconfigured-node/slot/psm/revertive rw container
-/preconfigured-nodes/preconfigured-node/slot/psm/revertive/enable rw boolean
-/preconfigured-nodes/preconfigured-node/slot/psm/revertive/wtr rw uint32 [milliseconds]
-/preconfigured-nodes/preconfigured-node/slot/psm/lockout-from rw string
-/ots-oper ro container
+)" + below("/active-nodes", nodes_of_kind("active")) +
+                  below("/preconfigured-nodes", nodes_of_kind("preconfigured")) + R"(/ots-oper ro container
 /ots-oper/ots-ports ro container
 /ots-oper/ots-ports/ots-port ro list name
 /ots-oper/ots-ports/ots-port/name ro string
@@ -240,30 +205,23 @@ TEST(NativeModels, HaveEveryNode) {
 }
 
 TEST(NativeModels, EveryNodeBelongsToItsModule) {
-    const auto owner = [](std::string_view path) {
-        const std::optional<NodeInfo> info = Schema::native().describe(path);
-        EXPECT_TRUE(info) << path;
-        return info ? std::string(info->module) + " " + std::string(info->namespace_uri) : std::string();
+    const std::pair<const char *, std::string> rows[] = {
+        {"/interface-configurations/interface-configuration/interface-name", "ifmgr-cfg"},
+        {"/interface-configurations/interface-configuration/optics", "controller-optics-cfg"},
+        {"/active-nodes/active-node/node-name", "config-mda-cfg"},
+        {"/preconfigured-nodes/preconfigured-node", "config-mda-cfg"},
+        {"/active-nodes/active-node/slot", "tlm2200-ots-cfg"},
+        {"/preconfigured-nodes/preconfigured-node/slot", "tlm2200-ots-cfg"},
+        {"/ots-oper/ots-ports/ots-port", "controller-tlm2200-ots-oper"},
+        {"/optics-oper", "controller-optics-oper"},
+        {"/performance-management-history", "pmengine-oper"},
     };
-    EXPECT_EQ(owner("/interface-configurations/interface-configuration/interface-name"),
-              "Vexlo-ORBIT-ifmgr-cfg http://vexlo.example/ns/yang/Vexlo-ORBIT-ifmgr-cfg");
-    EXPECT_EQ(owner("/interface-configurations/interface-configuration/optics"),
-              "Vexlo-ORBIT-controller-optics-cfg http://vexlo.example/ns/yang/Vexlo-ORBIT-controller-optics-cfg");
-    EXPECT_EQ(owner("/active-nodes/active-node/node-name"),
-              "Vexlo-ORBIT-config-mda-cfg http://vexlo.example/ns/yang/Vexlo-ORBIT-config-mda-cfg");
-    EXPECT_EQ(owner("/preconfigured-nodes/preconfigured-node"),
-              "Vexlo-ORBIT-config-mda-cfg http://vexlo.example/ns/yang/Vexlo-ORBIT-config-mda-cfg");
-    EXPECT_EQ(owner("/active-nodes/active-node/slot"),
-              "Vexlo-ORBIT-tlm2200-ots-cfg http://vexlo.example/ns/yang/Vexlo-ORBIT-tlm2200-ots-cfg");
-    EXPECT_EQ(owner("/preconfigured-nodes/preconfigured-node/slot"),
-              "Vexlo-ORBIT-tlm2200-ots-cfg http://vexlo.example/ns/yang/Vexlo-ORBIT-tlm2200-ots-cfg");
-    EXPECT_EQ(owner("/ots-oper/ots-ports/ots-port"),
-              "Vexlo-ORBIT-controller-tlm2200-ots-oper "
-              "http://vexlo.example/ns/yang/Vexlo-ORBIT-controller-tlm2200-ots-oper");
-    EXPECT_EQ(owner("/optics-oper"),
-              "Vexlo-ORBIT-controller-optics-oper http://vexlo.example/ns/yang/Vexlo-ORBIT-controller-optics-oper");
-    EXPECT_EQ(owner("/performance-management-history"),
-              "Vexlo-ORBIT-pmengine-oper http://vexlo.example/ns/yang/Vexlo-ORBIT-pmengine-oper");
+    for (const auto &[path, module] : rows) {
+        const std::optional<NodeInfo> info = Schema::native().describe(path);
+        ASSERT_TRUE(info) << path;
+        EXPECT_EQ(info->module, "Vexlo-ORBIT-" + module) << path;
+        EXPECT_EQ(info->namespace_uri, "http://vexlo.example/ns/yang/Vexlo-ORBIT-" + module) << path;
+    }
 }
 
 TEST(Models, PathsThatNoModelHasAreNotFound) {
