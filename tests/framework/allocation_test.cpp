@@ -141,10 +141,8 @@ TEST_F(FailingAllocations, OfAReadOfTheDatabaseLeaveNoLeafOut) {
 TEST_F(FailingAllocations, OfASmallEditLeaveNothingOut) {
     const ocpsm::framework::Plugin &loaded = plugin();
     const std::string text = (module_text(1, "<config><revertive>true</revertive></config>"));
-    const std::vector<HeldDevice::Leaf> leaves{
-        {"/interface-configurations/interface-configuration[active=act][interface-name=Ots0/1/0/1]", ""}};
     expect_all_or_nothing(7, [&] {
-        HeldDevice held(leaves);
+        HeldDevice held("interface-configurations/interface-configuration[act,Ots0/1/0/1]");
         const EditResult result = requests::edit(loaded, text, held);
         return result.error ? "" : text_of(held.edits);
     });

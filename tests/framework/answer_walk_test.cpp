@@ -11,8 +11,7 @@ using ocpsm::framework::Plugin;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const std::string active_slot = "/active-nodes/active-node[node-name=0/RP0/CPU0]/slot";
-const std::string interface_entry = "/interface-configurations/interface-configuration[active=act][interface-name=";
+const std::string interface_1 = "interface-configurations/interface-configuration[act,Ots0/1/0/1]";
 
 // ---- a plug-in that tells how it is called ----
 
@@ -21,16 +20,15 @@ protected:
     AnswerWalk()
         : plugin(FAKE_PLUGIN_ANSWERS), fake(*static_cast<FakeAnswers *>(plugin.find(FakeAnswers::symbol))),
           device(std::in_place,
-                 std::vector<HeldDevice::Leaf>{
-                     {"/performance-management-history/global/periodic/optics-history/optics-port-histories/"
-                      "optics-port-history[name=Ots0/1/0/1]",
-                      ""},
-                     {"/optics-oper/optics-ports/optics-port[name=Ots0/1/0/1]", ""},
-                     {"/preconfigured-nodes/preconfigured-node[node-name=0/RP0/CPU0]/slot[slot-id=3]", ""},
-                     {"/ots-oper/ots-ports/ots-port[name=Ots0/1/0/1]", ""},
-                     {active_slot + "[slot-id=1]", ""},
-                     {active_slot + "[slot-id=2]", ""},
-                     {interface_entry + "Ots0/1/0/1]/optics/optics-ots-rx-voa-attenuation", "1"}}) {
+                 R"(
+performance-management-history/global/periodic/optics-history/optics-port-histories/optics-port-history[Ots0/1/0/1]
+optics-oper/optics-ports/optics-port[Ots0/1/0/1]
+preconfigured-nodes/preconfigured-node[0/RP0/CPU0]/slot[3]
+ots-oper/ots-ports/ots-port[Ots0/1/0/1]
+active-nodes/active-node[0/RP0/CPU0]
+  slot[1]
+  slot[2]
+)" + interface_1 + "/optics: optics-ots-rx-voa-attenuation='1'") {
         fake = {};
         device->answers_everything = true;
     }
@@ -39,9 +37,9 @@ protected:
         return requests::read(plugin, content, kind, *device, options);
     }
 
-    // From now on the device has only these leaves, and answers them all.
-    void hold(const std::vector<HeldDevice::Leaf> &leaves) {
-        device.emplace(leaves);
+    // From now on the device has only this, and answers it all.
+    void hold(const std::string &held) {
+        device.emplace(held);
         device->answers_everything = true;
     }
 
@@ -74,7 +72,7 @@ TEST_F(AnswerWalk, ModelsComeFirstThenWhatAugmentsTheirEntries) {
 }
 
 TEST_F(AnswerWalk, TheContextShowsKindAndSelectionAndTheMapIsMadeInSilence) {
-    hold({{interface_entry + "Ots0/1/0/1]", ""}});
+    hold(interface_1);
     read("<aps-module><state><active-path/><revertive/></state></aps-module>", Kind::get,
          {.check_values = true, .log = true, .trace = true});
     EXPECT_THAT(fake.calls,
@@ -93,12 +91,12 @@ TEST_F(AnswerWalk, TheMapSaysWhichModuleIsCurrent) {
     fake.revertive = "true";
     EXPECT_THAT(leaves_of(read("<aps-module/>").answer),
                 ElementsAre("1: name = 0/1-PSM-OM", "1/config: revertive = true"));
-    hold({{interface_entry + "Ots0/1/0/1]", ""}, {active_slot + "[slot-id=2]", ""}});
+    hold(interface_1 + "\nactive-nodes/active-node[0/RP0/CPU0]/slot[2]");
     EXPECT_THAT(leaves_of(read("<aps-module/>").answer), ElementsAre("1: name = 0/1-PSM-OM"));
 }
 
 TEST_F(AnswerWalk, AnEmptyAnswerCallsNobody) {
-    hold({});
+    hold("");
     EXPECT_TRUE(read("<aps-module/>").answer.empty());
     EXPECT_THAT(fake.calls, ElementsAre("request aps of - below '' depth 0 kind 10 mode 0/0"));
 }
@@ -184,8 +182,8 @@ TEST_F(AnswerWalk, AnEditThatCannotSeeWhatStandsThereIsRefused) {
 // The inventory of the example has modules in slots 1 and 3.
 class HeldAnswers : public SessionFixture {
 protected:
-    Lines read(const std::vector<HeldDevice::Leaf> &leaves, const std::string &path, Kind kind) {
-        HeldDevice held(leaves);
+    Lines read(const std::string &text, const std::string &path, Kind kind) {
+        HeldDevice held(text);
         const ReadResult answer = requests::read_paths(plugin(), std::vector{path}, kind, held);
         EXPECT_EQ(refusal_of(answer), "none");
         return leaves_of(answer.answer);
@@ -193,31 +191,33 @@ protected:
 };
 
 TEST_F(HeldAnswers, AModuleIsFoundByItsSecondaryInterfaceAlone) {
-    const std::vector<HeldDevice::Leaf> leaves{
-        {interface_entry + "Ots0/3/0/2]/optics/rx-thresholds/rx-threshold[rx-threshold-type=low]/rx-threshold", "-281"},
-        {interface_entry + "Ots0/3/0/2]/optics/optics-ots-rx-low-threshold-delta", "9"},
-        {active_slot + "[slot-id=3]/psm/lockout-from", "working"}};
+    const std::string held =
+        R"(
+interface-configurations/interface-configuration[act,Ots0/3/0/2]/optics: optics-ots-rx-low-threshold-delta='9'
+  rx-thresholds/rx-threshold[low]: rx-threshold='-281'
+active-nodes/active-node[0/RP0/CPU0]/slot[3]/psm: lockout-from='working')";
     for (const std::string &path : {module_path(3), std::string("/")}) {
         EXPECT_THAT(
-            read(leaves, path, Kind::get_config),
+            read(held, path, Kind::get_config),
             ElementsAre("3: name = 0/3-PSM-OM",
                         "3/config: name = 0/3-PSM-OM, secondary-switch-threshold = -28.1, force-to-port = SECONDARY"));
         // A read of both kinds of data finds it by the primary port, which is not there.
-        EXPECT_THAT(read(leaves, path, Kind::get), IsEmpty());
+        EXPECT_THAT(read(held, path, Kind::get), IsEmpty());
     }
 }
 
 TEST_F(HeldAnswers, SettingsOfAModuleThatIsNotInTheInventoryNeverAppear) {
-    const std::vector<HeldDevice::Leaf> leaves{
-        {interface_entry + "Ots0/1/0/1]/optics/optics-ots-rx-voa-attenuation", "11"},
-        {interface_entry + "Ots0/2/0/1]/optics/optics-ots-rx-voa-attenuation", "22"},
-        {interface_entry + "Ots0/2/0/2]/optics/optics-ots-rx-voa-attenuation", "23"},
-        {active_slot + "[slot-id=1]/psm/revertive/wtr", "1"},
-        {active_slot + "[slot-id=2]/psm/revertive/wtr", "2"},
-        {"/preconfigured-nodes/preconfigured-node[node-name=0/RP0/CPU0]/slot[slot-id=1]/psm/revertive/wtr", "3"},
-        {"/ots-oper/ots-ports/ots-port[name=Ots0/2/0/1]/ots-info/port-status", "active"}};
     for (const bool everything : {false, true}) {
-        HeldDevice held(leaves);
+        HeldDevice held(R"(
+interface-configurations
+  interface-configuration[act,Ots0/1/0/1]/optics: optics-ots-rx-voa-attenuation='11'
+  interface-configuration[act,Ots0/2/0/1]/optics: optics-ots-rx-voa-attenuation='22'
+  interface-configuration[act,Ots0/2/0/2]/optics: optics-ots-rx-voa-attenuation='23'
+active-nodes/active-node[0/RP0/CPU0]
+  slot[1]/psm/revertive: wtr='1'
+  slot[2]/psm/revertive: wtr='2'
+preconfigured-nodes/preconfigured-node[0/RP0/CPU0]/slot[1]/psm/revertive: wtr='3'
+ots-oper/ots-ports/ots-port[Ots0/2/0/1]/ots-info: port-status='active')");
         held.answers_everything = everything;
         for (const Kind kind : {Kind::get, Kind::get_config}) {
             const ReadResult all = requests::read_paths(plugin(), {}, kind, held);
@@ -240,10 +240,13 @@ TEST_F(HeldAnswers, SettingsOfAModuleThatIsNotInTheInventoryNeverAppear) {
 
 // A device that answers more than it was asked does not change what the client gets.
 TEST_F(HeldAnswers, ANamedReadIsAnsweredWithItsModuleWhateverTheDeviceAnswers) {
-    HeldDevice held({{interface_entry + "Ots0/1/0/1]", ""},
-                     {interface_entry + "Ots0/3/0/1]", ""},
-                     {active_slot + "[slot-id=1]/psm/revertive/wtr", "1"},
-                     {active_slot + "[slot-id=3]/psm/revertive/wtr", "3"}});
+    HeldDevice held(R"(
+interface-configurations
+  interface-configuration[act,Ots0/1/0/1]
+  interface-configuration[act,Ots0/3/0/1]
+active-nodes/active-node[0/RP0/CPU0]
+  slot[1]/psm/revertive: wtr='1'
+  slot[3]/psm/revertive: wtr='3')");
     held.answers_everything = true;
     const ReadResult answer = requests::read_paths(plugin(), std::vector{module_path(3)}, Kind::get_config, held);
     EXPECT_THAT(leaves_of(answer.answer),
@@ -251,9 +254,11 @@ TEST_F(HeldAnswers, ANamedReadIsAnsweredWithItsModuleWhateverTheDeviceAnswers) {
 }
 
 TEST_F(HeldAnswers, EntriesThatAreNoModulesArePassedOver) {
-    EXPECT_THAT(read({{interface_entry + "Ots0/1/0/0]", ""},
-                      {interface_entry + "GigabitEthernet0/0]", ""},
-                      {interface_entry + "Ots0/3/0/1]", ""}},
+    EXPECT_THAT(read(R"(
+interface-configurations
+  interface-configuration[act,Ots0/1/0/0]
+  interface-configuration[act,GigabitEthernet0/0]
+  interface-configuration[act,Ots0/3/0/1])",
                      "/", Kind::get_config),
                 ElementsAre("3: name = 0/3-PSM-OM", "3/config: name = 0/3-PSM-OM"));
 }

@@ -118,14 +118,13 @@ TEST_F(EditOfALineSystem, ANativeCheckThatFailsIsReportedAtTheOpenConfigPath) {
 
 // ---- refusals of the device ----
 
-const std::string held_module =
-    "/interface-configurations/interface-configuration[active=act][interface-name=Ots0/1/0/1]";
+const std::string held_module = "interface-configurations/interface-configuration[act,Ots0/1/0/1]";
 
 class EditOfAHeldDevice : public SessionFixture {
 protected:
     // Where an edit is refused whose native node at `native_path` the device refuses.
     std::string refused_at(const std::string &native_path, const std::string &text) {
-        HeldDevice held({{held_module, ""}});
+        HeldDevice held(held_module);
         held.refusal =
             ocpsm::Error(ocpsm::Error::Source::refused, "resource-denied", "", "not now").at_native(native_path);
         return refusal_of(requests::edit(plugin(), text, held));
@@ -164,7 +163,7 @@ TEST_F(EditOfAHeldDevice, AlsoWithinAWholeSubtree) {
 }
 
 TEST_F(EditOfAHeldDevice, AnAcceptedEditReachesTheDeviceOnce) {
-    HeldDevice held({{held_module, ""}});
+    HeldDevice held(held_module);
     const EditResult result = requests::edit(plugin(), config_text("<revertive>true</revertive>"), held);
     EXPECT_EQ(refusal_of(result), "none");
     EXPECT_THAT(held.edits, ElementsAre(primary, node, node + "/slot[slot-id='1']",

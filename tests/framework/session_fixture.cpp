@@ -2,73 +2,10 @@
 
 #include <algorithm>
 
-#include "framework/models/models.hpp"
-#include "framework/native/native_path.hpp"
-
 using ocpsm::EditResult;
 using ocpsm::Outcome;
 using ocpsm::ReadResult;
 using ocpsm::framework::Plugin;
-
-namespace {
-
-struct Step {
-    std::string name;
-    std::vector<std::pair<std::string, std::string>> keys;
-};
-
-// Keys hold no brackets, names neither brackets nor slashes.
-std::vector<Step> steps_of(const std::string &path) {
-    std::vector<Step> steps;
-    std::size_t at = 0;
-    while (at < path.size()) {
-        Step &step = steps.emplace_back();
-        const std::size_t name_end = std::min(path.find_first_of("/[", at + 1), path.size());
-        step.name = path.substr(at + 1, name_end - at - 1);
-        at = name_end;
-        while (at < path.size() && path[at] == '[') {
-            const std::size_t equals = path.find('=', at);
-            const std::size_t end = path.find(']', at);
-            step.keys.emplace_back(path.substr(at + 1, equals - at - 1), path.substr(equals + 1, end - equals - 1));
-            at = end + 1;
-        }
-    }
-    return steps;
-}
-
-std::vector<ocpsm::native::NativeNode> key_leaves(const lysc_node &list, const Step &step) {
-    std::vector<ocpsm::native::NativeNode> leaves;
-    for (const lysc_node *leaf : ocpsm::models::key_leaves(list)) {
-        const auto key = std::find_if(step.keys.begin(), step.keys.end(),
-                                      [leaf](const auto &candidate) { return candidate.first == leaf->name; });
-        leaves.push_back({leaf, key->second, {}});
-    }
-    return leaves;
-}
-
-void hold(std::vector<ocpsm::native::NativeNode> &nodes, const lysc_node *parent, const std::vector<Step> &steps,
-          std::size_t index, const std::string &value) {
-    const Step &step = steps.at(index);
-    const lysc_node *schema = ocpsm::models::Schema::native().child(parent, step.name);
-    ASSERT_NE(schema, nullptr) << step.name;
-    const auto keys = key_leaves(*schema, step);
-    const auto is_it = [&](const ocpsm::native::NativeNode &node) {
-        return node.schema == schema &&
-               std::equal(keys.begin(), keys.end(), node.children.begin(),
-                          [](const auto &key, const auto &child) { return key.value == child.value; });
-    };
-    auto node = std::find_if(nodes.begin(), nodes.end(), is_it);
-    if (node == nodes.end()) {
-        node = nodes.insert(nodes.end(), {schema, {}, keys});
-    }
-    if (index + 1 < steps.size()) {
-        hold(node->children, schema, steps, index + 1, value);
-    } else if (keys.empty()) {
-        node->value = value;
-    }
-}
-
-} // namespace
 
 namespace requests {
 namespace {
@@ -215,12 +152,6 @@ EditResult SessionFixture::successful(EditResult result) {
     EXPECT_EQ(refusal_of(result), "none");
     EXPECT_THAT(result.warnings, testing::IsEmpty());
     return result;
-}
-
-HeldDevice::HeldDevice(const std::vector<Leaf> &leaves) {
-    for (const Leaf &leaf : leaves) {
-        hold(held_.roots, nullptr, steps_of(leaf.path), 0, leaf.value);
-    }
 }
 
 ocpsm::native::NativeData HeldDevice::answer(const ocpsm::native::NetRequest &read) {

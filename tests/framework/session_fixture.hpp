@@ -12,6 +12,7 @@
 #include "framework/error.hpp"
 #include "framework/native/native_data.hpp"
 #include "framework/requests.hpp"
+#include "native/native_test.hpp"
 #include "simulator/database/client_library.hpp"
 #include "simulator/line_system/line_system_device.hpp"
 #include "simulator/line_system/operations.hpp"
@@ -135,15 +136,10 @@ private:
     std::optional<ocpsm::line_system::LineSystemDevice> device_;
 };
 
-// A device that answers from what a test has written down: the paths of leaves with their values.
+// A device that answers from what a test has written down, as native_test::net_text shows it.
 class HeldDevice : public ocpsm::DeviceTransaction {
 public:
-    struct Leaf {
-        std::string path; // instance path, e.g. /active-nodes/active-node[node-name=0/RP0/CPU0]/slot[slot-id=1]/psm/...
-        std::string value;
-    };
-
-    explicit HeldDevice(const std::vector<Leaf> &leaves);
+    explicit HeldDevice(const std::string &held) : held_(native_test::read_net(held)) {}
 
     ocpsm::native::NativeData answer(const ocpsm::native::NetRequest &read) override;
     void apply(const ocpsm::native::NetRequest &edit) override;

@@ -152,66 +152,10 @@ private:
     std::string failed_;
 };
 
-// Data as "net" shows it; its keys and values hold none of the signs of that notation.
-class HeldReader {
-public:
-    explicit HeldReader(const Case &test) : test_(test) {}
-
-    ocpsm::native::NativeData read() {
-        const Section *held = test_.find_input("held");
-        for (const Line &line : held == nullptr ? std::vector<Line>() : held->lines) {
-            if (!line.text.empty()) {
-                add(line);
-            }
-        }
-        return data_;
-    }
-
-private:
-    // Nodes that are open, each with the column in which it stands.
-    using Open = std::vector<std::pair<std::size_t, NativeNode *>>;
-
-    void add(const Line &line) {
-        const std::size_t column = line.text.find_first_not_of(' ');
-        while (!open_.empty() && open_.back().first >= column) {
-            open_.pop_back();
-        }
-        const std::size_t colon = std::min(line.text.find(": "), line.text.size());
-        std::istringstream steps(line.text.substr(column, colon - column));
-        for (std::string step; std::getline(steps, step, '/');) {
-            NativeNode &node = make(line, step.substr(0, step.find('[')));
-            open_.emplace_back(column, &node);
-            add_keys(node, step.substr(std::min(step.find('['), step.size())));
-        }
-        std::istringstream leaves(line.text.substr(std::min(colon + 1, line.text.size())));
-        for (std::string leaf; std::getline(leaves, leaf, ',');) {
-            const std::size_t equals = leaf.find("='");
-            make(line, leaf.substr(1, equals - 1)).value = leaf.substr(equals + 2, leaf.size() - equals - 3);
-        }
-    }
-
-    void add_keys(NativeNode &node, const std::string &text) {
-        std::size_t start = 1;
-        for (const lysc_node *key : ocpsm::models::key_leaves(*node.schema)) {
-            const std::size_t end = text.find_first_of(",]", start);
-            node.children.push_back({key, text.substr(start, end - start)});
-            start = end + 1;
-        }
-    }
-
-    NativeNode &make(const Line &line, const std::string &name) {
-        NativeNode *parent = open_.empty() ? nullptr : open_.back().second;
-        const lysc_node *schema = Schema::native().child(parent == nullptr ? nullptr : parent->schema, name);
-        if (schema == nullptr) {
-            throw BadCase(test_.file, line.number, "no model has this: " + name);
-        }
-        return (parent == nullptr ? data_.roots : parent->children).emplace_back(NativeNode{schema});
-    }
-
-    const Case &test_;
-    ocpsm::native::NativeData data_;
-    Open open_;
-};
+std::string held_text(const Case &test) {
+    const Section *held = test.find_input("held");
+    return held == nullptr ? "" : held->text();
+}
 
 // The expected lines, each with the origin that its path has.
 std::string origins_of(const Case &test, const NativeRequest &request) {
@@ -235,7 +179,7 @@ std::string answer(const Case &test, const std::string &wanted) {
         {"json", [&] { return text_or_error([&] { return net.to_json(); }); }},
         {"check", [&] { return text_or_error([&] { return net.check(), "fine\n"; }); }},
         {"adds", [&] { return maker.failed(); }},
-        {"answer", [&] { return net_text(ocpsm::native::answer(HeldReader(test).read(), net).roots); }},
+        {"answer", [&] { return net_text(ocpsm::native::answer(read_net(held_text(test)), net).roots); }},
         {"origins", [&] { return origins_of(test, maker.request()); }},
     };
     for (const auto &[name, make] : sections) {

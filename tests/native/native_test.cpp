@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <libyang/libyang.h>
 
+#include <algorithm>
+#include <sstream>
 #include <utility>
 
 #include "framework/error.hpp"
@@ -49,6 +51,64 @@ void show(std::span<const NativeNode> nodes, const std::string &indent, std::str
     }
 }
 
+// Reads what net_text writes of data.
+class NetReader {
+public:
+    ocpsm::native::NativeData read(const std::string &text) {
+        std::istringstream lines(text);
+        for (std::string line; std::getline(lines, line);) {
+            if (!line.empty()) {
+                add(line);
+            }
+        }
+        return std::move(data_);
+    }
+
+private:
+    void add(const std::string &line) {
+        const std::size_t column = line.find_first_not_of(' ');
+        while (!open_.empty() && open_.back().first >= column) {
+            open_.pop_back();
+        }
+        const std::size_t colon = std::min(line.find(": "), line.size());
+        for (std::size_t at = column; at < colon;) {
+            const std::size_t keys = std::min(line.find_first_of("[/", at), colon);
+            NativeNode &node = make(line.substr(at, keys - at));
+            open_.emplace_back(column, &node);
+            at = line[keys] == '[' ? add_keys(node, line, keys + 1) : keys;
+            at += at < colon ? 1 : 0;
+        }
+        std::istringstream leaves(line.substr(std::min(colon + 1, line.size())));
+        for (std::string leaf; std::getline(leaves, leaf, ',');) {
+            const std::size_t equals = leaf.find("='");
+            make(leaf.substr(1, equals - 1)).value = leaf.substr(equals + 2, leaf.size() - equals - 3);
+        }
+    }
+
+    // Returns the position behind the keys.
+    static std::size_t add_keys(NativeNode &node, const std::string &line, std::size_t at) {
+        for (const lysc_node *key : ocpsm::native::key_leaves(*node.schema)) {
+            const std::size_t end = line.find_first_of(",]", at);
+            node.children.push_back({key, line.substr(at, end - at)});
+            at = end + 1;
+        }
+        return at;
+    }
+
+    NativeNode &make(const std::string &name) {
+        NativeNode *parent = open_.empty() ? nullptr : open_.back().second;
+        const lysc_node *schema =
+            ocpsm::models::Schema::native().child(parent == nullptr ? nullptr : parent->schema, name);
+        if (schema == nullptr) {
+            throw std::invalid_argument("no model has this: " + name);
+        }
+        return (parent == nullptr ? data_.roots : parent->children).emplace_back(NativeNode{schema});
+    }
+
+    ocpsm::native::NativeData data_;
+    std::vector<std::pair<std::size_t, NativeNode *>> open_; // nodes that are open, each with the column of its line
+};
+
 } // namespace
 
 void Request::put(const std::string &path, const char *namespace_uri, Value value, std::uint32_t operation, bool first,
@@ -78,6 +138,10 @@ std::string net_text(std::span<const NativeNode> roots) {
     std::string out;
     show(roots, "", out);
     return out;
+}
+
+ocpsm::native::NativeData read_net(const std::string &text) {
+    return NetReader().read(text);
 }
 
 std::string steps(const ocpsm::native::NativeRequest &request) {

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "framework/native/native_data.hpp"
 #include "framework/native/native_request.hpp"
 
 namespace native_test {
@@ -75,6 +76,9 @@ std::string text_or_error(const std::function<std::string()> &make);
 //   NODE  NAME, of an entry [KEY,...] ("?" selected, "-" not named), "+" made, <OPERATION> unless it is merge
 //   LEAF  NAME, ='VALUE' when it has one, <OPERATION>
 std::string net_text(std::span<const ocpsm::native::NativeNode> roots);
+
+// Data that a device holds, as net_text shows it; its values and keys hold no comma.
+ocpsm::native::NativeData read_net(const std::string &text);
 
 // A line per step of the net request: the operation's name, the path and, when there is one, "= value".
 std::string steps(const ocpsm::native::NativeRequest &request);
