@@ -96,22 +96,6 @@ WALKER(ymap_n2o_oc_opt_psm_vexloorbitifmgrcfg_lvla_interfaceconfigurations) {
     return result;
 }
 
-WALKER(ymap_n2o_oc_opt_psm_vexloorbitconfigmdacfg_lvla_activenodes) {
-    return called("nodes", ctx, source);
-}
-
-WALKER(ymap_n2o_oc_opt_psm_vexloorbitcontrollertlm2200otsoper_lvla_otsoper) {
-    return called("ports", ctx, source);
-}
-
-WALKER(ymap_n2o_oc_opt_psm_vexloorbitcontrolleropticsoper_lvla_opticsoper) {
-    return called("optics ports", ctx, source);
-}
-
-WALKER(ymap_n2o_oc_opt_psm_vexloorbitpmengineoper_lvla_performancemanagementhistory) {
-    return called("histories", ctx, source);
-}
-
 WALKER(ymap_n2o_oc_opt_psm_vexloorbittlm2200otscfg_augment_lvla_active_node) {
     yfw_map_add_to_node_hierarchy(ctx, source, 2);
     yfw_map_update_current_list_node(ctx, "/node:active-nodes/node:active-node/slot");
@@ -126,10 +110,15 @@ WALKER(ymap_n2o_oc_opt_psm_vexloorbittlm2200otscfg_augment_lvla_active_node) {
     return called("slot", ctx, source);
 }
 
-WALKER(ymap_n2o_oc_opt_psm_vexloorbittlm2200otscfg_augment_lvla_preconfigured_node) {
-    return called("preconfigured slot", ctx, source);
-}
+// The other walkers only tell.
+#define TELLING(name, label)                                                                                           \
+    WALKER(name) {                                                                                                     \
+        return called(label, ctx, source);                                                                             \
+    }
 
-WALKER(ymap_n2o_oc_opt_psm_vexloorbitcontrolleropticscfg_augment_lvla_interface_configuration) {
-    return called("optics", ctx, source);
-}
+TELLING(ymap_n2o_oc_opt_psm_vexloorbitconfigmdacfg_lvla_activenodes, "nodes")
+TELLING(ymap_n2o_oc_opt_psm_vexloorbitcontrollertlm2200otsoper_lvla_otsoper, "ports")
+TELLING(ymap_n2o_oc_opt_psm_vexloorbitcontrolleropticsoper_lvla_opticsoper, "optics ports")
+TELLING(ymap_n2o_oc_opt_psm_vexloorbitpmengineoper_lvla_performancemanagementhistory, "histories")
+TELLING(ymap_n2o_oc_opt_psm_vexloorbittlm2200otscfg_augment_lvla_preconfigured_node, "preconfigured slot")
+TELLING(ymap_n2o_oc_opt_psm_vexloorbitcontrolleropticscfg_augment_lvla_interface_configuration, "optics")

@@ -11,17 +11,11 @@ TEST(Match, NeedsTwoEqualTexts) {
 }
 
 TEST(RequestDelete, IsTheNodesOwnOperation) {
-    kidl_yfw_datatree node{};
-    const auto is_delete = [&node](uint32_t operation) {
+    for (const uint32_t operation : {0U, 1U, 2U, 3U, 4U, 5U}) {
+        kidl_yfw_datatree node{};
         node.operation = operation;
-        return yfw_map_is_request_delete(&node) != 0;
-    };
-    EXPECT_FALSE(is_delete(0));
-    EXPECT_FALSE(is_delete(1));
-    EXPECT_FALSE(is_delete(2));
-    EXPECT_TRUE(is_delete(3));
-    EXPECT_TRUE(is_delete(4));
-    EXPECT_FALSE(is_delete(5));
+        EXPECT_EQ(yfw_map_is_request_delete(&node) != 0, operation == 3 || operation == 4) << operation;
+    }
     EXPECT_EQ(yfw_map_is_request_delete(nullptr), 0);
 }
 

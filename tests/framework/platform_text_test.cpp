@@ -2,7 +2,9 @@
 
 #include <array>
 #include <cstring>
+#include <functional>
 #include <string>
+#include <string_view>
 
 #include "framework/host/codes.hpp"
 #include "hvs_dt.h"
@@ -12,63 +14,46 @@
 
 namespace {
 
-struct Buffer {
-    std::array<char, 8> bytes{'#', '#', '#', '#', '#', '#', '#', '#'};
-    char *data() { return bytes.data(); }
-    std::string all() const { return {bytes.data(), bytes.size()}; }
+// A call with a buffer of eight "#", whether it says that it has not done all, and the buffer then.
+struct Bounded {
+    const char *what;
+    std::function<int(char *)> call;
+    bool cut;
+    std::string_view buffer;
 };
 
-std::string bytes(const char *text, std::size_t size) {
-    return {text, size};
-}
+using namespace std::string_view_literals;
 
-TEST(BoundedCopy, CopiesWhatFits) {
-    Buffer buffer;
-    EXPECT_EQ(yfw_strcpy_s(buffer.data(), 4, "abc"), 0);
-    EXPECT_EQ(buffer.all(), bytes("abc\0####", 8));
-}
+const std::array<char, 2> unterminated{'x', 'y'};
 
-TEST(BoundedCopy, CutsAndTerminates) {
-    Buffer buffer;
-    EXPECT_NE(yfw_strcpy_s(buffer.data(), 4, "abcd"), 0);
-    EXPECT_EQ(buffer.all(), bytes("abc\0####", 8));
-}
+const Bounded bounded[] = {
+    {"a copy", [](char *to) { return yfw_strcpy_s(to, 4, "abc"); }, false, "abc\0####"sv},
+    {"a copy that is cut", [](char *to) { return yfw_strcpy_s(to, 4, "abcd"); }, true, "abc\0####"sv},
+    {"a copy to nothing", [](char *) { return yfw_strcpy_s(nullptr, 4, "abc"); }, true, "########"sv},
+    {"a copy without room", [](char *to) { return yfw_strcpy_s(to, 0, "abc"); }, true, "########"sv},
+    {"a copy of nothing", [](char *to) { return yfw_strcpy_s(to, 4, nullptr); }, true, "\0#######"sv},
+    {"a counted copy", [](char *to) { return yfw_strncpy_s(to, 8, "abcdef", 2); }, false, "ab\0#####"sv},
+    {"a counted copy that is cut", [](char *to) { return yfw_strncpy_s(to, 3, "abcdef", 5); }, true, "ab\0#####"sv},
+    {"a counted copy of what has no end", [](char *to) { return yfw_strncpy_s(to, 8, unterminated.data(), 2); }, false,
+     "xy\0#####"sv},
+    {"an addition", [](char *to) { return yfw_strcpy_s(to, 8, "ab") + yfw_strcat_s(to, 6, "cde"); }, false,
+     "abcde\0##"sv},
+    {"an addition without room", [](char *to) { return yfw_strcpy_s(to, 8, "abcde") + yfw_strcat_s(to, 6, "f"); }, true,
+     "abcde\0##"sv},
+    {"an addition to what has no end", [](char *to) { return yfw_strcat_s(to, 4, "x"); }, true, "###\0####"sv},
+    {"an addition to nothing", [](char *) { return yfw_strcat_s(nullptr, 4, "x"); }, true, "########"sv},
+    {"an addition to no bytes", [](char *to) { return yfw_strcat_s(to, 0, "x"); }, true, "########"sv},
+    {"a clearance", [](char *to) { return memset_s(to, 8, 'x', 3); }, false, "xxx#####"sv},
+    {"a clearance beyond the room", [](char *to) { return memset_s(to, 4, 'y', 100); }, true, "yyyy####"sv},
+    {"a clearance of nothing", [](char *) { return memset_s(nullptr, 4, 'y', 1); }, true, "########"sv},
+};
 
-TEST(BoundedCopy, TakesNullAndNoRoom) {
-    Buffer buffer;
-    EXPECT_NE(yfw_strcpy_s(nullptr, 4, "abc"), 0);
-    EXPECT_NE(yfw_strcpy_s(buffer.data(), 0, "abc"), 0);
-    EXPECT_EQ(buffer.all(), "########");
-    EXPECT_NE(yfw_strcpy_s(buffer.data(), 4, nullptr), 0);
-    EXPECT_EQ(buffer.all(), bytes("\0#######", 8));
-}
-
-TEST(BoundedCopy, TheCountedOneTakesAtMostTheCount) {
-    Buffer buffer;
-    EXPECT_EQ(yfw_strncpy_s(buffer.data(), 8, "abcdef", 2), 0);
-    EXPECT_EQ(buffer.all(), bytes("ab\0#####", 8));
-    EXPECT_NE(yfw_strncpy_s(buffer.data(), 3, "abcdef", 5), 0);
-    EXPECT_EQ(buffer.all(), bytes("ab\0#####", 8));
-    const std::array<char, 2> unterminated{'x', 'y'};
-    EXPECT_EQ(yfw_strncpy_s(buffer.data(), 8, unterminated.data(), 2), 0);
-    EXPECT_EQ(buffer.all(), bytes("xy\0#####", 8));
-}
-
-TEST(BoundedAppend, AppendsWhatFits) {
-    Buffer buffer;
-    (void)yfw_strcpy_s(buffer.data(), 8, "ab");
-    EXPECT_EQ(yfw_strcat_s(buffer.data(), 6, "cde"), 0);
-    EXPECT_EQ(buffer.all(), bytes("abcde\0##", 8));
-    EXPECT_NE(yfw_strcat_s(buffer.data(), 6, "f"), 0);
-    EXPECT_EQ(buffer.all(), bytes("abcde\0##", 8));
-}
-
-TEST(BoundedAppend, TerminatesWhatHasNoEnd) {
-    Buffer buffer;
-    EXPECT_NE(yfw_strcat_s(buffer.data(), 4, "x"), 0);
-    EXPECT_EQ(buffer.all(), bytes("###\0####", 8));
-    EXPECT_NE(yfw_strcat_s(nullptr, 4, "x"), 0);
-    EXPECT_NE(yfw_strcat_s(buffer.data(), 0, "x"), 0);
+TEST(BoundedText, StaysInItsRoomAndEnds) {
+    for (const Bounded &row : bounded) {
+        std::string buffer(8, '#');
+        EXPECT_EQ(row.call(buffer.data()) != 0, row.cut) << row.what;
+        EXPECT_EQ(buffer, row.buffer) << row.what;
+    }
 }
 
 TEST(NamedAllocation, IsACopyOfTheText) {
@@ -79,15 +64,6 @@ TEST(NamedAllocation, IsACopyOfTheText) {
     hvs_named_free(copy);
     hvs_named_free(nullptr);
     EXPECT_EQ(yfw_strdup(nullptr, "YFW MAP"), nullptr);
-}
-
-TEST(BoundedClear, WritesNothingBeyondTheRoom) {
-    Buffer buffer;
-    EXPECT_EQ(memset_s(buffer.data(), 8, 'x', 3), 0);
-    EXPECT_EQ(buffer.all(), "xxx#####");
-    EXPECT_NE(memset_s(buffer.data(), 4, 'y', 100), 0);
-    EXPECT_EQ(buffer.all(), "yyyy####");
-    EXPECT_NE(memset_s(nullptr, 4, 'y', 1), 0);
 }
 
 TEST(AddressText, IsADottedQuadThatIsCutWhereItMustBe) {
