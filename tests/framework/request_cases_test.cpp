@@ -107,35 +107,28 @@ std::vector<std::string> lines(const std::optional<std::string> &text) {
     return all;
 }
 
-// The nodes below a node of the answer that stands; a list's key comes with its entry.
-void stand(lyd_node *parent, const Trees &trees) {
+// Adds to a standing answer what a dump tells; a list's key comes with its entry.
+void stand(lyd_node *&top, const std::string &above, const Trees &trees) {
     for (const RequestNode &tree : trees) {
-        const lysc_node *schema = ocpsm::models::Schema::openconfig().child(parent->schema, tree.tag);
+        const bool entry = tree.tag == "aps-module";
+        const std::string path =
+            above + "/" + tree.tag + (entry ? "[name='" + *tree.children.front().value + "']" : "");
         lyd_node *made = nullptr;
-        if (schema->nodetype == LYS_LEAF) {
-            if (!lysc_is_key(schema)) {
-                lyd_new_term(parent, schema->module, schema->name, tree.value.value_or("").c_str(), 0, nullptr);
-            }
-            continue;
-        }
-        if (schema->nodetype == LYS_LIST) {
-            lyd_new_list(parent, schema->module, schema->name, 0, &made, tree.children.front().value->c_str());
-        } else {
-            lyd_new_inner(parent, schema->module, schema->name, 0, &made);
-        }
-        stand(made, tree.children);
+        lyd_new_path(top, ocpsm::models::Schema::openconfig().context(), path.c_str(),
+                     tree.value ? tree.value->c_str() : nullptr, LYD_NEW_PATH_UPDATE, top == nullptr ? &made : nullptr);
+        top = top == nullptr ? made : top;
+        stand(top, path, tree.children);
     }
 }
 
-ocpsm::framework::AnswerTree standing_answer(const Trees &trees) {
+ocpsm::framework::AnswerTree standing_answer(Trees trees) {
     if (trees.empty()) {
         return {};
     }
-    const lysc_node &top = *ocpsm::models::Schema::openconfig().top_nodes().front();
-    lyd_node *made = nullptr;
-    lyd_new_inner(nullptr, top.module, top.name, 0, &made);
-    stand(made, trees.front().children);
-    return ocpsm::framework::AnswerTree(ocpsm::OwnedNode(made));
+    lyd_node *top = nullptr;
+    trees.front().tag = "openconfig-transport-line-protection:aps";
+    stand(top, "", trees);
+    return ocpsm::framework::AnswerTree(ocpsm::OwnedNode(top));
 }
 
 std::string settled(const Case &test) {

@@ -44,14 +44,6 @@ std::string entry(int slot, const std::string &content) {
     return "<aps-module><name>0/" + std::to_string(slot) + "-PSM-OM</name>" + content + "</aps-module>";
 }
 
-Lines changes_of(const ocpsm::EditResult &result) {
-    Lines lines;
-    for (const ocpsm::Change &change : result.changes) {
-        lines.push_back(change.path + ": " + change.before.value_or("-") + " -> " + change.after.value_or("-"));
-    }
-    return lines;
-}
-
 // "tag|path|native path|message|node|app-tag"; "none" without an error.
 std::string error_of(const ocpsm::Outcome &outcome) {
     if (!outcome.error) {
@@ -62,9 +54,22 @@ std::string error_of(const ocpsm::Outcome &outcome) {
            error.app_tag;
 }
 
-std::string thrown_by(const std::function<void()> &request) {
+// The changes of an edit, or its error.
+Lines told(const ocpsm::EditResult &result) {
+    if (result.error) {
+        return {error_of(result)};
+    }
+    Lines lines;
+    for (const ocpsm::Change &change : result.changes) {
+        lines.push_back(change.path + ": " + change.before.value_or("-") + " -> " + change.after.value_or("-"));
+    }
+    return lines;
+}
+
+template <typename Request>
+std::string thrown_by(Request request) {
     try {
-        request();
+        static_cast<void>(request());
     } catch (const ocpsm::Error &error) {
         return error.tag + "|" + error.path + "|" + error.message();
     }
@@ -103,42 +108,35 @@ TEST(Service, AnswersTheSameToPathsTextAndTree) {
     EXPECT_EQ(system.service.read(tree, Kind::get).answer.leaves(), expected);
 }
 
+const std::string revertive = module(1, "/config/revertive");
+const std::string timer = module(1, "/config/wait-to-restore-time");
+const std::string other_revertive = module(3, "/config/revertive");
+
 TEST(Service, CarriesOutSeveralPathsAsOneEdit) {
     const System system;
-    const auto result =
-        system.service.edit(PathEdits{{module(1, "/config/wait-to-restore-time"), Operation::merge, "7"},
-                                      {module(3, "/config/revertive"), Operation::delete_existing},
-                                      {module(1, "/config/revertive"), Operation::merge, "false"},
-                                      {module(3, "/ports/line-primary-out"), Operation::remove}});
-    EXPECT_EQ(error_of(result), "none");
-    EXPECT_THAT(changes_of(result),
-                ElementsAre(module(1, "/config/revertive: true -> false"),
-                            module(1, "/config/wait-to-restore-time: 10000 -> 7"),
-                            module(3, "/config/revertive: false -> -"),
+    EXPECT_THAT(told(system.service.edit(PathEdits{{timer, Operation::merge, "7"},
+                                                   {other_revertive, Operation::delete_existing},
+                                                   {revertive, Operation::merge, "false"},
+                                                   {module(3, "/ports/line-primary-out"), Operation::remove}})),
+                ElementsAre(revertive + ": true -> false", timer + ": 10000 -> 7", other_revertive + ": false -> -",
                             module(3, "/ports/line-primary-out/config/target-attenuation: 0.0 -> -")));
     // All of it or nothing.
-    const auto refused =
-        system.service.edit(PathEdits{{module(1, "/config/wait-to-restore-time"), Operation::merge, "8"},
-                                      {module(3, "/config/revertive"), Operation::delete_existing}});
-    EXPECT_EQ(error_of(refused),
-              "data-missing|" + module(3, "/config/revertive") + "||revertive is to be deleted, but is not there||");
-    EXPECT_EQ(system.value(module(1, "/config/wait-to-restore-time")), "7");
-    EXPECT_EQ(thrown_by([&] {
-                  static_cast<void>(
-                      system.service.edit(PathEdits{{module(1, "/config/revertive"), Operation::merge, "true"},
-                                                    {module(1, "/config/revertive"), Operation::merge, "false"}}));
-              }),
-              "bad-element|" + module(1, "/config/revertive") + "|revertive stands more than once");
+    EXPECT_THAT(told(system.service.edit(
+                    PathEdits{{timer, Operation::merge, "8"}, {other_revertive, Operation::delete_existing}})),
+                ElementsAre("data-missing|" + other_revertive + "||revertive is to be deleted, but is not there||"));
+    EXPECT_EQ(system.value(timer), "7");
+    const PathEdits twice{{revertive, Operation::merge, "true"}, {revertive, Operation::merge, "false"}};
+    EXPECT_EQ(thrown_by([&] { return system.service.edit(twice); }),
+              "bad-element|" + revertive + "|revertive stands more than once");
 }
 
 TEST(Service, RefusesMoreThanSoManyPaths) {
     const System system;
     const std::string refused = "too-big||the request has more than 4096 paths";
-    const std::string leaf = module(1, "/config/revertive");
-    EXPECT_EQ(system.service.read(Paths{Lines(4096, leaf)}, Kind::get).answer.leaves().size(), 2U);
-    EXPECT_EQ(thrown_by([&] { static_cast<void>(system.service.read(Paths{Lines(4097, leaf)}, Kind::get)); }), refused);
+    EXPECT_EQ(system.service.read(Paths{Lines(4096, revertive)}, Kind::get).answer.leaves().size(), 2U);
+    EXPECT_EQ(thrown_by([&] { return system.service.read(Paths{Lines(4097, revertive)}, Kind::get); }), refused);
     EXPECT_EQ(thrown_by([&] {
-                  static_cast<void>(system.service.edit(PathEdits(4097, {leaf, Operation::remove, {}})));
+                  return system.service.edit(PathEdits(4097, {revertive, Operation::remove, {}}));
               }),
               refused);
 }
@@ -147,65 +145,56 @@ TEST(Service, AppliesTheDefaultOperation) {
     const System system;
     EditOptions none;
     none.default_operation = DefaultOperation::none;
-    const auto only_named = system.service.edit(
-        Text{config(entry(1, "<config><revertive>false</revertive>"
-                             "<wait-to-restore-time nc:operation=\"merge\">9</wait-to-restore-time></config>"))},
-        none);
-    EXPECT_EQ(error_of(only_named), "none");
-    EXPECT_THAT(changes_of(only_named), ElementsAre(module(1, "/config/wait-to-restore-time: 10000 -> 9")));
-
-    const auto nothing =
-        system.service.edit(Text{config(entry(1, "<config><revertive>false</revertive></config>"))}, none);
-    EXPECT_EQ(error_of(nothing), "none");
-    EXPECT_THAT(changes_of(nothing), IsEmpty());
+    EXPECT_THAT(
+        told(system.service.edit(
+            Text{config(entry(1, "<config><revertive>false</revertive>"
+                                 "<wait-to-restore-time nc:operation=\"merge\">9</wait-to-restore-time></config>"))},
+            none)),
+        ElementsAre(timer + ": 10000 -> 9"));
+    const Text text{config(entry(1, "<config><revertive>false</revertive></config>"))};
+    EXPECT_THAT(told(system.service.edit(text, none)), IsEmpty());
 
     EditOptions replace;
     replace.default_operation = DefaultOperation::replace;
-    EXPECT_EQ(
-        error_of(system.service.edit(Text{config(entry(1, "<config><revertive>false</revertive></config>"))}, replace)),
-        "none");
+    EXPECT_EQ(error_of(system.service.edit(text, replace)), "none");
     EXPECT_EQ(system.service.read(Paths{}, Kind::get_config).answer.leaves(),
               (std::vector<ocpsm::Leaf>{{module(1, "/name"), "0/1-PSM-OM"},
                                         {module(1, "/config/name"), "0/1-PSM-OM"},
-                                        {module(1, "/config/revertive"), "false"},
+                                        {revertive, "false"},
                                         {module(3, "/name"), "0/3-PSM-OM"},
                                         {module(3, "/config/name"), "0/3-PSM-OM"}}));
 }
 
 TEST(Service, TriesWithoutDoingAndDoesWithoutTelling) {
     const System system;
-    const std::string path = module(1, "/config/wait-to-restore-time");
+    const PathEdits edit{{timer, Operation::merge, "5"}};
     EditOptions dry;
     dry.dry_run = true;
-    const auto tried = system.service.edit(PathEdits{{path, Operation::merge, "5"}}, dry);
-    EXPECT_THAT(changes_of(tried), ElementsAre(path + ": 10000 -> 5"));
+    const auto tried = system.service.edit(edit, dry);
+    EXPECT_THAT(told(tried), ElementsAre(timer + ": 10000 -> 5"));
     EXPECT_EQ(tried.native.operations().back().path,
               "/active-nodes/active-node[node-name='0/RP0/CPU0']/slot[slot-id='1']/psm/revertive/wtr");
-    EXPECT_EQ(system.value(path), "10000");
+    EXPECT_EQ(system.value(timer), "10000");
     EditOptions silent;
     silent.report_changes = false;
-    const auto done = system.service.edit(PathEdits{{path, Operation::merge, "5"}}, silent);
-    EXPECT_EQ(error_of(done), "none");
-    EXPECT_THAT(done.changes, IsEmpty());
-    EXPECT_EQ(system.value(path), "5");
+    EXPECT_THAT(told(system.service.edit(edit, silent)), IsEmpty());
+    EXPECT_EQ(system.value(timer), "5");
 }
 
 TEST(Service, TellsErrorsAsData) {
     const System system;
-    EXPECT_EQ(
-        error_of(
-            system.service.edit(PathEdits{{module(1, "/config/primary-switch-threshold"), Operation::merge, "99"}})),
-        "invalid-value|" + module(1, "/config/primary-switch-threshold") +
-            "|/interface-configurations/interface-configuration[active='act'][interface-name='Ots0/1/0/1']/optics/"
-            "rx-thresholds/rx-threshold[rx-threshold-type='low']/rx-threshold|"
-            "990 is not within -400 to 300 tenths of a dBm||");
+    const std::string threshold = module(1, "/config/primary-switch-threshold");
+    EXPECT_EQ(error_of(system.service.edit(PathEdits{{threshold, Operation::merge, "99"}})),
+              "invalid-value|" + threshold +
+                  "|/interface-configurations/interface-configuration[active='act'][interface-name='Ots0/1/0/1']/"
+                  "optics/rx-thresholds/rx-threshold[rx-threshold-type='low']/rx-threshold|"
+                  "990 is not within -400 to 300 tenths of a dBm||");
     EXPECT_EQ(error_of(system.service.edit(Text{config(entry(1, "<config><name>other</name></config>"))})),
               "data-missing|" + module(1, "/name") +
                   "||the key and the leaf that it refers to differ (instance-required)||instance-required");
-    EXPECT_EQ(
-        error_of(system.service.read(Paths{{module(1, "/ports/line-secondary-in/state/attenuation")}}, Kind::get)),
-        "operation-not-supported|" + module(1, "/ports/line-secondary-in/state/attenuation") +
-            "||attenuation is not served by this device|attenuation|");
+    const std::string attenuation = module(1, "/ports/line-secondary-in/state/attenuation");
+    EXPECT_EQ(error_of(system.service.read(Paths{{attenuation}}, Kind::get)),
+              "operation-not-supported|" + attenuation + "||attenuation is not served by this device|attenuation|");
 }
 
 // Each thread has a line system of its own, and all of them one that they share.
@@ -216,12 +205,11 @@ TEST(Service, SeveralServicesOnSeveralThreads) {
         threads.emplace_back([&shared, value] {
             const System own;
             const Service beside(PLUGIN, shared.line_system.device());
-            const std::string path = module(1, "/config/wait-to-restore-time");
             for (int round = 0; round < 20; ++round) {
-                EXPECT_EQ(error_of(own.service.edit(PathEdits{{path, Operation::merge, value}})), "none");
-                EXPECT_EQ(error_of(beside.edit(PathEdits{{path, Operation::merge, value}})), "none");
-                EXPECT_EQ(own.value(path), value);
-                EXPECT_THAT(shared.value(path), testing::AnyOf("11", "22", "33"));
+                EXPECT_EQ(error_of(own.service.edit(PathEdits{{timer, Operation::merge, value}})), "none");
+                EXPECT_EQ(error_of(beside.edit(PathEdits{{timer, Operation::merge, value}})), "none");
+                EXPECT_EQ(own.value(timer), value);
+                EXPECT_THAT(shared.value(timer), testing::AnyOf("11", "22", "33"));
             }
         });
     }
