@@ -120,27 +120,22 @@ std::string text_of(const Lines &lines) {
     return text;
 }
 
+// The second one reads the database.
 TEST_F(FailingAllocations, OfASmallReadLeaveNoLeafOut) {
     const ocpsm::framework::Plugin &loaded = plugin();
-    const std::vector<std::string> paths{module_path(1, "/config/revertive")};
-    expect_all_or_nothing(2, [&] {
-        const ReadResult result = requests::read_paths(loaded, paths, Kind::get_config, device());
-        return result.error ? "" : text_of(leaves_of(result.answer));
-    });
-}
-
-TEST_F(FailingAllocations, OfAReadOfTheDatabaseLeaveNoLeafOut) {
-    const ocpsm::framework::Plugin &loaded = plugin();
-    const std::vector<std::string> paths{module_path(1, "/ports/line-secondary-in/state/optical-power/min")};
-    expect_all_or_nothing(7, [&] {
-        const ReadResult result = requests::read_paths(loaded, paths, Kind::get, device());
-        return result.error ? "" : text_of(leaves_of(result.answer));
-    });
+    for (const auto &[step, kind, path] :
+         {std::tuple{2, Kind::get_config, module_path(1, "/config/revertive")},
+          std::tuple{7, Kind::get, module_path(1, "/ports/line-secondary-in/state/optical-power/min")}}) {
+        expect_all_or_nothing(step, [&loaded, this, paths = std::vector{path}, of = kind] {
+            const ReadResult result = requests::read_paths(loaded, paths, of, device());
+            return result.error ? "" : text_of(leaves_of(result.answer));
+        });
+    }
 }
 
 TEST_F(FailingAllocations, OfASmallEditLeaveNothingOut) {
     const ocpsm::framework::Plugin &loaded = plugin();
-    const std::string text = (module_text(1, "<config><revertive>true</revertive></config>"));
+    const std::string text = module_text(1, "<config><revertive>true</revertive></config>");
     expect_all_or_nothing(7, [&] {
         HeldDevice held("interface-configurations/interface-configuration[act,Ots0/1/0/1]");
         const EditResult result = requests::edit(loaded, text, held);

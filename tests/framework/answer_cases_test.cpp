@@ -8,7 +8,7 @@
  *   scope, end                   the output scope of a native list entry
  * Section "more" is a second answer that is joined to it, "after" one that it is compared with, "select" the content of
  * /aps/aps-modules in a read that it is cut to. Expected: "leaves", "names" of the entries, "xml", "json", "changes",
- * the "failures" of the writes, or how many "state leaves" the read names.
+ * the "failures" of the writes, or for each selection how many "state leaves" a read of it names.
  *
  * Instance maps: "read NAME" begins the read of an instance, "add PATH = VALUE" and "open PATH = VALUE" add to it;
  * "instances" has instance paths of native nodes, and whose they are.
@@ -123,9 +123,7 @@ AnswerTree written(const Case &test, const std::string &section) {
     return std::move(Writing(*test.find_input(section), test.file).writer).finish();
 }
 
-std::vector<RequestNode> selections(const Case &test) {
-    const Section &section = *test.find_input("select");
-    const std::string text = section.text();
+std::vector<RequestNode> selections(const std::string &text) {
     return ocpsm::framework::type_request(
         ocpsm::framework::parse_request(text.starts_with("<aps ") ? text : modules_text(text), ocpsm::Kind::get),
         ocpsm::Kind::get, true);
@@ -139,7 +137,8 @@ AnswerTree answer_of(const Case &test) {
         parts.push_back(written(test, "more"));
         answer = join(std::move(parts));
     }
-    return test.find_input("select") == nullptr ? std::move(answer) : cut(std::move(answer), selections(test));
+    return test.find_input("select") == nullptr ? std::move(answer)
+                                                : cut(std::move(answer), selections(test.find_input("select")->text()));
 }
 
 std::string lines_of(const Lines &lines) {
@@ -214,7 +213,13 @@ std::string answer(const Case &test, const std::string &wanted) {
         return Writing(test.input.front(), test.file).failures;
     }
     if (wanted == "state leaves") {
-        return std::to_string(ocpsm::framework::state_leaves_only(selections(test))) + "\n";
+        std::string text;
+        for (const case_runner::Line &line : test.find_expected(wanted)->lines) {
+            const std::string selection = line.text.substr(0, line.text.rfind(": "));
+            text +=
+                selection + ": " + std::to_string(ocpsm::framework::state_leaves_only(selections(selection))) + "\n";
+        }
+        return text;
     }
     if (wanted == "instances") {
         const InstanceMap map = map_of(test);

@@ -94,22 +94,84 @@ std::string too_big(const std::string &what, const std::string &advice = "send i
     return "input|too-big||" + what + "|" + advice;
 }
 
-const std::string no_more = "an operation is all that is known";
+const std::string too_deep = too_big("the request is nested deeper than 64 levels", "the model needs eight");
+const std::string attributes_of_one =
+    too_big("an element of the request has more than 64 attributes", "an operation is all that is known");
+const std::string children_of_one = too_big("an element of the request has more than 2048 children");
+const std::string long_name = too_big("a name or an attribute of the request has more than 1024 bytes", "shorten it");
 
-TEST(RequestLimits, Size) {
-    EXPECT_EQ(scanned("<a>" + std::string((8U << 20U) - 7, ' ') + "</a>"), "nothing");
-    EXPECT_EQ(scanned("<a>" + std::string((8U << 20U) - 6, ' ') + "</a>"), too_big("the request has more than 8 MiB"));
+struct Limit {
+    const char *what;
+    std::size_t most;
+    std::function<std::string(std::size_t)> text; // with so many
+    std::string error;                            // of one more
+};
+
+const Limit limits[] = {
+    {"bytes", 8U << 20U, [](std::size_t n) { return "<a>" + std::string(n - 7, ' ') + "</a>"; },
+     too_big("the request has more than 8 MiB")},
+    {"levels", 64, [](std::size_t n) { return repeated(n, "<a>") + repeated(n, "</a>"); }, too_deep},
+    {"levels of json", 64, [](std::size_t n) { return repeated(n, "{\"a\":") + "1" + repeated(n, "}"); }, too_deep},
+    {"attributes", 64, [](std::size_t n) { return "<a" + numbered(n, " a", "='>'") + "/>"; }, attributes_of_one},
+    {"metadata", 64,
+     [](std::size_t n) { return json(",\"x\":1,\"@x\":[null," + object(numbered(n, ",\"m:a", "\":1")) + "]"); },
+     attributes_of_one},
+    {"attributes in total", 65536,
+     [](std::size_t n) {
+         return "<a>" + repeated(n / 64, "<b" + numbered(64, " a", "=''") + "/>") + repeated(n % 64, "<b a=''/>") +
+                "</a>";
+     },
+     too_big("the request has more than 65536 attributes")},
+    {"children", 2048, [](std::size_t n) { return aps(numbered(n, "<e", "/>")); }, children_of_one},
+    {"members", 2048, [](std::size_t n) { return json(numbered(n, ",\"e", "\":1")); }, children_of_one},
+    {"children: an array counts, and so do its items", 2046,
+     [](std::size_t n) { return json(",\"x\":1,\"l\":[1" + repeated(n - 1, ",1") + "]"); }, children_of_one},
+    {"children in two arrays", 1023,
+     [](std::size_t n) {
+         const std::string array = "\":[1" + repeated(n - 1, ",1") + "]";
+         return json(",\"l" + array + ",\"m" + array);
+     },
+     children_of_one},
+    {"elements in total", 65536,
+     [](std::size_t n) {
+         return "<a>" + repeated(31, "<b>" + repeated(2047, "<c/>") + "</b>") + "<b>" + repeated(n - 63490, "<c/>") +
+                "</b></a>";
+     },
+     too_big("the request has more than 65536 elements")},
+    {"the name of an element", 1024, [](std::size_t n) { return "<" + std::string(n, 'n') + "/>"; }, long_name},
+    {"the name of an attribute and what is around it", 1024,
+     [](std::size_t n) { return "<a " + std::string(n - 2, 'n') + "=''/>"; }, long_name},
+    {"the value of an attribute", 1024, [](std::size_t n) { return "<a b='" + std::string(n, 'n') + "'/>"; },
+     long_name},
+    {"the name of a member", 1024, [](std::size_t n) { return "{\"" + std::string(n, 'n') + "\":1}"; }, long_name},
+};
+
+TEST(RequestLimits, AreReachedAndNotPassed) {
+    for (const Limit &limit : limits) {
+        EXPECT_EQ(scanned(limit.text(limit.most)), "nothing") << limit.what;
+        EXPECT_EQ(scanned(limit.text(limit.most + 1)), limit.error) << limit.what;
+    }
 }
 
-TEST(RequestLimits, Levels) {
-    const std::string error = too_big("the request is nested deeper than 64 levels", "the model needs eight");
-    EXPECT_EQ(scanned(repeated(64, "<a>") + repeated(64, "</a>")), "nothing");
-    EXPECT_EQ(scanned(repeated(65, "<a>") + repeated(65, "</a>")), error);
-    EXPECT_EQ(scanned(repeated(64, "{\"a\":") + "1" + repeated(64, "}")), "nothing");
-    EXPECT_EQ(scanned(repeated(65, "{\"a\":") + "1" + repeated(65, "}")), error);
-    EXPECT_EQ(scanned("{\"a\":" + repeated(100000, "[")), error);
+TEST(RequestLimits, ArePassedByFar) {
+    EXPECT_EQ(scanned("{\"a\":" + repeated(100000, "[")), too_deep);
+    EXPECT_EQ(refusal("<a" + numbered(80000, " a", "='>'") + "/>"), attributes_of_one);
+    EXPECT_EQ(refusal(aps("<x" + numbered(20000, " xmlns:n", "='urn:x'") + "/>")), attributes_of_one);
+    EXPECT_EQ(refusal(json(",\"@\":" + object(numbered(80000, ",\"m:a", "\":1")))), attributes_of_one);
+    EXPECT_EQ(refusal(aps(numbered(10000, "<e", "/>"))), children_of_one);
+    EXPECT_EQ(refusal(aps(numbered(100000, "<e", "/>"))), children_of_one);
+    EXPECT_EQ(refusal(json(numbered(100000, ",\"e", "\":1"))), children_of_one);
+    // Entries of an edit and a read that name the same, as they came with 2 GB and more.
+    EXPECT_EQ(refusal(modules(repeated(20000, "<aps-module><name>x</name></aps-module>")), Kind::get), children_of_one);
+    EXPECT_EQ(refusal(modules(entries(10000, "")), Kind::get), children_of_one);
+}
+
+TEST(RequestLimits, ConcernNothingElse) {
+    const std::string longest(1024, 'n');
     EXPECT_EQ(scanned("<a>" + repeated(100, "<!-- <b> --><![CDATA[<b>]]><?p <b>?><c/><d x='>'></d>") + "</a>"),
               "nothing");
+    EXPECT_EQ(scanned("<a>" + repeated(3, "<a" + numbered(64, " a", "='>'") + "/>") + "</a>"), "nothing");
+    EXPECT_EQ(scanned("{\"" + longest + "\":\"" + longest + longest + "\"}"), "nothing");
 }
 
 // A tree that was not read from a text is not deeper either.
@@ -131,75 +193,6 @@ TEST(RequestLimits, LevelsOfAReadyTree) {
                   "refused|too-big|/aps" + repeated(64, "/x") +
                       "|the request is nested deeper than 64 levels|the model needs eight");
     }
-}
-
-TEST(RequestLimits, AttributesOfOneElement) {
-    const std::string error = too_big("an element of the request has more than 64 attributes", no_more);
-    const auto attributes = [](std::size_t count) { return "<a" + numbered(count, " a", "='>'") + "/>"; };
-    EXPECT_EQ(scanned(attributes(64)), "nothing");
-    EXPECT_EQ(scanned(attributes(65)), error);
-    EXPECT_EQ(scanned("<a>" + repeated(3, attributes(64)) + "</a>"), "nothing");
-    EXPECT_EQ(refusal(attributes(80000)), error);
-    EXPECT_EQ(refusal(aps("<x" + numbered(20000, " xmlns:n", "='urn:x'") + "/>")), error);
-    const auto metadata = [](std::size_t count) {
-        return json(",\"x\":1,\"@x\":[null," + object(numbered(count, ",\"m:a", "\":1")) + "]");
-    };
-    EXPECT_EQ(scanned(metadata(64)), "nothing");
-    EXPECT_EQ(scanned(metadata(65)), error);
-    EXPECT_EQ(refusal(json(",\"@\":" + object(numbered(80000, ",\"m:a", "\":1")))), error);
-}
-
-TEST(RequestLimits, AttributesInTotal) {
-    const auto attributes = [](std::size_t more) {
-        return "<a>" + repeated(1024, "<b" + numbered(64, " a", "=''") + "/>") + repeated(more, "<b a=''/>") + "</a>";
-    };
-    EXPECT_EQ(scanned(attributes(0)), "nothing");
-    EXPECT_EQ(scanned(attributes(1)), too_big("the request has more than 65536 attributes"));
-}
-
-TEST(RequestLimits, ChildrenOfOneElement) {
-    const std::string error = too_big("an element of the request has more than 2048 children");
-    const auto children = [](std::size_t count) { return aps(numbered(count, "<e", "/>")); };
-    EXPECT_EQ(scanned(children(2048)), "nothing");
-    EXPECT_EQ(scanned(children(2049)), error);
-    EXPECT_EQ(refusal(children(10000)), error);
-    EXPECT_EQ(refusal(children(100000)), error);
-    EXPECT_EQ(scanned(json(numbered(2048, ",\"e", "\":1"))), "nothing");
-    EXPECT_EQ(scanned(json(numbered(2049, ",\"e", "\":1"))), error);
-    EXPECT_EQ(refusal(json(numbered(100000, ",\"e", "\":1"))), error);
-    // An array counts, and so do its items.
-    const auto items = [](std::size_t count) { return json(",\"x\":1,\"l\":[1" + repeated(count - 1, ",1") + "]"); };
-    EXPECT_EQ(scanned(items(2046)), "nothing");
-    EXPECT_EQ(scanned(items(2047)), error);
-    const auto arrays = [](std::size_t count) {
-        const std::string array = "\":[1" + repeated(count - 1, ",1") + "]";
-        return json(",\"l" + array + ",\"m" + array);
-    };
-    EXPECT_EQ(scanned(arrays(1023)), "nothing");
-    EXPECT_EQ(scanned(arrays(1024)), error);
-    // Entries of an edit and a read that name the same, as they came with 2 GB and more.
-    EXPECT_EQ(refusal(modules(repeated(20000, "<aps-module><name>x</name></aps-module>")), Kind::get), error);
-    EXPECT_EQ(refusal(modules(entries(10000, "")), Kind::get), error);
-}
-
-TEST(RequestLimits, ElementsInTotal) {
-    const auto elements = [](std::size_t more) {
-        return "<a>" + repeated(31, "<b>" + repeated(2047, "<c/>") + "</b>") + "<b>" + repeated(2046 + more, "<c/>") +
-               "</b></a>";
-    };
-    EXPECT_EQ(scanned(elements(0)), "nothing");
-    EXPECT_EQ(scanned(elements(1)), too_big("the request has more than 65536 elements"));
-}
-
-TEST(RequestLimits, Names) {
-    const std::string error = too_big("a name or an attribute of the request has more than 1024 bytes", "shorten it");
-    const std::string longest(1024, 'n');
-    EXPECT_EQ(scanned("<" + longest + "/><a " + longest.substr(2) + "=''/><a b='" + longest + "'/>"), "nothing");
-    EXPECT_EQ(scanned("<" + longest + "n/>"), error);
-    EXPECT_EQ(scanned("<a " + longest + "=''/>"), error);
-    EXPECT_EQ(scanned("<a b='" + longest + "n'/>"), error);
-    EXPECT_EQ(scanned("{\"" + longest + "\":\"" + longest + longest + "\"}"), "nothing");
-    EXPECT_EQ(scanned("{\"" + longest + "n\":1}"), error);
 }
 
 TEST(RequestLimits, NamespacesOfValues) {
