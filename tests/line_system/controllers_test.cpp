@@ -7,21 +7,10 @@
 
 #include "simulator/line_system/operations.hpp"
 
+namespace ocpsm::line_system {
 namespace {
 
-using ocpsm::line_system::attenuation;
-using ocpsm::line_system::dark;
-using ocpsm::line_system::example;
-using ocpsm::line_system::Lockout;
-using ocpsm::line_system::Path;
-using ocpsm::line_system::Power;
-using ocpsm::line_system::powers;
-using ocpsm::line_system::Readings;
-using ocpsm::line_system::readings;
-using ocpsm::line_system::Slot;
-using ocpsm::line_system::Statistics;
-using ocpsm::line_system::switch_settings;
-using Powers = std::array<Power, ocpsm::line_system::port_count>;
+using Powers = std::array<Power, port_count>;
 
 // Client light 1.00 dBm, lines -12.00 and -14.00 dBm; offsets -0.10, -3.00 and -3.50 dB; on its primary line.
 Slot fitted() {
@@ -180,3 +169,4 @@ TEST(Attenuation, IsOpenUnlessItIsSet) {
 }
 
 } // namespace
+} // namespace ocpsm::line_system

@@ -17,12 +17,8 @@
 #include "simulator/line_system/storage.hpp"
 #include "sysdb/open_store.hpp"
 
+namespace ocpsm::line_system {
 namespace {
-
-using ocpsm::line_system::change;
-using ocpsm::line_system::LineSystem;
-using ocpsm::line_system::load;
-using ocpsm::line_system::tick;
 
 constexpr std::size_t page = 4096;
 
@@ -32,7 +28,7 @@ protected:
 
     // A line system whose file holds an image and some changes, too.
     void make(int ticks) {
-        const auto store = create(client, state, ocpsm::line_system::example());
+        const auto store = create(client, state, example());
         for (int i = 0; i < ticks; ++i) {
             change(*store, [](const LineSystem &before) { return tick(before, 100); });
         }
@@ -41,19 +37,19 @@ protected:
         bytes.assign(std::istreambuf_iterator<char>(in), {});
     }
 
-    std::filesystem::path file() const { return state / ocpsm::sysdb::store_file; }
+    std::filesystem::path file() const { return state / sysdb::store_file; }
 
     // Everything is read, and then the next moment comes.
     Result use() const {
         try {
-            const auto store = ocpsm::line_system::open(client, state);
+            const auto store = open(client, state);
             const auto next = [](const LineSystem &before) { return tick(before, 100); };
             const bool same = load(*store->read()) == system && change(*store, next) == next(system) &&
                               load(*store->read()) == next(system);
             return same ? as_before : wrong;
-        } catch (const ocpsm::Error &error) {
-            const bool says_so = error.source == ocpsm::Error::Source::input &&
-                                 error.message().find(" is damaged: ") != std::string::npos;
+        } catch (const Error &error) {
+            const bool says_so =
+                error.source == Error::Source::input && error.message().find(" is damaged: ") != std::string::npos;
             return says_so ? damaged : another_error;
         }
     }
@@ -89,7 +85,7 @@ protected:
 
     TemporaryDirectory directory;
     std::filesystem::path state = directory.path / "state";
-    const ocpsm::sysdb::Client client;
+    const sysdb::Client client;
     LineSystem system;
     std::string bytes;
 };
@@ -148,3 +144,4 @@ TEST_P(DamageAfter, OfManyBitsIsNoticed) {
 INSTANTIATE_TEST_SUITE_P(Ticks, DamageAfter, testing::Values(0, 60));
 
 } // namespace
+} // namespace ocpsm::line_system

@@ -8,14 +8,9 @@
 #include "shown_item.hpp"
 #include "simulator/line_system/operations.hpp"
 
+namespace ocpsm::line_system {
 namespace {
 
-using ocpsm::line_system::database_items;
-using ocpsm::line_system::example;
-using ocpsm::line_system::LineSystem;
-using ocpsm::line_system::port_items;
-using ocpsm::line_system::Readings;
-using ocpsm::line_system::Statistics;
 using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
@@ -31,7 +26,7 @@ std::vector<std::string> shown_items(const Readings &readings) {
 TEST(ExampleLineSystem, HasModulesInSlots1And3) {
     EXPECT_THAT(fitted_slots(example()), ElementsAre(1, 3));
     EXPECT_THAT(fitted_slots(LineSystem{}), IsEmpty());
-    EXPECT_EQ(ocpsm::line_system::module_name(2), "0/2-PSM-OM");
+    EXPECT_EQ(module_name(2), "0/2-PSM-OM");
 }
 
 TEST(ExampleLineSystem, StoresTheItemsOfItsControllers) {
@@ -117,7 +112,7 @@ TEST(DatabaseItems, HoldOnlyTheFieldsThatAreThere) {
 
 // Of the thresholds, the one that counts for the switch.
 TEST(DatabaseItems, HoldWhatIsConfigured) {
-    LineSystem system = ocpsm::line_system::fit({}, 2);
+    LineSystem system = fit({}, 2);
     system.slots[1].lines[1] = {
         .rx_thresholds = {{"high", 7}}, .rx_low_threshold_delta = 5, .rx_attenuation = 0, .tx_attenuation = -1};
     EXPECT_THAT(shown(database_items(system)), AllOf(Contains("/cfg/if/act/Ots0_2_0_2/Optics/rx_attenuation: 0"),
@@ -143,3 +138,4 @@ TEST(DatabaseItems, AreThoseOfFittedModulesOnly) {
 }
 
 } // namespace
+} // namespace ocpsm::line_system

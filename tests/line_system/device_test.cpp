@@ -13,6 +13,7 @@
 #include "simulator/line_system/storage.hpp"
 #include "sysdb/open_store.hpp"
 
+namespace ocpsm::line_system {
 namespace {
 
 using native_test::edit;
@@ -20,15 +21,7 @@ using native_test::mda;
 using native_test::merge;
 using native_test::ots;
 using native_test::Request;
-using ocpsm::line_system::change;
-using ocpsm::line_system::example;
-using ocpsm::line_system::LineSystem;
-using ocpsm::line_system::LineSystemDevice;
-using ocpsm::line_system::load;
-using ocpsm::line_system::Path;
-using ocpsm::line_system::pull;
-using ocpsm::line_system::tick;
-using ocpsm::sysdb::Table;
+using sysdb::Table;
 
 class LineSystemDeviceTest : public OpenStore {
 public:
@@ -112,7 +105,7 @@ TEST_F(LineSystemDeviceTest, LeavesTheTransactionAloneWhenItRefuses) {
     try {
         device.apply(request.net());
         ADD_FAILURE() << "slot 2 is empty";
-    } catch (const ocpsm::Error &refusal) {
+    } catch (const Error &refusal) {
         EXPECT_EQ(refusal.tag, "data-missing");
         EXPECT_EQ(refusal.native_path, "/active-nodes/active-node[node-name='0/RP0/CPU0']/slot[slot-id='2']");
         EXPECT_EQ(refusal.message(), "the hardware is not fitted");
@@ -122,10 +115,9 @@ TEST_F(LineSystemDeviceTest, LeavesTheTransactionAloneWhenItRefuses) {
 }
 
 // A store that loses the records with this key.
-class ForgetfulTransaction : public ocpsm::sysdb::WriteTransaction {
+class ForgetfulTransaction : public sysdb::WriteTransaction {
 public:
-    ForgetfulTransaction(ocpsm::sysdb::WriteTransaction &kept, std::string lost)
-        : kept_(kept), lost_(std::move(lost)) {}
+    ForgetfulTransaction(sysdb::WriteTransaction &kept, std::string lost) : kept_(kept), lost_(std::move(lost)) {}
 
     std::optional<std::string_view> get(Table table, std::string_view key) const override {
         return kept_.get(table, key);
@@ -146,7 +138,7 @@ public:
     void commit() override { kept_.commit(); }
 
 private:
-    ocpsm::sysdb::WriteTransaction &kept_;
+    sysdb::WriteTransaction &kept_;
     std::string lost_;
 };
 
@@ -157,7 +149,7 @@ TEST_F(LineSystemDeviceTest, RefusesAnEditThatTheStoreDoesNotKeep) {
         ForgetfulTransaction forgetful(*transaction, record);
         try {
             LineSystemDevice(forgetful).apply(waiting("1", "7").net());
-        } catch (const ocpsm::Error &refusal) {
+        } catch (const Error &refusal) {
             return refusal.tag + " at " + refusal.native_path + ": " + refusal.message();
         }
         return "none";
@@ -203,3 +195,4 @@ TEST_F(LineSystemDeviceTest, ChangesNothingWhenACommandIsRefused) {
 }
 
 } // namespace
+} // namespace ocpsm::line_system

@@ -1,5 +1,4 @@
 #include <array>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -13,180 +12,180 @@
 #include "simulator/line_system/native_side.hpp"
 #include "simulator/line_system/operations.hpp"
 
+namespace ocpsm::line_system {
 namespace {
 
-using native_test::create;
-using native_test::edit;
-using native_test::erase;
-using native_test::ifmgr;
-using native_test::interface_path;
-using native_test::mda;
-using native_test::merge;
-using native_test::node_path;
-using native_test::none;
-using native_test::optics;
-using native_test::optics_path;
-using native_test::ots;
-using native_test::psm_path;
-using native_test::remove;
-using native_test::replace;
-using native_test::Request;
-using native_test::slot_path;
-using native_test::threshold_path;
-using native_test::Value;
-using ocpsm::line_system::apply;
-using ocpsm::line_system::example;
-using ocpsm::line_system::LineSystem;
-using ocpsm::line_system::Path;
-using ocpsm::line_system::pull;
-using ocpsm::line_system::Slot;
-using ocpsm::line_system::SlotSettings;
-using ocpsm::line_system::with_modules;
-using testing::ElementsAre;
+using namespace native_test; // NOLINT(google-build-using-namespace): the words of requests
+using native_test::remove;   // not that of files
 
-// An edit that stands in the entry of a slot of the node, or in that of an interface.
-Request at_slot(const char *slot, const char *node = "0/RP0/CPU0") {
-    Request request = edit();
+// A node of an edit that stands below an entry; a line's nodes below its optics are of a model of their own.
+void put(Request &request, const std::string &path, Value value, std::uint32_t operation = merge) {
+    const bool of_line = path.starts_with(interface_path);
+    request.put(path, of_line ? optics : ots, value, operation, false, 0);
+}
+
+// Begins the entry of a slot of the node, or of an interface.
+void begin_slot(Request &request, const char *slot, const char *node = "0/RP0/CPU0") {
     request.put(node_path + "/node-name", mda, node, merge, true, 0);
     request.put(slot_path + "/slot-id", ots, slot, merge, true, 0);
+}
+
+void begin_interface(Request &request, const char *name, const char *active = "act", std::uint32_t operation = merge) {
+    request.put(interface_path, ifmgr, none, operation, true, 0);
+    request.put(interface_path + "/interface-name", ifmgr, name, merge, false, 0);
+    request.put(interface_path + "/active", ifmgr, active, merge, false, 0);
+}
+
+// An edit in such an entry.
+Request at_slot(const char *slot, const char *node = "0/RP0/CPU0") {
+    Request request = edit();
+    begin_slot(request, slot, node);
     return request;
 }
 
-Request at_interface(const char *name, const char *active = "act") {
+Request at_interface(const char *name, const char *active = "act", std::uint32_t operation = merge) {
     Request request = edit();
-    request.put(interface_path, ifmgr, none, merge, true, 0);
-    request.put(interface_path + "/interface-name", ifmgr, name, merge, false, 0);
-    request.put(interface_path + "/active", ifmgr, active, merge, false, 0);
+    begin_interface(request, name, active, operation);
     return request;
+}
+
+// The instances that these name.
+std::string slot_instance(const std::string &slot, const std::string &node = "0/RP0/CPU0") {
+    return "/active-nodes/active-node[node-name='" + node + "']/slot[slot-id='" + slot + "']";
+}
+
+std::string line_instance(const std::string &name, const std::string &active = "act") {
+    return "/interface-configurations/interface-configuration[active='" + active + "'][interface-name='" + name + "']";
 }
 
 // "tag at path: message", or "none".
 std::string refusal(const LineSystem &system, const Request &request) {
     try {
         static_cast<void>(apply(system, request.net()));
-    } catch (const ocpsm::Error &refused) {
+    } catch (const Error &refused) {
         return refused.tag + " at " + refused.native_path + ": " + refused.message();
     }
     return "none";
+}
+
+std::string not_fitted(const std::string &instance) {
+    return "data-missing at " + instance + ": the hardware is not fitted";
+}
+std::string not_there(const std::string &instance) {
+    return "data-missing at " + instance + ": it is not there";
+}
+std::string there_already(const std::string &instance) {
+    return "data-exists at " + instance + ": it is there already";
 }
 
 LineSystem blank() {
     return with_modules(std::array{2});
 }
 
-const std::string slot2 = "/active-nodes/active-node[node-name='0/RP0/CPU0']/slot[slot-id='2']";
-const std::string line2 =
-    "/interface-configurations/interface-configuration[active='act'][interface-name='Ots0/2/0/2']";
+const std::string line2 = line_instance("Ots0/2/0/2");
 
-// A leaf of slot 2 or of its secondary line, and what two values of it are in the line system.
+LineSystem after(const LineSystem &system, const Request &request) {
+    return apply(system, request.net());
+}
+
+// The line system with one of its slots changed.
+template <class Change>
+LineSystem changed(LineSystem system, int number, Change change) {
+    change(slot(system, number));
+    return system;
+}
+
+// A leaf of slot 2 or of its secondary line, two values of it, and what a value is in the line system.
 struct Setting {
     bool of_slot;
     std::string path; // below the slot or the interface
     std::string one;
     std::string other;
-    std::function<void(Slot &)> set_one;
-    std::function<void(Slot &)> set_other;
+    void (*set)(Slot &slot, const std::string &value);
 
-    Request at() const { return of_slot ? at_slot("2") : at_interface("Ots0/2/0/2"); }
+    bool is_threshold() const { return path == "/optics/rx-thresholds/rx-threshold/rx-threshold"; }
     Request with(std::uint32_t operation, Value value) const {
-        Request request = at();
-        const bool threshold = path == "/optics/rx-thresholds/rx-threshold/rx-threshold";
-        if (threshold) {
-            request.put(threshold_path + "/rx-threshold-type", optics, "low", merge, false, 0);
+        Request request = of_slot ? at_slot("2") : at_interface("Ots0/2/0/2");
+        if (is_threshold()) {
+            put(request, threshold_path + "/rx-threshold-type", "low");
         }
-        request.put((of_slot ? slot_path : interface_path) + path, of_slot ? ots : optics, value, operation, false, 0);
+        put(request, (of_slot ? slot_path : interface_path) + path, value, operation);
         return request;
     }
     std::string instance() const {
-        return of_slot ? slot2 + path
-               : path == "/optics/rx-thresholds/rx-threshold/rx-threshold"
-                   ? line2 + "/optics/rx-thresholds/rx-threshold[rx-threshold-type='low']/rx-threshold"
-                   : line2 + path;
+        return of_slot          ? slot_instance("2") + path
+               : is_threshold() ? line2 + "/optics/rx-thresholds/rx-threshold[rx-threshold-type='low']/rx-threshold"
+                                : line2 + path;
+    }
+    LineSystem having(const std::string &value) const {
+        return changed(blank(), 2, [&](Slot &slot) { set(slot, value); });
     }
 };
 
-LineSystem having(const std::function<void(Slot &)> &set) {
-    LineSystem system = blank();
-    set(slot(system, 2));
-    return system;
+int number(const std::string &text) {
+    return std::stoi(text);
 }
 
-std::vector<Setting> settings() {
-    return {
-        {true, "/psm/relative-switch-threshold/psm-relative-switch-threshold", "15", "-400",
-         [](Slot &slot) { slot.settings.relative_threshold = 15; },
-         [](Slot &slot) { slot.settings.relative_threshold = -400; }},
-        {true, "/psm/relative-switch-threshold/psm-relative-switch-threshold-offset", "-400", "400",
-         [](Slot &slot) { slot.settings.relative_offset = -400; },
-         [](Slot &slot) { slot.settings.relative_offset = 400; }},
-        {true, "/psm/revertive/enable", "true", "false", [](Slot &slot) { slot.settings.revertive = true; },
-         [](Slot &slot) { slot.settings.revertive = false; }},
-        {true, "/psm/revertive/wtr", "0", "4294967295", [](Slot &slot) { slot.settings.wait_to_restore = 0; },
-         [](Slot &slot) { slot.settings.wait_to_restore = 4294967295; }},
-        {true, "/psm/lockout-from", "working", "", [](Slot &slot) { slot.settings.lockout_from = "working"; },
-         [](Slot &slot) { slot.settings.lockout_from = ""; }},
-        {false, "/optics/rx-thresholds/rx-threshold/rx-threshold", "-400", "300",
-         [](Slot &slot) { slot.lines[1].rx_thresholds["low"] = -400; },
-         [](Slot &slot) { slot.lines[1].rx_thresholds["low"] = 300; }},
-        {false, "/optics/optics-ots-rx-low-threshold-delta", "0", "300",
-         [](Slot &slot) { slot.lines[1].rx_low_threshold_delta = 0; },
-         [](Slot &slot) { slot.lines[1].rx_low_threshold_delta = 300; }},
-        {false, "/optics/optics-ots-rx-voa-attenuation", "300", "35",
-         [](Slot &slot) {
-             slot.lines[1].rx_attenuation = 300;
-             slot.module->attenuators[1].rx = 3000;
-         },
-         [](Slot &slot) {
-             slot.lines[1].rx_attenuation = 35;
-             slot.module->attenuators[1].rx = 350;
-         }},
-        {false, "/optics/optics-ots-tx-voa-attenuation", "300", "0",
-         [](Slot &slot) {
-             slot.lines[1].tx_attenuation = 300;
-             slot.module->attenuators[1].tx = 3000;
-         },
-         [](Slot &slot) {
-             slot.lines[1].tx_attenuation = 0;
-             slot.module->attenuators[1].tx = 0;
-         }},
-    };
-}
+const std::vector<Setting> settings = {
+    {true, "/psm/relative-switch-threshold/psm-relative-switch-threshold", "15", "-400",
+     [](Slot &slot, const auto &value) { slot.settings.relative_threshold = number(value); }},
+    {true, "/psm/relative-switch-threshold/psm-relative-switch-threshold-offset", "-400", "400",
+     [](Slot &slot, const auto &value) { slot.settings.relative_offset = number(value); }},
+    {true, "/psm/revertive/enable", "true", "false",
+     [](Slot &slot, const auto &value) { slot.settings.revertive = value == "true"; }},
+    {true, "/psm/revertive/wtr", "0", "4294967295",
+     [](Slot &slot, const auto &value) { slot.settings.wait_to_restore = value == "0" ? 0 : 4294967295; }},
+    {true, "/psm/lockout-from", "working", "",
+     [](Slot &slot, const auto &value) { slot.settings.lockout_from = value; }},
+    {false, "/optics/rx-thresholds/rx-threshold/rx-threshold", "-400", "300",
+     [](Slot &slot, const auto &value) { slot.lines[1].rx_thresholds["low"] = number(value); }},
+    {false, "/optics/optics-ots-rx-low-threshold-delta", "0", "300",
+     [](Slot &slot, const auto &value) { slot.lines[1].rx_low_threshold_delta = number(value); }},
+    {false, "/optics/optics-ots-rx-voa-attenuation", "300", "35",
+     [](Slot &slot, const auto &value) {
+         slot.lines[1].rx_attenuation = number(value);
+         slot.module->attenuators[1].rx = 10 * number(value);
+     }},
+    {false, "/optics/optics-ots-tx-voa-attenuation", "300", "0",
+     [](Slot &slot, const auto &value) {
+         slot.lines[1].tx_attenuation = number(value);
+         slot.module->attenuators[1].tx = 10 * number(value);
+     }},
+};
 
 TEST(NativeEdit, SetsEachSettingByEachOperation) {
-    for (const Setting &setting : settings()) {
-        const LineSystem one = having(setting.set_one);
-        const LineSystem other = having(setting.set_other);
-        EXPECT_TRUE(apply(blank(), setting.with(merge, setting.one).net()) == one) << setting.path;
-        EXPECT_TRUE(apply(one, setting.with(merge, setting.other).net()) == other) << setting.path;
-        EXPECT_TRUE(apply(one, setting.with(merge, setting.one).net()) == one) << setting.path;
-        EXPECT_TRUE(apply(blank(), setting.with(replace, setting.one).net()) == one) << setting.path;
-        EXPECT_TRUE(apply(one, setting.with(replace, setting.other).net()) == other) << setting.path;
-        EXPECT_TRUE(apply(blank(), setting.with(create, setting.other).net()) == other) << setting.path;
-        EXPECT_EQ(refusal(one, setting.with(create, setting.other)),
-                  "data-exists at " + setting.instance() + ": it is there already");
+    for (const Setting &setting : settings) {
+        const LineSystem one = setting.having(setting.one);
+        const LineSystem other = setting.having(setting.other);
+        EXPECT_TRUE(after(blank(), setting.with(merge, setting.one)) == one) << setting.path;
+        EXPECT_TRUE(after(one, setting.with(merge, setting.other)) == other) << setting.path;
+        EXPECT_TRUE(after(one, setting.with(merge, setting.one)) == one) << setting.path;
+        EXPECT_TRUE(after(blank(), setting.with(replace, setting.one)) == one) << setting.path;
+        EXPECT_TRUE(after(one, setting.with(replace, setting.other)) == other) << setting.path;
+        EXPECT_TRUE(after(blank(), setting.with(create, setting.other)) == other) << setting.path;
+        EXPECT_EQ(refusal(one, setting.with(create, setting.other)), there_already(setting.instance()));
     }
 }
 
 TEST(NativeEdit, TakesEachSettingAway) {
-    for (const Setting &setting : settings()) {
-        const LineSystem one = having(setting.set_one);
+    for (const Setting &setting : settings) {
+        const LineSystem one = setting.having(setting.one);
         LineSystem without = blank();
         // The entry of a threshold stays when only its value goes.
-        if (setting.path == "/optics/rx-thresholds/rx-threshold/rx-threshold") {
+        if (setting.is_threshold()) {
             slot(without, 2).lines[1].rx_thresholds["low"] = std::nullopt;
         }
-        EXPECT_TRUE(apply(one, setting.with(erase, none).net()) == without) << setting.path;
-        EXPECT_TRUE(apply(one, setting.with(erase, setting.other).net()) == without) << setting.path;
-        EXPECT_TRUE(apply(one, setting.with(remove, none).net()) == without) << setting.path;
-        EXPECT_TRUE(apply(without, setting.with(remove, none).net()) == without) << setting.path;
-        EXPECT_EQ(refusal(without, setting.with(erase, none)),
-                  "data-missing at " + setting.instance() + ": it is not there");
+        EXPECT_TRUE(after(one, setting.with(erase, none)) == without) << setting.path;
+        EXPECT_TRUE(after(one, setting.with(erase, setting.other)) == without) << setting.path;
+        EXPECT_TRUE(after(one, setting.with(remove, none)) == without) << setting.path;
+        EXPECT_TRUE(after(without, setting.with(remove, none)) == without) << setting.path;
+        EXPECT_EQ(refusal(without, setting.with(erase, none)), not_there(setting.instance()));
     }
 }
 
 TEST(NativeEdit, RefusesValuesThatNoControllerCanBeSetTo) {
     const auto refused = [](std::size_t index, const char *value) {
-        const Setting setting = settings().at(index);
+        const Setting &setting = settings.at(index);
         const std::string text = refusal(blank(), setting.with(merge, value));
         const std::string start = "invalid-value at " + setting.instance() + ": ";
         return text.substr(0, start.size()) == start ? text.substr(start.size()) : text;
@@ -214,271 +213,216 @@ TEST(NativeEdit, RefusesValuesThatNoControllerCanBeSetTo) {
 }
 
 TEST(NativeEdit, TakesNumbersInAnyWriting) {
-    const Setting setting = settings().at(5);
-    LineSystem expected = blank();
-    slot(expected, 2).lines[1].rx_thresholds["low"] = -25;
-    EXPECT_TRUE(apply(blank(), setting.with(merge, "-025").net()) == expected);
+    const Setting &threshold = settings.at(5);
+    EXPECT_TRUE(after(blank(), threshold.with(merge, "-025")) == threshold.having("-25"));
     Request request = at_slot("02");
-    request.put(psm_path + "/revertive/wtr", ots, "+7", merge, false, 0);
-    LineSystem waiting = blank();
-    slot(waiting, 2).settings.wait_to_restore = 7;
-    EXPECT_TRUE(apply(blank(), request.net()) == waiting);
+    put(request, psm_path + "/revertive/wtr", "+7");
+    EXPECT_TRUE(after(blank(), request) == changed(blank(), 2, [](Slot &slot) { slot.settings.wait_to_restore = 7; }));
 }
 
 TEST(NativeEdit, NeedsFittedHardware) {
-    const std::string missing = ": the hardware is not fitted";
-    EXPECT_EQ(refusal(blank(), at_slot("1")),
-              "data-missing at /active-nodes/active-node[node-name='0/RP0/CPU0']/slot[slot-id='1']" + missing);
-    EXPECT_EQ(refusal(blank(), at_slot("4")),
-              "data-missing at /active-nodes/active-node[node-name='0/RP0/CPU0']/slot[slot-id='4']" + missing);
+    EXPECT_EQ(refusal(blank(), at_slot("1")), not_fitted(slot_instance("1")));
+    EXPECT_EQ(refusal(blank(), at_slot("4")), not_fitted(slot_instance("4")));
     EXPECT_EQ(refusal(blank(), at_slot("2", "0/RP1/CPU0")),
-              "data-missing at /active-nodes/active-node[node-name='0/RP1/CPU0']" + missing);
-    const std::string interface = "data-missing at /interface-configurations/interface-configuration";
-    EXPECT_EQ(refusal(blank(), at_interface("Ots0/1/0/1")),
-              interface + "[active='act'][interface-name='Ots0/1/0/1']" + missing);
-    EXPECT_EQ(refusal(blank(), at_interface("Ots0/2/0/0")),
-              interface + "[active='act'][interface-name='Ots0/2/0/0']" + missing);
-    EXPECT_EQ(refusal(blank(), at_interface("Ots0/2/0/3")),
-              interface + "[active='act'][interface-name='Ots0/2/0/3']" + missing);
-    EXPECT_EQ(refusal(blank(), at_interface("Ots0/2/0/1", "pre")),
-              interface + "[active='pre'][interface-name='Ots0/2/0/1']" + missing);
+              not_fitted("/active-nodes/active-node[node-name='0/RP1/CPU0']"));
+    for (const char *name : {"Ots0/1/0/1", "Ots0/2/0/0", "Ots0/2/0/3"}) {
+        EXPECT_EQ(refusal(blank(), at_interface(name)), not_fitted(line_instance(name)));
+    }
+    EXPECT_EQ(refusal(blank(), at_interface("Ots0/2/0/1", "pre")), not_fitted(line_instance("Ots0/2/0/1", "pre")));
 }
 
 TEST(NativeEdit, LeavesAloneWhatIsConfiguredInAdvance) {
     const LineSystem pulled = pull(example(), 1);
-    const std::string missing = ": the hardware is not fitted";
-    EXPECT_EQ(refusal(pulled, at_interface("Ots0/1/0/1")),
-              "data-missing at /interface-configurations/interface-configuration[active='act']"
-              "[interface-name='Ots0/1/0/1']" +
-                  missing);
-    EXPECT_EQ(refusal(pulled, at_interface("Ots0/1/0/1", "pre")),
-              "data-missing at /interface-configurations/interface-configuration[active='pre']"
-              "[interface-name='Ots0/1/0/1']" +
-                  missing);
+    for (const char *active : {"act", "pre"}) {
+        EXPECT_EQ(refusal(pulled, at_interface("Ots0/1/0/1", active)), not_fitted(line_instance("Ots0/1/0/1", active)));
+    }
     Request request = edit();
     request.put("/preconfigured-nodes/preconfigured-node", mda, none, merge, true, 0);
     request.put("/preconfigured-nodes/preconfigured-node/node-name", mda, "0/RP0/CPU0", merge, false, 0);
-    EXPECT_EQ(refusal(pulled, request),
-              "data-missing at /preconfigured-nodes/preconfigured-node[node-name='0/RP0/CPU0']" + missing);
+    EXPECT_EQ(refusal(pulled, request), not_fitted("/preconfigured-nodes/preconfigured-node[node-name='0/RP0/CPU0']"));
 }
 
 TEST(NativeEdit, ChangesNothingWhereItOnlyNamesWhatIsFitted) {
-    EXPECT_TRUE(apply(example(), at_slot("1").net()) == example());
-    EXPECT_TRUE(apply(example(), at_interface("Ots0/3/0/2").net()) == example());
-    EXPECT_TRUE(apply(example(), edit().net()) == example());
+    EXPECT_TRUE(after(example(), at_slot("1")) == example());
+    EXPECT_TRUE(after(example(), at_interface("Ots0/3/0/2")) == example());
+    EXPECT_TRUE(after(example(), edit()) == example());
 }
 
-// An operation on the entry of a slot or an interface of slot 2.
-Request on_entry(bool of_slot, std::uint32_t operation, const char *name) {
+// Operations on the entries themselves.
+Request on_slot(std::uint32_t operation, const char *slot) {
     Request request = edit();
-    if (of_slot) {
-        request.put(node_path + "/node-name", mda, "0/RP0/CPU0", merge, true, 0);
-        request.put(slot_path, ots, none, operation, true, 0);
-        request.put(slot_path + "/slot-id", ots, name, merge, false, 0);
-    } else {
-        request.put(interface_path, ifmgr, none, operation, true, 0);
-        request.put(interface_path + "/interface-name", ifmgr, name, merge, false, 0);
-        request.put(interface_path + "/active", ifmgr, "act", merge, false, 0);
+    request.put(node_path + "/node-name", mda, "0/RP0/CPU0", merge, true, 0);
+    request.put(slot_path, ots, none, operation, true, 0);
+    put(request, slot_path + "/slot-id", slot);
+    return request;
+}
+
+Request on_interface(std::uint32_t operation, const char *name) {
+    return at_interface(name, "act", operation);
+}
+
+TEST(NativeEdit, ClearsAModulesSettingsAndKeepsTheModule) {
+    const LineSystem no_slot_settings = changed(example(), 1, [](Slot &slot) { slot.settings = {}; });
+    const LineSystem no_line_settings = changed(example(), 1, [](Slot &slot) {
+        slot.lines[1] = {};
+        slot.module->attenuators[1] = {0, 0};
+    });
+    for (const std::uint32_t operation : {erase, remove, replace}) {
+        EXPECT_TRUE(after(example(), on_slot(operation, "1")) == no_slot_settings) << operation;
+        EXPECT_TRUE(after(no_slot_settings, on_slot(operation, "1")) == no_slot_settings) << operation;
+        EXPECT_TRUE(after(example(), on_interface(operation, "Ots0/1/0/2")) == no_line_settings) << operation;
+    }
+    EXPECT_EQ(refusal(example(), on_slot(create, "1")), there_already(slot_instance("1")));
+}
+
+TEST(NativeEdit, RemovesQuietlyWhatIsNotFitted) {
+    EXPECT_TRUE(after(blank(), on_slot(remove, "1")) == blank());
+    EXPECT_TRUE(after(blank(), on_interface(remove, "Ots0/1/0/2")) == blank());
+    for (const std::uint32_t operation : {erase, create, replace}) {
+        EXPECT_EQ(refusal(blank(), on_slot(operation, "1")), not_fitted(slot_instance("1"))) << operation;
+    }
+}
+
+TEST(NativeEdit, ReplacesAnEntryByWhatItCarries) {
+    Request request = on_slot(replace, "1");
+    put(request, psm_path + "/revertive/wtr", "500");
+    EXPECT_TRUE(after(example(), request) ==
+                changed(example(), 1, [](Slot &slot) { slot.settings = {.wait_to_restore = 500}; }));
+}
+
+TEST(NativeEdit, ClearsContainers) {
+    struct Row {
+        std::string container; // below slot 1 or its primary line
+        void (*clear)(Slot &slot);
+    };
+    const std::vector<Row> rows = {
+        {"/psm/revertive",
+         [](Slot &slot) {
+             slot.settings.revertive.reset();
+             slot.settings.wait_to_restore.reset();
+         }},
+        {"/psm", [](Slot &slot) { slot.settings = {}; }},
+        {"/optics/rx-thresholds", [](Slot &slot) { slot.lines[0].rx_thresholds.clear(); }},
+        {"/optics",
+         [](Slot &slot) {
+             slot.lines[0] = {};
+             slot.module->attenuators[0] = {0, 0};
+         }},
+    };
+    for (const auto &[container, clear] : rows) {
+        const bool of_slot = container.starts_with("/psm");
+        const std::string instance = (of_slot ? slot_instance("1") : line_instance("Ots0/1/0/1")) + container;
+        const auto by = [&, &path = container](std::uint32_t operation) {
+            Request request = of_slot ? at_slot("1") : at_interface("Ots0/1/0/1");
+            put(request, (of_slot ? slot_path : interface_path) + path, none, operation);
+            return request;
+        };
+        const LineSystem cleared = changed(example(), 1, clear);
+        for (const std::uint32_t operation : {erase, remove, replace}) {
+            EXPECT_TRUE(after(example(), by(operation)) == cleared) << container << " " << operation;
+        }
+        EXPECT_TRUE(after(cleared, by(remove)) == cleared) << container;
+        EXPECT_TRUE(after(cleared, by(create)) == cleared) << container;
+        EXPECT_EQ(refusal(cleared, by(erase)), not_there(instance));
+        EXPECT_EQ(refusal(example(), by(create)), there_already(instance));
+    }
+}
+
+// An operation on the entry of a threshold, and one on the value of an entry that is removed.
+Request on_threshold(std::uint32_t operation, const char *type, Value value = none) {
+    Request request = at_interface("Ots0/2/0/2");
+    request.put(threshold_path, optics, none, operation, true, 0);
+    put(request, threshold_path + "/rx-threshold-type", type);
+    if (value) {
+        put(request, threshold_path + "/rx-threshold", value);
     }
     return request;
 }
 
-TEST(NativeEdit, ClearsAModulesSettingsAndKeepsTheModule) {
-    LineSystem no_slot_settings = example();
-    slot(no_slot_settings, 1).settings = {};
-    LineSystem no_line_settings = example();
-    slot(no_line_settings, 1).lines[1] = {};
-    slot(no_line_settings, 1).module->attenuators[1] = {0, 0};
-    for (const std::uint32_t operation : {erase, remove, replace}) {
-        EXPECT_TRUE(apply(example(), on_entry(true, operation, "1").net()) == no_slot_settings) << operation;
-        EXPECT_TRUE(apply(no_slot_settings, on_entry(true, operation, "1").net()) == no_slot_settings) << operation;
-        EXPECT_TRUE(apply(example(), on_entry(false, operation, "Ots0/1/0/2").net()) == no_line_settings) << operation;
-    }
-    EXPECT_EQ(
-        refusal(example(), on_entry(true, create, "1")),
-        "data-exists at /active-nodes/active-node[node-name='0/RP0/CPU0']/slot[slot-id='1']: it is there already");
-}
-
-TEST(NativeEdit, RemovesQuietlyWhatIsNotFitted) {
-    EXPECT_TRUE(apply(blank(), on_entry(true, remove, "1").net()) == blank());
-    EXPECT_TRUE(apply(blank(), on_entry(false, remove, "Ots0/1/0/2").net()) == blank());
-    EXPECT_EQ(
-        refusal(blank(), on_entry(true, erase, "1")),
-        "data-missing at /active-nodes/active-node[node-name='0/RP0/CPU0']/slot[slot-id='1']: the hardware is not "
-        "fitted");
-    EXPECT_EQ(
-        refusal(blank(), on_entry(true, create, "1")),
-        "data-missing at /active-nodes/active-node[node-name='0/RP0/CPU0']/slot[slot-id='1']: the hardware is not "
-        "fitted");
-    EXPECT_EQ(
-        refusal(blank(), on_entry(true, replace, "1")),
-        "data-missing at /active-nodes/active-node[node-name='0/RP0/CPU0']/slot[slot-id='1']: the hardware is not "
-        "fitted");
-}
-
-TEST(NativeEdit, ReplacesAnEntryByWhatItCarries) {
-    Request request = on_entry(true, replace, "1");
-    request.put(psm_path + "/revertive/wtr", ots, "500", merge, false, 0);
-    LineSystem expected = example();
-    slot(expected, 1).settings = SlotSettings{.wait_to_restore = 500};
-    EXPECT_TRUE(apply(example(), request.net()) == expected);
-}
-
-TEST(NativeEdit, ClearsContainers) {
-    const auto at_container = [](bool of_slot, const std::string &path, std::uint32_t operation) {
-        Request request = of_slot ? at_slot("1") : at_interface("Ots0/1/0/1");
-        request.put(path, of_slot ? ots : optics, none, operation, false, 0);
-        return request;
-    };
-    LineSystem no_revertive = example();
-    slot(no_revertive, 1).settings.revertive.reset();
-    slot(no_revertive, 1).settings.wait_to_restore.reset();
-    LineSystem no_psm = example();
-    slot(no_psm, 1).settings = {};
-    LineSystem no_thresholds = example();
-    slot(no_thresholds, 1).lines[0].rx_thresholds.clear();
-    LineSystem no_optics = example();
-    slot(no_optics, 1).lines[0] = {};
-    slot(no_optics, 1).module->attenuators[0] = {0, 0};
-    const std::string slot1 = "/active-nodes/active-node[node-name='0/RP0/CPU0']/slot[slot-id='1']";
-    const std::string line1 =
-        "/interface-configurations/interface-configuration[active='act'][interface-name='Ots0/1/0/1']";
-    struct Row {
-        bool of_slot;
-        std::string path;
-        LineSystem cleared;
-        std::string instance;
-    };
-    const std::vector<Row> rows = {
-        {true, psm_path + "/revertive", no_revertive, slot1 + "/psm/revertive"},
-        {true, psm_path, no_psm, slot1 + "/psm"},
-        {false, optics_path + "/rx-thresholds", no_thresholds, line1 + "/optics/rx-thresholds"},
-        {false, optics_path, no_optics, line1 + "/optics"},
-    };
-    for (const Row &row : rows) {
-        for (const std::uint32_t operation : {erase, remove, replace}) {
-            EXPECT_TRUE(apply(example(), at_container(row.of_slot, row.path, operation).net()) == row.cleared)
-                << row.path << " " << operation;
-        }
-        EXPECT_TRUE(apply(row.cleared, at_container(row.of_slot, row.path, remove).net()) == row.cleared) << row.path;
-        EXPECT_TRUE(apply(row.cleared, at_container(row.of_slot, row.path, create).net()) == row.cleared) << row.path;
-        EXPECT_EQ(refusal(row.cleared, at_container(row.of_slot, row.path, erase)),
-                  "data-missing at " + row.instance + ": it is not there");
-        EXPECT_EQ(refusal(example(), at_container(row.of_slot, row.path, create)),
-                  "data-exists at " + row.instance + ": it is there already");
-    }
-}
-
-// An operation on the entry of a threshold.
-Request on_threshold(std::uint32_t operation, const char *type, Value value = none) {
+Request on_removed_threshold(std::uint32_t operation) {
     Request request = at_interface("Ots0/2/0/2");
-    request.put(threshold_path, optics, none, operation, true, 0);
-    request.put(threshold_path + "/rx-threshold-type", optics, type, merge, false, 0);
-    if (value) {
-        request.put(threshold_path + "/rx-threshold", optics, value, merge, false, 0);
-    }
+    put(request, threshold_path + "/rx-threshold-type", "high", remove);
+    put(request, threshold_path + "/rx-threshold", none, operation);
     return request;
 }
 
 TEST(NativeEdit, MakesThresholdsAsTheyAreNamed) {
-    LineSystem expected = blank();
-    auto &thresholds = slot(expected, 2).lines[1].rx_thresholds;
-    thresholds["high"] = 25;
-    LineSystem after = apply(blank(), on_threshold(merge, "high", "25").net());
-    EXPECT_TRUE(after == expected);
+    const auto having = [](const Thresholds &thresholds) {
+        return changed(blank(), 2, [&](Slot &slot) { slot.lines[1].rx_thresholds = thresholds; });
+    };
     const std::string strange(5000, '\'');
-    thresholds[strange] = std::nullopt;
-    after = apply(after, on_threshold(create, strange.c_str()).net());
-    EXPECT_TRUE(after == expected);
-    thresholds["high"] = std::nullopt;
-    after = apply(after, on_threshold(replace, "high").net());
-    EXPECT_TRUE(after == expected);
-    thresholds.erase("high");
-    after = apply(after, on_threshold(erase, "high").net());
-    EXPECT_TRUE(after == expected);
-    EXPECT_TRUE(apply(after, on_threshold(remove, "high").net()) == expected);
+    LineSystem system = after(blank(), on_threshold(merge, "high", "25"));
+    EXPECT_TRUE(system == having({{"high", 25}}));
+    system = after(system, on_threshold(create, strange.c_str()));
+    EXPECT_TRUE(system == having({{"high", 25}, {strange, std::nullopt}}));
+    system = after(system, on_threshold(replace, "high"));
+    EXPECT_TRUE(system == having({{"high", std::nullopt}, {strange, std::nullopt}}));
+    system = after(system, on_threshold(erase, "high"));
+    EXPECT_TRUE(system == having({{strange, std::nullopt}}));
+    EXPECT_TRUE(after(system, on_threshold(remove, "high")) == system);
     const std::string high = line2 + "/optics/rx-thresholds/rx-threshold[rx-threshold-type='high']";
-    EXPECT_EQ(refusal(after, on_threshold(erase, "high")), "data-missing at " + high + ": it is not there");
-    EXPECT_EQ(refusal(blank(),
-                      [] {
-                          Request request = at_interface("Ots0/2/0/2");
-                          request.put(threshold_path + "/rx-threshold-type", optics, "high", remove, false, 0);
-                          request.put(threshold_path + "/rx-threshold", optics, none, erase, false, 0);
-                          return request;
-                      }()),
-              "data-missing at " + high + "/rx-threshold: it is not there");
+    EXPECT_EQ(refusal(system, on_threshold(erase, "high")), not_there(high));
+    EXPECT_EQ(refusal(blank(), on_removed_threshold(erase)), not_there(high + "/rx-threshold"));
     // Nothing is made to take something away from it.
-    EXPECT_TRUE(apply(after,
-                      [] {
-                          Request request = at_interface("Ots0/2/0/2");
-                          request.put(threshold_path + "/rx-threshold-type", optics, "high", remove, false, 0);
-                          request.put(threshold_path + "/rx-threshold", optics, none, remove, false, 0);
-                          return request;
-                      }()
-                          .net()) == after);
-    const LineSystem with_high = apply(blank(), on_threshold(merge, "high").net());
-    EXPECT_EQ(refusal(with_high, on_threshold(create, "high")), "data-exists at " + high + ": it is there already");
+    EXPECT_TRUE(after(system, on_removed_threshold(remove)) == system);
+    const LineSystem with_high = after(blank(), on_threshold(merge, "high"));
+    EXPECT_EQ(refusal(with_high, on_threshold(create, "high")), there_already(high));
 }
 
 TEST(NativeEdit, KnowsNoErrorBelowWhatItHasTakenAwayItself) {
     Request request = at_slot("1");
-    request.put(psm_path + "/revertive", ots, none, erase, false, 0);
-    request.put(psm_path + "/revertive/wtr", ots, none, erase, false, 0);
-    request.put(psm_path + "/revertive/enable", ots, "true", merge, false, 0);
-    LineSystem expected = example();
-    slot(expected, 1).settings.wait_to_restore.reset();
-    EXPECT_TRUE(apply(example(), request.net()) == expected);
+    put(request, psm_path + "/revertive", none, erase);
+    put(request, psm_path + "/revertive/wtr", none, erase);
+    put(request, psm_path + "/revertive/enable", "true");
+    EXPECT_TRUE(after(example(), request) ==
+                changed(example(), 1, [](Slot &slot) { slot.settings.wait_to_restore.reset(); }));
 }
 
 TEST(NativeEdit, IsCarriedOutWhole) {
     Request request = at_interface("Ots0/1/0/1");
-    request.put(optics_path + "/optics-ots-tx-voa-attenuation", optics, "50", merge, false, 0);
-    request.put(interface_path, ifmgr, none, merge, true, 0);
-    request.put(interface_path + "/interface-name", ifmgr, "Ots0/3/0/2", merge, false, 0);
-    request.put(interface_path + "/active", ifmgr, "act", merge, false, 0);
-    request.put(optics_path + "/optics-ots-rx-voa-attenuation", optics, "20", merge, false, 0);
-    request.put(node_path + "/node-name", mda, "0/RP0/CPU0", merge, true, 0);
-    request.put(slot_path + "/slot-id", ots, "3", merge, true, 0);
-    request.put(psm_path + "/lockout-from", ots, "protected", merge, false, 0);
+    put(request, optics_path + "/optics-ots-tx-voa-attenuation", "50");
+    begin_interface(request, "Ots0/3/0/2");
+    put(request, optics_path + "/optics-ots-rx-voa-attenuation", "20");
+    begin_slot(request, "3");
+    put(request, psm_path + "/lockout-from", "protected");
     LineSystem expected = example();
     slot(expected, 1).lines[0].tx_attenuation = 50;
     slot(expected, 1).module->attenuators[0].tx = 500;
     slot(expected, 3).lines[1].rx_attenuation = 20;
     slot(expected, 3).module->attenuators[1].rx = 200;
     slot(expected, 3).settings.lockout_from = "protected";
-    const LineSystem after = apply(example(), request.net());
-    EXPECT_TRUE(after == expected);
-    EXPECT_TRUE(slot(tick(after, 100), 3).module->protection.active == Path::primary);
+    EXPECT_TRUE(after(example(), request) == expected);
+    EXPECT_TRUE(slot(tick(expected, 100), 3).module->protection.active == Path::primary);
 
-    request.put(psm_path + "/revertive/enable", ots, none, erase, false, 0);
+    put(request, psm_path + "/revertive/enable", none, erase);
     request.put(slot_path + "/slot-id", ots, "2", merge, true, 0);
-    EXPECT_EQ(refusal(example(), request), "data-missing at " + slot2 + ": the hardware is not fitted");
+    EXPECT_EQ(refusal(example(), request), not_fitted(slot_instance("2")));
 }
 
 // The receiving attenuator of the secondary line stands at 0.75 dB, and is set to 0.8.
 TEST(NativeEdit, MovesAnAttenuatorOnlyWhenItsSettingChanges) {
     Request same = at_interface("Ots0/3/0/2");
-    same.put(optics_path + "/optics-ots-rx-voa-attenuation", optics, "8", merge, false, 0);
-    EXPECT_TRUE(apply(example(), same.net()) == example());
+    put(same, optics_path + "/optics-ots-rx-voa-attenuation", "8");
+    EXPECT_TRUE(after(example(), same) == example());
     Request other = at_interface("Ots0/3/0/2");
-    other.put(optics_path + "/optics-ots-tx-voa-attenuation", optics, "1", merge, false, 0);
-    LineSystem expected = example();
-    slot(expected, 3).lines[1].tx_attenuation = 1;
-    slot(expected, 3).module->attenuators[1].tx = 10;
-    EXPECT_TRUE(apply(example(), other.net()) == expected);
+    put(other, optics_path + "/optics-ots-tx-voa-attenuation", "1");
+    EXPECT_TRUE(after(example(), other) == changed(example(), 3, [](Slot &slot) {
+                    slot.lines[1].tx_attenuation = 1;
+                    slot.module->attenuators[1].tx = 10;
+                }));
 }
 
 TEST(NativeEdit, ShowsInPowersAndDatabaseItems) {
     Request request = at_interface("Ots0/1/0/1");
-    request.put(optics_path + "/optics-ots-tx-voa-attenuation", optics, none, erase, false, 0);
-    request.put(optics_path + "/optics-ots-rx-voa-attenuation", optics, "35", merge, false, 0);
-    request.put(optics_path + "/rx-thresholds", optics, none, erase, false, 0);
-    const LineSystem after = apply(example(), request.net());
-    const auto powers = ocpsm::line_system::powers(slot(after, 1));
-    EXPECT_EQ(powers[1].received, -1234);
-    EXPECT_EQ(powers[1].transmitted, -115);  // 105 - 0 - 220
-    EXPECT_EQ(powers[0].transmitted, -1582); // -1234 - 350 + 2
-    std::vector<std::string> items = shown(ocpsm::line_system::database_items(after));
+    put(request, optics_path + "/optics-ots-tx-voa-attenuation", none, erase);
+    put(request, optics_path + "/optics-ots-rx-voa-attenuation", "35");
+    put(request, optics_path + "/rx-thresholds", none, erase);
+    const LineSystem edited = after(example(), request);
+    const auto now = powers(slot(edited, 1));
+    EXPECT_EQ(now[1].received, -1234);
+    EXPECT_EQ(now[1].transmitted, -115);  // 105 - 0 - 220
+    EXPECT_EQ(now[0].transmitted, -1582); // -1234 - 350 + 2
+    std::vector<std::string> items = shown(database_items(edited));
     std::erase_if(items, [](const std::string &item) { return item.find("Ots0_1_0_1") == std::string::npos; });
     EXPECT_THAT(items, testing::UnorderedElementsAre(
                            "/oper/ots/if/Ots0_1_0_1/ots_info: ots_info 1.0 ots_edm_info{ LaneData[ { "
@@ -505,3 +449,4 @@ TEST(NativeEdit, ClearsEverythingAtOnce) {
 }
 
 } // namespace
+} // namespace ocpsm::line_system

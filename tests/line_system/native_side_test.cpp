@@ -9,17 +9,10 @@
 #include "native/shown_data.hpp"
 #include "simulator/line_system/operations.hpp"
 
+namespace ocpsm::line_system {
 namespace {
 
 using native_test::shown;
-using ocpsm::line_system::example;
-using ocpsm::line_system::fit;
-using ocpsm::line_system::LineSystem;
-using ocpsm::line_system::native_data;
-using ocpsm::line_system::Path;
-using ocpsm::line_system::pull;
-using ocpsm::line_system::tick;
-using ocpsm::line_system::with_modules;
 
 // The same lines, deeper.
 std::string below(const std::string &name, const std::vector<std::string> &parts) {
@@ -222,3 +215,4 @@ TEST(NativeData, NamesTheLineThatCarriesTheTraffic) {
 }
 
 } // namespace
+} // namespace ocpsm::line_system

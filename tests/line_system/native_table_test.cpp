@@ -6,20 +6,10 @@
 
 #include <gtest/gtest.h>
 
+namespace ocpsm::line_system {
 namespace {
 
-using ocpsm::line_system::leaf_rows;
-using ocpsm::line_system::LeafRow;
-using ocpsm::line_system::LineSettings;
-using ocpsm::line_system::LineSystem;
-using ocpsm::line_system::list_rows;
-using ocpsm::line_system::ListKind;
-using ocpsm::line_system::ListRow;
-using ocpsm::line_system::NativeTable;
-using ocpsm::line_system::ReadingMember;
-using ocpsm::line_system::Readings;
-using ocpsm::line_system::SettingMember;
-using ocpsm::models::Schema;
+using models::Schema;
 
 // What is wrong with the device's table after a change.
 std::string complaint(const std::function<void(std::vector<LeafRow> &, std::vector<ListRow> &)> &change) {
@@ -73,12 +63,11 @@ TEST(NativeTable, NamesARowWithoutANode) {
 TEST(NativeTable, SetsNoOperationalState) {
     LineSystem system;
     EXPECT_THROW(set_value(ReadingMember(&Readings::receive_power), system, {1, 1}, "1"), std::logic_error);
-    EXPECT_THROW(set_value(ReadingMember(ocpsm::line_system::PortStatus{}), system, {1, 1}, "active"),
+    EXPECT_THROW(set_value(ReadingMember(PortStatus{}), system, {1, 1}, "active"), std::logic_error);
+    EXPECT_THROW(set_value(ReadingMember(History{&Readings::received, nullptr}), system, {1, 1}, "1"),
                  std::logic_error);
-    EXPECT_THROW(
-        set_value(ReadingMember(ocpsm::line_system::History{&Readings::received, nullptr}), system, {1, 1}, "1"),
-        std::logic_error);
     EXPECT_THROW(set_value(SettingMember(&LineSettings::rx_attenuation), system, {1, 1}, "1.5"), std::logic_error);
 }
 
 } // namespace
+} // namespace ocpsm::line_system

@@ -8,9 +8,9 @@
 #include "simulator/line_system/controllers.hpp"
 #include "sysdb/open_store.hpp"
 
+namespace ocpsm::line_system {
 namespace {
 
-using namespace ocpsm::line_system; // NOLINT(google-build-using-namespace): all that is tested
 using testing::ElementsAre;
 
 constexpr char no_module_in_2[] = "refused|data-missing||slot 2 holds no module|fit one first";
@@ -248,3 +248,4 @@ TEST(Ticks, PassOverEmptySlots) {
 }
 
 } // namespace
+} // namespace ocpsm::line_system

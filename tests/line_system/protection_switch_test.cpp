@@ -17,14 +17,8 @@ static void PrintTo(const SwitchState &state, std::ostream *out) { // gtest find
 
 } // namespace ocpsm::line_system
 
+namespace ocpsm::line_system {
 namespace {
-
-using ocpsm::line_system::evaluate;
-using ocpsm::line_system::LineLight;
-using ocpsm::line_system::Lockout;
-using ocpsm::line_system::Path;
-using ocpsm::line_system::SwitchSettings;
-using ocpsm::line_system::SwitchState;
 
 constexpr SwitchState on_primary{Path::primary};
 constexpr SwitchState on_secondary{Path::secondary};
@@ -247,3 +241,4 @@ TEST(ProtectionSwitch, WorksAtTheEndsOfTheNumbers) {
 }
 
 } // namespace
+} // namespace ocpsm::line_system

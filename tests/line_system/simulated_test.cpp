@@ -14,12 +14,9 @@
 #include "simulator/line_system.hpp"
 #include "sysdb/open_store.hpp"
 
+namespace ocpsm {
 namespace {
 
-using ocpsm::Line;
-using ocpsm::LineTable;
-using ocpsm::ModuleRow;
-using ocpsm::SimulatedLineSystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -30,7 +27,7 @@ std::vector<std::string> shown(const LineTable &table) {
         std::string text = module.name + (module.lines[0].active ? " on primary:" : " on secondary:");
         for (const auto &line : module.lines) {
             for (const auto &value : line.measured) {
-                text += value ? " " + ocpsm::hundredths(*value) : " -";
+                text += value ? " " + hundredths(*value) : " -";
             }
             text += line.cut ? " cut" : " whole";
         }
@@ -131,3 +128,4 @@ TEST_F(Simulated, IsNotThere) {
 }
 
 } // namespace
+} // namespace ocpsm

@@ -14,14 +14,11 @@
 #include "simulator/line_system/operations.hpp"
 #include "sysdb/open_store.hpp"
 
+namespace ocpsm::line_system {
 namespace {
 
-using ocpsm::line_system::example;
-using ocpsm::line_system::LineSystem;
-using ocpsm::line_system::load;
-using ocpsm::line_system::Statistics;
-using ocpsm::sysdb::Store;
-using ocpsm::sysdb::Table;
+using sysdb::Store;
+using sysdb::Table;
 using testing::ElementsAre;
 
 constexpr char no_line_system[] = "input|data-missing||the directory holds no line system|create one there first";
@@ -37,13 +34,13 @@ protected:
     }
 
     LineSystem opened_again() {
-        store = ocpsm::line_system::open(client, state);
+        store = open(client, state);
         return load(*store->read());
     }
 
     TemporaryDirectory directory;
     std::filesystem::path state = directory.path / "state";
-    const ocpsm::sysdb::Client client;
+    const sysdb::Client client;
     std::unique_ptr<Store> store;
 };
 
@@ -198,7 +195,7 @@ TEST_F(LineSystemStorage, NoticesEveryRecordThatIsMissing) {
         std::string seen;
         try {
             seen = load(*transaction) == example() ? "the same" : "another";
-        } catch (const ocpsm::Error &) {
+        } catch (const Error &) {
             seen = "refused";
         }
         EXPECT_NE(seen, "the same") << record;
@@ -222,3 +219,4 @@ TEST_F(LineSystemStorage, CreatesNothingWhereThereIsALineSystem) {
 }
 
 } // namespace
+} // namespace ocpsm::line_system

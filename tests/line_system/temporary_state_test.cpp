@@ -10,12 +10,8 @@
 #include "simulator/line_system/storage.hpp"
 #include "sysdb/open_store.hpp"
 
+namespace ocpsm::line_system {
 namespace {
-
-using ocpsm::line_system::example;
-using ocpsm::line_system::LineSystem;
-using ocpsm::line_system::load;
-using ocpsm::line_system::TemporaryState;
 
 // TMPDIR names a directory of the test's own.
 class TemporaryStateTest : public testing::Test {
@@ -39,7 +35,7 @@ protected:
 
     std::optional<std::string> before = current_parent();
     TemporaryDirectory directory;
-    const ocpsm::sysdb::Client client;
+    const sysdb::Client client;
 };
 
 TEST_F(TemporaryStateTest, HoldsTheExampleUntilItsEnd) {
@@ -70,8 +66,8 @@ TEST_F(TemporaryStateTest, IsRemovedWhenAnExceptionFlies) {
 
 TEST_F(TemporaryStateTest, IsRemovedWhenItCannotBeMade) {
     LineSystem system;
-    system.slots[0].lines[0].rx_thresholds[std::string(ocpsm::sysdb::max_store_size, 'x')] = 1;
-    EXPECT_THROW(const TemporaryState state(client, system), ocpsm::Error);
+    system.slots[0].lines[0].rx_thresholds[std::string(sysdb::max_store_size, 'x')] = 1;
+    EXPECT_THROW(const TemporaryState state(client, system), Error);
     EXPECT_TRUE(std::filesystem::is_empty(directory.path));
 }
 
@@ -84,3 +80,4 @@ TEST_F(TemporaryStateTest, NamesAParentThatIsNotThere) {
 }
 
 } // namespace
+} // namespace ocpsm::line_system

@@ -13,11 +13,8 @@
 #include "sysdb/temporary_directory.hpp"
 #include "sysdb_client.h"
 
+namespace ocpsm::line_system {
 namespace {
-
-using ocpsm::line_system::change;
-using ocpsm::line_system::LineSystem;
-using ocpsm::line_system::load;
 
 LineSystem attenuated(const LineSystem &system, int tenths) {
     LineSystem after = system;
@@ -44,14 +41,14 @@ protected:
         return text;
     }
 
-    std::unique_ptr<ocpsm::sysdb::Store> make(const char *name, int tenths) const {
-        return create(client, directory.path / name, attenuated(ocpsm::line_system::example(), tenths));
+    std::unique_ptr<sysdb::Store> make(const char *name, int tenths) const {
+        return create(client, directory.path / name, attenuated(example(), tenths));
     }
 
     TemporaryDirectory directory;
-    const ocpsm::sysdb::Client client;
-    std::unique_ptr<ocpsm::sysdb::Store> first = make("first", 1);
-    std::unique_ptr<ocpsm::sysdb::Store> second = make("second", 2);
+    const sysdb::Client client;
+    std::unique_ptr<sysdb::Store> first = make("first", 1);
+    std::unique_ptr<sysdb::Store> second = make("second", 2);
 };
 
 TEST_F(TwoSystems, ReadInTheYoungestTransactionOfTheThread) {
@@ -85,7 +82,7 @@ TEST_F(TwoSystems, AreWrittenAtOnceOnOneThread) {
 }
 
 TEST_F(TwoSystems, AreReadAndWrittenOnThreadsOfTheirOwn) {
-    const auto work = [](ocpsm::sysdb::Store &store, int base) {
+    const auto work = [](sysdb::Store &store, int base) {
         for (int round = 0; round < 100; ++round) {
             const int tenths = base + round;
             change(store, [&](const LineSystem &system) { return attenuated(system, tenths); });
@@ -100,3 +97,4 @@ TEST_F(TwoSystems, AreReadAndWrittenOnThreadsOfTheirOwn) {
 }
 
 } // namespace
+} // namespace ocpsm::line_system
