@@ -1,6 +1,5 @@
 #include "pseudo_terminal.hpp"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -16,201 +15,46 @@
 #include <unistd.h>
 #include <utmp.h>
 
-namespace {
-
-constexpr char escape = '\x1b';
-
-} // namespace
-
 // ---- Screen ----
 
-Screen::Screen(int rows, int columns) : row_count_(rows), column_count_(columns) {
-    resize(rows, columns);
+Screen::Screen(int rows, int columns)
+    : terminal_(vterm_new(rows, columns)), screen_(vterm_obtain_screen(terminal_.get())) {
+    static const VTermScreenCallbacks callbacks = [] {
+        VTermScreenCallbacks all{};
+        all.settermprop = set_property;
+        return all;
+    }();
+    vterm_screen_set_callbacks(screen_, &callbacks, this);
+    vterm_screen_enable_altscreen(screen_, 1);
+    vterm_screen_reset(screen_, 1);
+}
+
+int Screen::set_property(VTermProp property, VTermValue *value, void *screen) {
+    auto &self = *static_cast<Screen *>(screen);
+    if (property == VTERM_PROP_ALTSCREEN) {
+        self.alternate_ = value->boolean != 0;
+    } else if (property == VTERM_PROP_CURSORVISIBLE) {
+        self.cursor_shown_ = value->boolean != 0;
+    }
+    return 1;
 }
 
 void Screen::resize(int rows, int columns) {
-    row_count_ = rows;
-    column_count_ = columns;
-    cells_.resize(static_cast<std::size_t>(rows));
-    for (auto &row : cells_) {
-        row.resize(static_cast<std::size_t>(columns));
-    }
-    row_ = std::min(row_, rows - 1);
-    column_ = std::min(column_, columns - 1);
+    vterm_set_size(terminal_.get(), rows, columns);
 }
 
 void Screen::take(std::string_view bytes) {
-    for (const char byte : bytes) {
-        take_one(byte);
-    }
-}
-
-void Screen::take_one(char byte) {
-    if (pending_.empty()) {
-        byte == escape ? pending_.push_back(byte) : put(byte);
-        return;
-    }
-    pending_.push_back(byte);
-    if (pending_.size() == 2) {
-        if (byte != '[' && byte != '(') {
-            pending_.clear(); // keypad modes and the like
-        }
-        return;
-    }
-    if (pending_.at(1) == '(') {
-        pending_.clear(); // a character set
-        return;
-    }
-    if (byte >= '@' && byte <= '~') {
-        run_sequence(byte);
-        pending_.clear();
-    }
-}
-
-void Screen::put(char character) {
-    switch (character) {
-    case '\r':
-        column_ = 0;
-        return;
-    case '\n':
-        row_ = std::min(row_ + 1, row_count_ - 1);
-        return;
-    case '\b':
-        column_ = std::max(column_ - 1, 0);
-        return;
-    case '\t':
-        column_ = std::min((column_ / 8 + 1) * 8, column_count_ - 1);
-        return;
-    default:
-        break;
-    }
-    if (character < ' ') {
-        return;
-    }
-    if (column_ == column_count_) {
-        column_ = 0;
-        row_ = std::min(row_ + 1, row_count_ - 1);
-    }
-    cells_.at(static_cast<std::size_t>(row_)).at(static_cast<std::size_t>(column_)) = {character, highlight_};
-    last_ = character;
-    ++column_;
-}
-
-int Screen::parameter(std::size_t index, int absent) const {
-    std::string_view parameters = std::string_view(pending_).substr(2, pending_.size() - 3);
-    for (; index > 0; --index) {
-        const std::size_t end = parameters.find(';');
-        if (end == std::string_view::npos) {
-            return absent;
-        }
-        parameters.remove_prefix(end + 1);
-    }
-    const int value = std::atoi(std::string(parameters).c_str()); // NOLINT(cert-err34-c)
-    return parameters.empty() || value == 0 ? absent : value;
-}
-
-void Screen::erase(int row, int from, int to) {
-    auto &cells = cells_.at(static_cast<std::size_t>(row));
-    for (int column = from; column < to && column < column_count_; ++column) {
-        cells.at(static_cast<std::size_t>(column)) = {};
-    }
-}
-
-void Screen::run_sequence(char command) {
-    const auto within = [](int value, int end) { return std::clamp(value, 0, end - 1); };
-    switch (command) {
-    case 'H':
-        row_ = within(parameter(0, 1) - 1, row_count_);
-        column_ = within(parameter(1, 1) - 1, column_count_);
-        break;
-    case 'd':
-        row_ = within(parameter(0, 1) - 1, row_count_);
-        break;
-    case 'G':
-        column_ = within(parameter(0, 1) - 1, column_count_);
-        break;
-    case 'A':
-        row_ = within(row_ - parameter(0, 1), row_count_);
-        break;
-    case 'B':
-        row_ = within(row_ + parameter(0, 1), row_count_);
-        break;
-    case 'C':
-        column_ = within(column_ + parameter(0, 1), column_count_);
-        break;
-    case 'D':
-        column_ = within(column_ - parameter(0, 1), column_count_);
-        break;
-    case 'K':
-        parameter(0, 0) == 1 ? erase(row_, 0, column_ + 1) : erase(row_, column_, column_count_);
-        break;
-    case 'J':
-        for (int row = parameter(0, 0) == 2 ? 0 : row_; row < row_count_; ++row) {
-            erase(row, row == row_ && parameter(0, 0) != 2 ? column_ : 0, column_count_);
-        }
-        break;
-    case 'X':
-        erase(row_, column_, column_ + parameter(0, 1));
-        break;
-    case 'P': {
-        auto &cells = cells_.at(static_cast<std::size_t>(row_));
-        const int count = std::min(parameter(0, 1), column_count_ - column_);
-        cells.erase(cells.begin() + column_, cells.begin() + column_ + count);
-        cells.resize(static_cast<std::size_t>(column_count_));
-        break;
-    }
-    case '@': {
-        auto &cells = cells_.at(static_cast<std::size_t>(row_));
-        cells.insert(cells.begin() + column_, static_cast<std::size_t>(parameter(0, 1)), Cell{});
-        cells.resize(static_cast<std::size_t>(column_count_));
-        break;
-    }
-    case 'M':
-    case 'L': {
-        const auto count = std::min(parameter(0, 1), row_count_ - row_);
-        const std::vector<std::vector<Cell>> blank(static_cast<std::size_t>(count),
-                                                   std::vector<Cell>(static_cast<std::size_t>(column_count_)));
-        const auto removed = command == 'M' ? cells_.begin() + row_ : cells_.end() - count;
-        cells_.erase(removed, removed + count);
-        cells_.insert(command == 'M' ? cells_.end() : cells_.begin() + row_, blank.begin(), blank.end());
-        break;
-    }
-    case 'b':
-        for (int count = parameter(0, 1); count > 0; --count) {
-            put(last_);
-        }
-        break;
-    case 'm':
-        highlight_ = pending_.find("[7") != std::string::npos || pending_.find(";7") != std::string::npos;
-        break;
-    case 'h':
-    case 'l':
-        if (pending_.find("?1049") != std::string::npos) {
-            alternate_ = command == 'h';
-        } else if (pending_.find("25") != std::string::npos) {
-            cursor_shown_ = command == 'h';
-        }
-        break;
-    case 't': // the window's title is put aside and taken back
-        break;
-    case 'r':
-        if (parameter(0, 1) == 1 && parameter(1, row_count_) == row_count_) {
-            break; // everything scrolls
-        }
-        [[fallthrough]];
-    default:
-        unknown_ += pending_.substr(1) + " ";
-        break;
-    }
+    vterm_input_write(terminal_.get(), bytes.data(), bytes.size());
 }
 
 std::vector<std::string> Screen::rows() const {
+    int row_count = 0;
+    int column_count = 0;
+    vterm_get_size(terminal_.get(), &row_count, &column_count);
     std::vector<std::string> texts;
-    for (const auto &row : cells_) {
-        std::string text;
-        for (const Cell &cell : row) {
-            text.push_back(cell.character);
-        }
+    for (int row = 0; row < row_count; ++row) {
+        std::string text(static_cast<std::size_t>(column_count), '\0');
+        text.resize(vterm_screen_get_text(screen_, text.data(), text.size(), {row, row + 1, 0, column_count}));
         text.erase(text.find_last_not_of(' ') + 1);
         texts.push_back(text);
     }
@@ -218,12 +62,18 @@ std::vector<std::string> Screen::rows() const {
 }
 
 std::vector<std::string> Screen::highlighted() const {
-    const std::vector<std::string> texts = rows();
     std::vector<std::string> found;
-    for (std::size_t row = 0; row < cells_.size(); ++row) {
-        if (std::any_of(cells_[row].begin(), cells_[row].end(), [](const Cell &cell) { return cell.highlighted; })) {
-            found.push_back(texts.at(row));
+    int row = 0;
+    for (const std::string &text : rows()) {
+        for (int column = 0; column < static_cast<int>(text.size()); ++column) {
+            VTermScreenCell cell{};
+            vterm_screen_get_cell(screen_, {row, column}, &cell);
+            if (cell.attrs.reverse != 0) {
+                found.push_back(text);
+                break;
+            }
         }
+        ++row;
     }
     return found;
 }

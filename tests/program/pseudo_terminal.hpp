@@ -3,14 +3,16 @@
 #define TESTS_PROGRAM_PSEUDO_TERMINAL_HPP
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include <sys/types.h>
 #include <termios.h>
+#include <vterm.h>
 
-// The screen of a terminal of the type xterm, as far as the sequences go that its description offers.
+// The screen of a terminal of the type xterm.
 class Screen {
 public:
     Screen(int rows, int columns);
@@ -23,35 +25,21 @@ public:
     // The rows of which a character stands out.
     std::vector<std::string> highlighted() const;
 
-    // Sequences that this screen does not understand: what it shows may be wrong when there are any.
-    const std::string &unknown() const { return unknown_; }
-
     bool alternate() const { return alternate_; } // the alternate screen is shown
     bool cursor_shown() const { return cursor_shown_; }
 
 private:
-    struct Cell {
-        char character = ' ';
-        bool highlighted = false;
+    struct Free {
+        void operator()(VTerm *terminal) const noexcept { vterm_free(terminal); }
     };
 
-    void take_one(char byte);
-    void put(char character);
-    void run_sequence(char command);
-    void erase(int row, int from, int to);
-    int parameter(std::size_t index, int absent) const;
+    // Sets what the terminal says of itself.
+    static int set_property(VTermProp property, VTermValue *value, void *screen);
 
-    int row_count_;
-    int column_count_;
-    std::vector<std::vector<Cell>> cells_;
-    int row_ = 0;
-    int column_ = 0;
-    bool highlight_ = false;
+    std::unique_ptr<VTerm, Free> terminal_;
+    VTermScreen *screen_; // of the terminal
     bool alternate_ = false;
     bool cursor_shown_ = true;
-    std::string pending_; // an escape sequence that is not complete
-    std::string unknown_;
-    char last_ = ' ';
 };
 
 // A child process whose input and outputs are a terminal of 24 rows and 80 columns.

@@ -65,7 +65,6 @@ protected:
         EXPECT_THAT(after.c_cc, testing::ElementsAreArray(before.c_cc));
         EXPECT_FALSE(child.screen().alternate());
         EXPECT_TRUE(child.screen().cursor_shown());
-        EXPECT_EQ(child.screen().unknown(), "");
     }
 
     std::string directory;
