@@ -1,19 +1,14 @@
 // Edits whose process is killed, at the beginning of each of its system calls in turn: the line system is what it was
 // or what it was to become, and the next edit is carried out as if nothing had happened.
-#include <csignal>
-#include <filesystem>
 #include <string>
 #include <vector>
-
-#include <sys/ptrace.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "answers.hpp"
 #include "line_system.hpp"
+#include "traced_process.hpp"
 
 namespace {
 
@@ -21,54 +16,6 @@ using circle::Records;
 using ocpsm::Operation;
 using ocpsm::PathEdits;
 using ocpsm::Text;
-
-// An edit in a process of its own, which stops at each of its system calls, before and after. It has all that this one
-// has loaded, so that its calls are those of the edit.
-class TracedEdit {
-public:
-    TracedEdit(const std::filesystem::path &directory, const ocpsm::Edit &edit) : child_(fork()) {
-        if (child_ == 0) {
-            if (ptrace(PTRACE_TRACEME, 0, 0, 0) == 0 && raise(SIGSTOP) == 0) {
-                _exit(circle::edit_in(directory, edit).error ? 1 : 0);
-            }
-            _exit(2);
-        }
-        wait();
-        EXPECT_TRUE(running_);
-        ptrace(PTRACE_SETOPTIONS, child_, 0, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
-    }
-    TracedEdit(const TracedEdit &) = delete;
-    TracedEdit &operator=(const TracedEdit &) = delete;
-    ~TracedEdit() { kill_now(); }
-
-    // Goes on to the beginning of the call with this number, from 0. False when the process has ended before.
-    bool go_to_call(int number) {
-        for (int stops = 2 * number + 1; running_ && stops > 0; stops -= is_call() ? 1 : 0) {
-            ptrace(PTRACE_SYSCALL, child_, 0, 0);
-            wait();
-        }
-        return running_;
-    }
-
-    void kill_now() {
-        if (running_) {
-            kill(child_, SIGKILL);
-            while (running_) {
-                wait();
-            }
-        }
-    }
-
-    int exit_code() const { return WIFEXITED(status_) ? WEXITSTATUS(status_) : -1; }
-
-private:
-    void wait() { running_ = waitpid(child_, &status_, 0) == child_ && WIFSTOPPED(status_); }
-    bool is_call() const { return running_ && WSTOPSIG(status_) == (SIGTRAP | 0x80); }
-
-    pid_t child_;
-    int status_ = 0;
-    bool running_ = true;
-};
 
 Text modules(const std::string &content) {
     return {"<aps xmlns=\"http://openconfig.net/yang/optical-transport-line-protection\" "
@@ -102,20 +49,8 @@ const std::vector<Row> rows{
 const PathEdits next_edit{
     {circle::module_path(1, "/ports/line-primary-in/config/target-attenuation"), Operation::merge, "7.7"}};
 
-class Kills : public testing::Test {
+class Kills : public circle::RestoredExample {
 protected:
-    Kills() {
-        circle::make_example(directory.path / "example");
-        restore();
-    }
-
-    std::filesystem::path state() const { return directory.path / "system"; }
-
-    void restore() const {
-        std::filesystem::remove_all(state());
-        std::filesystem::copy(directory.path / "example", state());
-    }
-
     // As it is, and as the next edit makes it.
     struct Outcome {
         Records now;
@@ -144,8 +79,8 @@ protected:
         int kills = 0;
         int unchanged = 0;
         for (; !HasFailure(); ++kills) {
-            TracedEdit child(state(), edit);
-            const bool ended = !child.go_to_call(kills);
+            circle::TracedProcess child([&] { return circle::edit_in(state(), edit).error ? 1 : 0; });
+            const bool ended = !child.next_call(kills);
             child.kill_now();
             const Outcome found = outcome();
             EXPECT_TRUE(found == after || (!ended && found == before)) << "killed at call " << kills;
@@ -160,8 +95,6 @@ protected:
         EXPECT_GE(kills - unchanged, 1);
         return kills;
     }
-
-    const circle::Directory directory;
 };
 
 TEST_F(Kills, LeaveTheLineSystemAsItWasOrAsItIsToBe) {

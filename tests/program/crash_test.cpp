@@ -1,151 +1,28 @@
 // Edits that are killed: whenever that happens, the line system is as it was or as it was to become. The build
 // names the program's file, OCPSM_PROGRAM, and the directory with the examples, OCPSM_EXAMPLES.
-#include <array>
-#include <csignal>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <map>
-#include <memory>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include <fcntl.h>
-#include <sys/ptrace.h>
-#include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
 
-#include "simulator/database/client_library.hpp"
-#include "simulator/line_system/storage.hpp"
+#include "simulator/store/store.hpp"
+#include "traced_process.hpp"
 
 namespace {
 
-namespace sysdb = ocpsm::sysdb;
+using circle::Records;
+using circle::TracedProcess;
+using ocpsm::sysdb::store_file;
 using Words = std::vector<std::string>;
-using Records = std::map<std::string, std::string>; // every record of every table, by table and key
 
-// A child that stops at each of its system calls, before and after.
-class TracedChild {
-public:
-    explicit TracedChild(const Words &command) {
-        Words words = command;
-        std::vector<char *> arguments;
-        arguments.reserve(words.size() + 1);
-        for (std::string &word : words) {
-            arguments.push_back(word.data());
-        }
-        arguments.push_back(nullptr);
-        child_ = fork();
-        if (child_ == 0) {
-            // A leak check cannot be made under a tracer.
-            setenv("ASAN_OPTIONS", "detect_leaks=0:exitcode=99", 1);
-            const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-            dup2(nowhere, STDOUT_FILENO);
-            if (ptrace(PTRACE_TRACEME, 0, 0, 0) == 0) {
-                execv(arguments.front(), arguments.data());
-            }
-            _exit(127);
-        }
-        wait();
-        if (!running_) {
-            throw std::runtime_error("cannot trace " + command.front());
-        }
-        ptrace(PTRACE_SETOPTIONS, child_, 0, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
-    }
-    TracedChild(const TracedChild &) = delete;
-    TracedChild &operator=(const TracedChild &) = delete;
-    ~TracedChild() { kill_now(); }
-
-    // Goes on to the beginning of the next system call. False when the child has ended instead.
-    bool next_call() {
-        while (running_) {
-            ptrace(PTRACE_SYSCALL, child_, 0, 0);
-            wait();
-            if (running_ && WIFSTOPPED(status_) && WSTOPSIG(status_) == (SIGTRAP | 0x80)) {
-                inside_ = !inside_;
-                if (inside_) {
-                    return true;
-                }
-            }
-        }
-        return false;
-    }
-
-    // Whether the call at whose beginning the child stands names a file or directory whose name begins so.
-    bool names(const std::string &begin) const {
-        __ptrace_syscall_info call{};
-        ptrace(PTRACE_GET_SYSCALL_INFO, child_, sizeof call, &call);
-        switch (call.entry.nr) {
-        case SYS_openat:
-        case SYS_newfstatat:
-            return text_at(call.entry.args[1]).starts_with(begin);
-        case SYS_mkdir:
-            return text_at(call.entry.args[0]).starts_with(begin);
-        default:
-            return false;
-        }
-    }
-
-    void kill_now() {
-        if (running_) {
-            kill(child_, SIGKILL);
-            while (running_) {
-                wait();
-            }
-        }
-    }
-
-    int exit_code() const { return WIFEXITED(status_) ? WEXITSTATUS(status_) : -1; }
-
-private:
-    void wait() { running_ = waitpid(child_, &status_, 0) == child_ && WIFSTOPPED(status_); }
-
-    std::string text_at(std::uint64_t address) const {
-        std::string text;
-        for (; text.size() < 4096; address += sizeof(long)) {
-            errno = 0;
-            const long word = ptrace(PTRACE_PEEKDATA, child_, address, 0);
-            std::array<char, sizeof word> bytes{};
-            std::memcpy(bytes.data(), &word, sizeof word);
-            const std::size_t length = strnlen(bytes.data(), bytes.size());
-            text.append(bytes.data(), errno == 0 ? length : 0);
-            if (errno != 0 || length < bytes.size()) {
-                break;
-            }
-        }
-        return text;
-    }
-
-    pid_t child_ = -1;
-    int status_ = 0;
-    bool running_ = true;
-    bool inside_ = false;
-};
-
-class Crash : public testing::Test {
-public:
-    ~Crash() override { std::filesystem::remove_all(directory); }
-
+class Crash : public circle::RestoredExample {
 protected:
-    Crash() {
-        std::string name = (std::filesystem::temp_directory_path() / "crash-XXXXXX").string();
-        directory = mkdtemp(name.data());
-        ocpsm::line_system::create(client, directory / "template", ocpsm::line_system::example());
-        restore();
-    }
-
-    std::filesystem::path state() const { return directory / "system"; }
-
-    void restore() const {
-        std::filesystem::remove_all(state());
-        std::filesystem::copy(directory / "template", state());
-    }
-
     Words command(const Words &arguments) const {
         Words words = {OCPSM_PROGRAM};
         words.insert(words.end(), arguments.begin(), arguments.end());
@@ -153,28 +30,30 @@ protected:
         return words;
     }
 
-    // Everything that is stored. A writer can begin, too: the one that was killed does not hold it up.
-    Records records() const {
-        Records all;
-        const auto store = ocpsm::line_system::open(client, state());
-        const auto transaction = store->write();
-        for (std::size_t table = 0; table < sysdb::table_count; ++table) {
-            transaction->for_each(static_cast<sysdb::Table>(table), "",
-                                  [&](std::string_view key, std::string_view value) {
-                                      all[std::to_string(table) + " " + std::string(key)] = value;
-                                      return true;
-                                  });
-        }
-        ocpsm::line_system::load(*transaction);
-        return all;
+    // Runs it, as seen at each of its system calls.
+    static TracedProcess traced(const Words &command) {
+        return TracedProcess([&] {
+            std::vector<char *> arguments;
+            for (const std::string &word : command) {
+                arguments.push_back(const_cast<char *>(word.c_str())); // NOLINT(cppcoreguidelines-pro-type-const-cast)
+            }
+            arguments.push_back(nullptr);
+            // A leak check cannot be made under a tracer.
+            setenv("ASAN_OPTIONS", "detect_leaks=0:exitcode=99", 1);
+            dup2(open("/dev/null", O_WRONLY | O_CLOEXEC), STDOUT_FILENO);
+            return execv(arguments.front(), arguments.data());
+        });
     }
+
+    // Everything that is stored. A writer can begin, too: the one that was killed does not hold it up.
+    Records records() const { return circle::records(state()); }
 
     // Kills the command at the beginning of each of its system calls in turn, from the first that concerns the state
     // on. Crashes pile up on the same directory for as long as it stays as it was. Returns their number.
     int crash_everywhere(const Words &arguments) {
         const Records before = records();
         {
-            TracedChild whole(command(arguments));
+            TracedProcess whole = traced(command(arguments));
             while (whole.next_call()) {
             }
             EXPECT_EQ(whole.exit_code(), 0);
@@ -187,7 +66,7 @@ protected:
         int unchanged = 0;
         bool changed_once = false;
         for (bool ended = false; !ended && !HasFailure(); calls += ended ? 0 : 1) {
-            TracedChild child(command(arguments));
+            TracedProcess child = traced(command(arguments));
             ended = !stop_at_call(child, calls);
             child.kill_now();
             const Records now = records();
@@ -212,22 +91,14 @@ protected:
     }
 
     // Goes on to the call with this number, from 0, counted from the first that concerns the state on.
-    bool stop_at_call(TracedChild &child, int number) const {
+    bool stop_at_call(TracedProcess &child, int number) const {
         do {
             if (!child.next_call()) {
                 return false;
             }
         } while (!child.names(state().string()));
-        for (; number > 0; --number) {
-            if (!child.next_call()) {
-                return false;
-            }
-        }
-        return true;
+        return number == 0 || child.next_call(number - 1);
     }
-
-    const sysdb::Client client;
-    std::filesystem::path directory;
 };
 
 TEST_F(Crash, LeavesOneSettingAsItWasOrAsItIsToBe) {
@@ -285,13 +156,13 @@ TEST_P(CrashAtTheBeginning, LeavesNoLineSystemOrAWholeOne) {
     int without = 0;
     int with = 0;
     for (bool ended = false; !ended && !HasFailure();) {
-        TracedChild child(init);
+        TracedProcess child = traced(init);
         ended = !stop_at_call(child, without + with);
         child.kill_now();
         expect_owners_file();
-        if (std::filesystem::exists(state() / sysdb::store_file)) {
+        if (std::filesystem::exists(state() / store_file)) {
             EXPECT_EQ(records(), whole) << "killed at call " << without + with;
-            EXPECT_EQ(names(), std::vector<std::string>{sysdb::store_file});
+            EXPECT_EQ(names(), std::vector<std::string>{store_file});
             start_over();
             with += ended ? 0 : 1;
         } else {
