@@ -13,21 +13,18 @@
 
 namespace ocpsm {
 
-// For messages of failed tests.
-void PrintTo(const Finding &finding, std::ostream *out) {
-    *out << finding.path << " " << finding.problem;
-}
-
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr std::string_view prefix = "ymap_o2n_oc_opt_psm_openconfigtransportlineprotection_";
+const std::string prefix = "ymap_o2n_oc_opt_psm_openconfigtransportlineprotection_";
 constexpr char module[] = "/aps/aps-modules/aps-module";
+constexpr char attenuation[] = "/aps/aps-modules/aps-module/state/attenuation";
+constexpr char hold_off_time[] = "/aps/aps-modules/aps-module/state/hold-off-time";
 
-class Coverage : public testing::Test {
-protected:
+// A small model, and tables that agree with it.
+struct Tables {
     static AnswerRow written(std::string_view conversion, std::string_view path, std::string_view value) {
         return {conversion, path, "slot", "answer", value, "always", "added", "keep"};
     }
@@ -39,8 +36,8 @@ protected:
         {std::string(module) + "/name", NodeKind::leaf, true, true, ""},
         {std::string(module) + "/state", NodeKind::container, false, false, ""},
         {std::string(module) + "/state/revertive", NodeKind::leaf, false, false, ""},
-        {std::string(module) + "/state/attenuation", NodeKind::leaf, false, false, "dB"},
-        {std::string(module) + "/state/hold-off-time", NodeKind::leaf, false, false, "milliseconds"},
+        {attenuation, NodeKind::leaf, false, false, "dB"},
+        {hold_off_time, NodeKind::leaf, false, false, "milliseconds"},
     };
     std::vector<NodeRow> nodes = {
         {NodeKind::container, false, true, "a", "none", "aps", ""},
@@ -78,14 +75,10 @@ protected:
                                        .contains(std::string(model_name).append(":").append(path));
                                }});
     }
-
-    static Finding below_module(const std::string &path, const std::string &problem) {
-        return {std::string(module) + path, problem};
-    }
 };
 
-TEST_F(Coverage, AcceptsTablesThatAgreeWithTheModel) {
-    const CoverageResult result = check();
+TEST(Coverage, AcceptsTablesThatAgreeWithTheModel) {
+    const CoverageResult result = Tables().check();
     EXPECT_THAT(result.findings, IsEmpty());
     EXPECT_EQ(result.mapped, 6U);
     EXPECT_EQ(result.refused, 1U);
@@ -96,157 +89,132 @@ TEST_F(Coverage, AcceptsTablesThatAgreeWithTheModel) {
     EXPECT_EQ(result.native, 3U);
 }
 
-TEST_F(Coverage, NamesANodeThatIsInNoTable) {
-    nodes.erase(nodes.begin() + 5);
-    EXPECT_THAT(check().findings,
-                ElementsAre(below_module("/state/revertive", "is neither mapped nor refused nor listed as unsupported"),
-                            below_module("/state/revertive",
-                                         "is written by revertive_to_high but is not in the mapping table")));
-}
+// What is wrong in a place, and what is said of it, "module" standing for the path of the list.
+struct Wrong {
+    const char *what;
+    void (*change)(Tables &tables);
+    std::vector<std::string> findings;
+};
 
-TEST_F(Coverage, NamesANodeThatIsInBothTables) {
-    unsupported.push_back({"state/revertive", "by mistake"});
-    EXPECT_THAT(check().findings, ElementsAre(below_module("/state/revertive",
-                                                           "is listed as unsupported although the plug-in knows it")));
-}
+const std::string not_exported = ", which the plug-in does not export";
+const std::string native_prefix = "ymap_n2o_oc_opt_psm_nat_";
 
-TEST_F(Coverage, NamesARowThatIsNotInTheModel) {
-    nodes.push_back({NodeKind::leaf, false, false, "h", "e", "active-pth", ""});
-    EXPECT_THAT(check().findings,
-                ElementsAre(below_module("/state/active-pth", "is in the mapping table but not in the model")));
-}
+const std::vector<Wrong> wrongs = {
+    {"a node in no table",
+     [](Tables &tables) { tables.nodes.erase(tables.nodes.begin() + 5); },
+     {"module/state/revertive is neither mapped nor refused nor listed as unsupported",
+      "module/state/revertive is written by revertive_to_high but is not in the mapping table"}},
+    {"a node in both tables",
+     [](Tables &tables) {
+         tables.unsupported.push_back({"state/revertive", "by mistake"});
+     },
+     {"module/state/revertive is listed as unsupported although the plug-in knows it"}},
+    {"a row that is not in the model",
+     [](Tables &tables) {
+         tables.nodes.push_back({NodeKind::leaf, false, false, "h", "e", "active-pth", ""});
+     },
+     {"module/state/active-pth is in the mapping table but not in the model"}},
+    {"an unsupported node that is not in the model",
+     [](Tables &tables) {
+         tables.unsupported.push_back({"state/hold-of-time", "misspelt"});
+     },
+     {"module/state/hold-of-time is listed as unsupported but is not in the model"}},
+    {"rows that stand twice",
+     [](Tables &tables) {
+         tables.nodes.push_back({NodeKind::leaf, false, false, "h", "e", "attenuation", ""});
+         tables.unsupported.push_back(tables.unsupported.front());
+     },
+     {"module/state/attenuation is in the mapping table twice",
+      "module/state/hold-off-time is listed as unsupported twice"}},
+    {"a row below a parent that is not there",
+     [](Tables &tables) { tables.nodes.at(6).parent = "x"; },
+     {"module/state/attenuation is neither mapped nor refused nor listed as unsupported",
+      "/attenuation is in the mapping table but not in the model"}},
+    {"rows of another kind or access",
+     [](Tables &tables) {
+         tables.nodes.at(3).is_key = false;
+         tables.nodes.at(4).kind = NodeKind::list;
+         tables.nodes.at(5).is_configuration = true;
+     },
+     {"module/name is of another kind in the mapping table than in the model",
+      "module/state is of another kind in the mapping table than in the model",
+      "module/state/revertive is state in the model but not in the mapping table"}},
+    {"callbacks that are not exported",
+     [](Tables &tables) {
+         for (const char *name : {"b", "cont_a", "list_c", "leaf_g", "e_parse_augments"}) {
+             tables.missing_names.insert(prefix + name);
+         }
+         tables.missing_names.insert({"key_to_low", "revertive_to_low"});
+     },
+     {"/aps needs " + prefix + "cont_a" + not_exported, "/aps/aps-modules needs " + prefix + "b" + not_exported,
+      "module needs " + prefix + "list_c" + not_exported, "module/name needs key_to_low" + not_exported,
+      "module/state needs " + prefix + "e_parse_augments" + not_exported,
+      "module/state/revertive needs revertive_to_low" + not_exported,
+      "module/state/attenuation needs " + prefix + "leaf_g" + not_exported}},
+    {"a conversion without a row",
+     [](Tables &tables) { tables.conversions.clear(); },
+     {"module/state/revertive is converted by revertive_to_low, which writes no native leaf"}},
+    {"a native leaf that is in no native model",
+     [](Tables &tables) { tables.conversions.front().path = "/slots/slot/revert"; },
+     {"module/state/revertive is written to /slots/slot/revert, which native does not have"}},
 
-TEST_F(Coverage, NamesAnUnsupportedNodeThatIsNotInTheModel) {
-    unsupported.push_back({"state/hold-of-time", "misspelt"});
-    EXPECT_THAT(check().findings,
-                ElementsAre(below_module("/state/hold-of-time", "is listed as unsupported but is not in the model")));
-}
+    // ---- the way back ----
+    {"a leaf that no answer writes",
+     [](Tables &tables) { tables.answers.pop_back(); },
+     {"module/state is written by no answer conversion", "module/state/revertive is written by no answer conversion",
+      "native:/slots/slot/revertive is converted by revertive_to_high, which writes no OpenConfig leaf"}},
+    {"a list entry that no answer opens",
+     [](Tables &tables) { tables.answers.erase(tables.answers.begin()); },
+     {"module is written by no answer conversion"}},
+    {"a brother of a container is written, and does not count for it",
+     [](Tables &tables) { tables.answers.back().path = "/aps/aps-modules/aps-module/state-of-things/revertive"; },
+     {"module/state is written by no answer conversion", "module/state/revertive is written by no answer conversion",
+      "module/state-of-things/revertive is written by revertive_to_high but is not in the mapping table"}},
+    {"an answer to an unsupported node",
+     [](Tables &tables) { tables.answers.push_back(Tables::written("revertive_to_high", hold_off_time, "text")); },
+     {"module/state/hold-off-time is written by revertive_to_high but is not in the mapping table"}},
+    {"an answer to a refused leaf, which is accepted",
+     [](Tables &tables) { tables.answers.push_back(Tables::written("revertive_to_high", attenuation, "text")); },
+     {}},
+    {"an answer conversion that no native node calls",
+     [](Tables &tables) { tables.native.back().conversion = ""; },
+     {"module/state is written by no answer conversion", "module/state/revertive is written by no answer conversion",
+      "module/state/revertive is written by revertive_to_high, which no native node calls"}},
+    {"a native row that is not in its model",
+     [](Tables &tables) { tables.native.back().tag = "revert"; },
+     {"native:/slots/slot/revert is in the native tables but not in the native model"}},
+    {"a native row of another kind",
+     [](Tables &tables) { tables.native.front().kind = NativeKind::list; },
+     {"native:/slots is in the native tables but not in the native model"}},
+    {"a native row that stands twice",
+     [](Tables &tables) { tables.native.push_back(tables.native.back()); },
+     {"native:/slots/slot/revertive is in the native tables twice"}},
+    {"native functions that are not exported",
+     [](Tables &tables) {
+         for (const char *name : {"n", "cont_n", "o_parse_augments", "list_o", "leaf_p"}) {
+             tables.missing_names.insert(native_prefix + name);
+         }
+         tables.missing_names.insert("revertive_to_high");
+     },
+     {"native:/slots needs " + native_prefix + "n" + not_exported,
+      "native:/slots needs " + native_prefix + "cont_n" + not_exported,
+      "native:/slots/slot needs " + native_prefix + "o_parse_augments" + not_exported,
+      "native:/slots/slot needs " + native_prefix + "list_o" + not_exported,
+      "native:/slots/slot/revertive needs " + native_prefix + "leaf_p" + not_exported,
+      "native:/slots/slot/revertive needs revertive_to_high" + not_exported}},
+};
 
-TEST_F(Coverage, NamesRowsThatStandTwice) {
-    nodes.push_back({NodeKind::leaf, false, false, "h", "e", "attenuation", ""});
-    unsupported.push_back(unsupported.front());
-    EXPECT_THAT(check().findings, ElementsAre(below_module("/state/attenuation", "is in the mapping table twice"),
-                                              below_module("/state/hold-off-time", "is listed as unsupported twice")));
-}
-
-TEST_F(Coverage, NamesARowBelowAParentThatIsNotThere) {
-    nodes.at(6).parent = "x";
-    EXPECT_THAT(check().findings, ElementsAre(below_module("/state/attenuation",
-                                                           "is neither mapped nor refused nor listed as unsupported"),
-                                              Finding{"/attenuation", "is in the mapping table but not in the model"}));
-}
-
-TEST_F(Coverage, NamesARowOfAnotherKindOrAccess) {
-    nodes.at(3).is_key = false;
-    nodes.at(4).kind = NodeKind::list;
-    nodes.at(5).is_configuration = true;
-    EXPECT_THAT(check().findings,
-                ElementsAre(below_module("/name", "is of another kind in the mapping table than in the model"),
-                            below_module("/state", "is of another kind in the mapping table than in the model"),
-                            below_module("/state/revertive", "is state in the model but not in the mapping table")));
-}
-
-TEST_F(Coverage, NamesEveryCallbackThatIsNotExported) {
-    const std::string start(prefix);
-    missing_names = {start + "b",  start + "cont_a",  start + "list_c", start + "leaf_g", start + "e_parse_augments",
-                     "key_to_low", "revertive_to_low"};
-    const auto needs = [](const std::string &name) { return "needs " + name + ", which the plug-in does not export"; };
-    EXPECT_THAT(check().findings,
-                ElementsAre(Finding{"/aps", needs(start + "cont_a")}, Finding{"/aps/aps-modules", needs(start + "b")},
-                            below_module("", needs(start + "list_c")), below_module("/name", needs("key_to_low")),
-                            below_module("/state", needs(start + "e_parse_augments")),
-                            below_module("/state/revertive", needs("revertive_to_low")),
-                            below_module("/state/attenuation", needs(start + "leaf_g"))));
-}
-
-TEST_F(Coverage, NamesAConversionWithoutARow) {
-    conversions.clear();
-    EXPECT_THAT(check().findings,
-                ElementsAre(below_module("/state/revertive", "is converted by revertive_to_low, which writes no native "
-                                                             "leaf")));
-}
-
-TEST_F(Coverage, NamesANativeLeafThatIsInNoNativeModel) {
-    conversions.front().path = "/slots/slot/revert";
-    EXPECT_THAT(check().findings, ElementsAre(below_module("/state/revertive", "is written to /slots/slot/revert, "
-                                                                               "which native does not have")));
-}
-
-// ---- the way back ----
-
-TEST_F(Coverage, NamesALeafThatNoAnswerWrites) {
-    answers.pop_back();
-    EXPECT_THAT(check().findings,
-                ElementsAre(below_module("/state", "is written by no answer conversion"),
-                            below_module("/state/revertive", "is written by no answer conversion"),
-                            Finding{"native:/slots/slot/revertive",
-                                    "is converted by revertive_to_high, which writes no OpenConfig leaf"}));
-}
-
-TEST_F(Coverage, NamesAListEntryThatNoAnswerOpens) {
-    answers.erase(answers.begin());
-    EXPECT_THAT(check().findings, ElementsAre(below_module("", "is written by no answer conversion")));
-}
-
-TEST_F(Coverage, DoesNotCountWhatABrotherOfAContainerIsWritten) {
-    answers.back().path = "/aps/aps-modules/aps-module/state-of-things/revertive";
-    EXPECT_THAT(check().findings,
-                ElementsAre(below_module("/state", "is written by no answer conversion"),
-                            below_module("/state/revertive", "is written by no answer conversion"),
-                            below_module("/state-of-things/revertive",
-                                         "is written by revertive_to_high but is not in the mapping table")));
-}
-
-TEST_F(Coverage, NamesAnAnswerThatIsWrittenToAnUnsupportedNode) {
-    answers.push_back(written("revertive_to_high", "/aps/aps-modules/aps-module/state/hold-off-time", "text"));
-    EXPECT_THAT(check().findings,
-                ElementsAre(below_module("/state/hold-off-time",
-                                         "is written by revertive_to_high but is not in the mapping table")));
-}
-
-TEST_F(Coverage, AcceptsAnAnswerThatIsWrittenToARefusedLeaf) {
-    answers.push_back(written("revertive_to_high", "/aps/aps-modules/aps-module/state/attenuation", "text"));
-    EXPECT_THAT(check().findings, IsEmpty());
-}
-
-TEST_F(Coverage, NamesAnAnswerConversionThatNoNativeNodeCalls) {
-    native.back().conversion = "";
-    EXPECT_THAT(
-        check().findings,
-        ElementsAre(below_module("/state", "is written by no answer conversion"),
-                    below_module("/state/revertive", "is written by no answer conversion"),
-                    below_module("/state/revertive", "is written by revertive_to_high, which no native node calls")));
-}
-
-TEST_F(Coverage, NamesANativeRowThatIsNotInItsModel) {
-    native.back().tag = "revert";
-    EXPECT_THAT(check().findings, ElementsAre(Finding{"native:/slots/slot/revert",
-                                                      "is in the native tables but not in the native model"}));
-}
-
-TEST_F(Coverage, NamesANativeRowOfAnotherKind) {
-    native.front().kind = NativeKind::list;
-    EXPECT_THAT(check().findings,
-                ElementsAre(Finding{"native:/slots", "is in the native tables but not in the native model"}));
-}
-
-TEST_F(Coverage, NamesANativeRowThatStandsTwice) {
-    native.push_back(native.back());
-    EXPECT_THAT(check().findings,
-                ElementsAre(Finding{"native:/slots/slot/revertive", "is in the native tables twice"}));
-}
-
-TEST_F(Coverage, NamesEveryNativeFunctionThatIsNotExported) {
-    const std::string start = "ymap_n2o_oc_opt_psm_nat_";
-    missing_names = {start + "n",      start + "cont_n", start + "o_parse_augments",
-                     start + "list_o", start + "leaf_p", "revertive_to_high"};
-    const auto needs = [](const std::string &name) { return "needs " + name + ", which the plug-in does not export"; };
-    EXPECT_THAT(check().findings, ElementsAre(Finding{"native:/slots", needs(start + "n")},
-                                              Finding{"native:/slots", needs(start + "cont_n")},
-                                              Finding{"native:/slots/slot", needs(start + "o_parse_augments")},
-                                              Finding{"native:/slots/slot", needs(start + "list_o")},
-                                              Finding{"native:/slots/slot/revertive", needs(start + "leaf_p")},
-                                              Finding{"native:/slots/slot/revertive", needs("revertive_to_high")}));
+TEST(Coverage, NamesWhatIsWrong) {
+    for (const auto &[what, change, findings] : wrongs) {
+        Tables tables;
+        change(tables);
+        std::vector<std::string> found;
+        for (const auto &[path, problem] : tables.check().findings) {
+            const bool below = path.starts_with(module);
+            found.push_back((below ? "module" + path.substr(sizeof module - 1) : path) + " " + problem);
+        }
+        EXPECT_EQ(found, findings) << what;
+    }
 }
 
 TEST(AnswerTable, HasEveryNodeWithAWalker) {
