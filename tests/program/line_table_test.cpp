@@ -39,19 +39,6 @@ LineTable one_module() {
     return table;
 }
 
-TEST(LineTable, ShowsTheExampleInColumns) {
-    EXPECT_THAT(texts(view(line_system::example())),
-                ElementsAre("time 0.0 s", "", "              receive     switch      receive  transmit     transmit",
-                            "                power  threshold  attenuation     power  attenuation",
-                            "                  dBm        dBm           dB       dBm           dB  fibre", "",
-                            "0/1-PSM-OM  active path PRIMARY; reverts after 10.0 s",
-                            "* primary      -12.34     -25.00         2.50     -2.15         1.00  whole",
-                            "  secondary    -15.87     -28.00         1.50     -2.23         1.00  whole", "",
-                            "0/3-PSM-OM  active path SECONDARY; relative threshold 3.00 dB, offset 0.50 dB",
-                            "  primary      -40.00     -26.50         0.00     -2.51         0.00  cut",
-                            "* secondary    -16.59     -30.00         0.75     -2.48         0.00  whole"));
-}
-
 TEST(LineTable, ShowsWhatIsNotThereAsADash) {
     EXPECT_THAT(texts(one_module()),
                 ElementsAre("time 61.234 s", "", "              receive     switch      receive  transmit     transmit",
