@@ -2,15 +2,10 @@
 
 #include <array>
 #include <cstdlib>
-#include <functional>
 #include <stdexcept>
 #include <system_error>
 
-#include "framework/device.hpp"
-#include "framework/error.hpp"
 #include "simulator/database/client_library.hpp"
-#include "simulator/line_system/line_system_device.hpp"
-#include "simulator/line_system/operations.hpp"
 #include "simulator/line_system/storage.hpp"
 
 namespace circle {
@@ -18,10 +13,6 @@ namespace {
 
 namespace simulated = ocpsm::line_system;
 namespace sysdb = ocpsm::sysdb;
-
-simulated::Path path_of(Line line) {
-    return line == Line::primary ? simulated::Path::primary : simulated::Path::secondary;
-}
 
 std::filesystem::path make_directory() {
     for (const std::filesystem::path &parent :
@@ -34,32 +25,6 @@ std::filesystem::path make_directory() {
     throw std::runtime_error("no temporary directory");
 }
 
-// Makes the example, or opens what there is.
-template <class Transaction>
-class OwnedTransaction : public simulated::LineSystemDevice {
-public:
-    explicit OwnedTransaction(std::unique_ptr<Transaction> transaction)
-        : LineSystemDevice(*transaction), transaction_(std::move(transaction)) {}
-
-private:
-    std::unique_ptr<Transaction> transaction_;
-};
-
-class StoreDevice : public ocpsm::Device {
-public:
-    explicit StoreDevice(sysdb::Store &store) : store_(store) {}
-
-    std::unique_ptr<ocpsm::DeviceTransaction> read() override {
-        return std::make_unique<OwnedTransaction<sysdb::ReadTransaction>>(store_.read());
-    }
-    std::unique_ptr<ocpsm::DeviceTransaction> write() override {
-        return std::make_unique<OwnedTransaction<sysdb::WriteTransaction>>(store_.write());
-    }
-
-private:
-    sysdb::Store &store_;
-};
-
 } // namespace
 
 Directory::Directory() : path(make_directory()) {}
@@ -69,69 +34,24 @@ Directory::~Directory() {
     std::filesystem::remove_all(path, ignored);
 }
 
-struct LineSystem::Parts {
-    Parts()
-        : store(simulated::create(client, directory.path, simulated::example())),
-          service(PLUGIN, std::make_shared<StoreDevice>(*store)) {}
-
-    bool change(const std::function<simulated::LineSystem(const simulated::LineSystem &)> &how) const {
-        try {
-            simulated::change(*store, how);
-        } catch (const ocpsm::Error &) {
-            return false;
-        }
-        return true;
-    }
-
-    Directory directory;
-    sysdb::Client client;
-    std::unique_ptr<sysdb::Store> store;
-    ocpsm::Service service;
-};
-
-LineSystem::LineSystem() : parts_(std::make_unique<Parts>()) {}
-
-LineSystem::~LineSystem() = default;
-
-void LineSystem::become_example() {
-    parts_->change([](const auto &) { return simulated::example(); });
+// The service goes before the line system, and that before its directory.
+void LineSystem::begin(const std::vector<int> &slots) {
+    service_.reset();
+    system_.reset();
+    system_ = ocpsm::SimulatedLineSystem::make(directory_.emplace().path / "system", slots);
+    service_.emplace(PLUGIN, system_->device());
 }
 
 void LineSystem::become_bare(const std::vector<int> &slots) {
-    parts_->change([&](const auto &) { return simulated::with_modules(slots); });
-}
-
-const ocpsm::Service &LineSystem::service() const {
-    return parts_->service;
-}
-
-bool LineSystem::fit(int slot) {
-    return parts_->change([&](const auto &system) { return simulated::fit(system, slot); });
-}
-
-bool LineSystem::pull(int slot) {
-    return parts_->change([&](const auto &system) { return simulated::pull(system, slot); });
-}
-
-bool LineSystem::cut(int slot, Line line) {
-    return parts_->change([&](const auto &system) { return simulated::cut(system, slot, path_of(line)); });
-}
-
-bool LineSystem::splice(int slot, Line line) {
-    return parts_->change([&](const auto &system) { return simulated::splice(system, slot, path_of(line)); });
-}
-
-bool LineSystem::light(int slot, Line line, int hundredths_of_dbm) {
-    return parts_->change(
-        [&](const auto &system) { return simulated::light(system, slot, path_of(line), hundredths_of_dbm); });
-}
-
-bool LineSystem::tick(std::uint32_t milliseconds) {
-    return parts_->change([&](const auto &system) { return simulated::tick(system, milliseconds); });
+    begin({});
+    for (const int slot : slots) {
+        fit(slot);
+    }
 }
 
 void LineSystem::lose_inventory(int slot) {
-    const auto transaction = parts_->store->write();
+    const auto store = simulated::open(sysdb::Client(), directory_->path / "system");
+    const auto transaction = store->write();
     const std::string item = "/oper/inventory/gl/entity/0%2f" + std::to_string(slot) + "-PSM-OM/";
     if (transaction->erase_all(sysdb::Table::items, item) != 1) {
         throw std::logic_error("there is no " + item);
@@ -140,7 +60,7 @@ void LineSystem::lose_inventory(int slot) {
 }
 
 void make_example(const std::filesystem::path &directory) {
-    simulated::create(sysdb::Client(), directory, simulated::example());
+    ocpsm::SimulatedLineSystem::make(directory);
 }
 
 Records records(const std::filesystem::path &directory) {
@@ -158,8 +78,7 @@ Records records(const std::filesystem::path &directory) {
 }
 
 ocpsm::EditResult edit_in(const std::filesystem::path &directory, const ocpsm::Edit &edit) {
-    const auto opened = simulated::open(sysdb::Client(), directory);
-    return ocpsm::Service(PLUGIN, std::make_shared<StoreDevice>(*opened)).edit(edit);
+    return ocpsm::Service(PLUGIN, ocpsm::SimulatedLineSystem::open(directory).device()).edit(edit);
 }
 
 ocpsm::Service service_without_database() {

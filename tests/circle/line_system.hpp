@@ -5,15 +5,17 @@
 #include <cstdint>
 #include <filesystem>
 #include <map>
-#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "framework/error.hpp"
 #include "framework/service.hpp"
+#include "simulator/line_system.hpp"
 
 namespace circle {
 
-enum class Line { primary, secondary };
+using ocpsm::Line;
 
 // Everything that a line system's store holds, by table and key.
 using Records = std::map<std::string, std::string>;
@@ -31,31 +33,53 @@ struct Directory {
 // In a directory of its own; one at a time in a process.
 class LineSystem {
 public:
-    LineSystem(); // the example
-    LineSystem(const LineSystem &) = delete;
-    LineSystem &operator=(const LineSystem &) = delete;
-    ~LineSystem();
+    LineSystem() { become_example(); }
 
     // Begins anew: as the example, and with modules in these slots, fitted at the time 0, without any setting.
-    void become_example();
+    void become_example() { begin(ocpsm::SimulatedLineSystem::example_slots()); }
     void become_bare(const std::vector<int> &slots);
 
-    const ocpsm::Service &service() const;
+    const ocpsm::Service &service() const { return *service_; }
 
     // False for what is refused.
-    bool fit(int slot);
-    bool pull(int slot);
-    bool cut(int slot, Line line);
-    bool splice(int slot, Line line);
-    bool light(int slot, Line line, int hundredths_of_dbm);
-    bool tick(std::uint32_t milliseconds);
+    bool fit(int slot) {
+        return is_done([&] { system_->fit(slot); });
+    }
+    bool pull(int slot) {
+        return is_done([&] { system_->pull(slot); });
+    }
+    bool cut(int slot, Line line) {
+        return is_done([&] { system_->cut(slot, line); });
+    }
+    bool splice(int slot, Line line) {
+        return is_done([&] { system_->splice(slot, line); });
+    }
+    bool light(int slot, Line line, int hundredths_of_dbm) {
+        return is_done([&] { system_->light(slot, line, hundredths_of_dbm); });
+    }
+    bool tick(std::uint32_t milliseconds) {
+        return is_done([&] { system_->tick(milliseconds); });
+    }
 
     // Takes a module's inventory out of the system database, and nothing else.
     void lose_inventory(int slot);
 
 private:
-    struct Parts;
-    std::unique_ptr<Parts> parts_;
+    void begin(const std::vector<int> &slots);
+
+    template <class Operation>
+    static bool is_done(Operation operation) {
+        try {
+            operation();
+        } catch (const ocpsm::Error &) {
+            return false;
+        }
+        return true;
+    }
+
+    std::optional<Directory> directory_;
+    std::optional<ocpsm::SimulatedLineSystem> system_;
+    std::optional<ocpsm::Service> service_;
 };
 
 // Makes the example in a directory that is not there.
