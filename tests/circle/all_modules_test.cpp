@@ -1,166 +1,35 @@
-// Reads of all modules, whole: every value of the answers worked out by hand from the numbers of the example (its
-// slots in simulator/line_system/line_system.cpp, hundredths there and in the comments here), and the native requests
-// that these reads become.
+// Reads of all modules, whole, and the native requests that these reads become.
 #include <cstdlib>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "answers.hpp"
+#include "example_answers.hpp"
 #include "line_system.hpp"
 
 namespace {
 
+using circle::configuration;
+using circle::first_answer;
 using circle::Lines;
 using circle::lines_of;
 using circle::LineSystem;
+using circle::third_answer;
 using ocpsm::Kind;
 
 const std::string all_modules = R"({"openconfig-transport-line-protection:aps": [null]})";
 
-// ---- what the example holds ----
-
-const Lines first{
-    "1/name = 0/1-PSM-OM",
-    "1/config/name = 0/1-PSM-OM",
-    "1/config/revertive = true",
-    "1/config/wait-to-restore-time = 10000",
-    "1/config/primary-switch-threshold = -25.0",   // low threshold of the primary line: -250 tenths
-    "1/config/primary-switch-hysteresis = 1.0",    // its margin: 10 tenths
-    "1/config/secondary-switch-threshold = -28.0", // low threshold of the secondary line: -280 tenths
-    "1/config/relative-switch-threshold = 0.0",
-    "1/config/relative-switch-threshold-offset = 0.0",
-    "1/config/force-to-port = NONE", // lock-out from neither line, the empty text
-    "1/state/name = 0/1-PSM-OM",
-    "1/state/revertive = true",
-    "1/state/wait-to-restore-time = 10000",
-    "1/state/primary-switch-threshold = -25.0",
-    "1/state/primary-switch-hysteresis = 1.0",
-    "1/state/secondary-switch-threshold = -28.0",
-    "1/state/relative-switch-threshold = 0.0",
-    "1/state/relative-switch-threshold-offset = 0.0",
-    "1/state/force-to-port = NONE",
-    "1/state/active-path = openconfig-transport-line-protection:PRIMARY", // where a module begins
-    "1/ports/line-primary-in/config/target-attenuation = 2.5",            // 25 tenths
-    "1/ports/line-primary-in/state/target-attenuation = 2.5",
-    "1/ports/line-primary-in/state/attenuation = 2.5",              // 250
-    "1/ports/line-primary-in/state/optical-power/instant = -12.34", // what the whole fibre delivers: -1234
-    "1/ports/line-primary-in/state/optical-power/avg = -12.3",      // history of port 1, received: -1230
-    "1/ports/line-primary-in/state/optical-power/min = -12.51",
-    "1/ports/line-primary-in/state/optical-power/max = -12.18",
-    "1/ports/line-primary-out/config/target-attenuation = 1.0", // 10 tenths
-    "1/ports/line-primary-out/state/target-attenuation = 1.0",
-    "1/ports/line-primary-out/state/attenuation = 1.0",             // 100
-    "1/ports/line-primary-out/state/optical-power/instant = -2.15", // client 105 - 100, offset -220: -215
-    "1/ports/line-primary-out/state/optical-power/avg = -2.14",     // history of port 1, transmitted: -214
-    "1/ports/line-primary-out/state/optical-power/min = -2.2",
-    "1/ports/line-primary-out/state/optical-power/max = -2.09",
-    "1/ports/line-secondary-in/config/target-attenuation = 1.5", // 15 tenths
-    "1/ports/line-secondary-in/state/target-attenuation = 1.5",
-    "1/ports/line-secondary-in/state/attenuation = 1.5",              // 150
-    "1/ports/line-secondary-in/state/optical-power/instant = -15.87", // fibre: -1587
-    "1/ports/line-secondary-in/state/optical-power/avg = -15.9",      // history of port 2, received: -1590
-    "1/ports/line-secondary-in/state/optical-power/min = -16.12",
-    "1/ports/line-secondary-in/state/optical-power/max = -15.77",
-    "1/ports/line-secondary-out/config/target-attenuation = 1.0", // 10 tenths
-    "1/ports/line-secondary-out/state/target-attenuation = 1.0",
-    "1/ports/line-secondary-out/state/attenuation = 1.0",             // 100
-    "1/ports/line-secondary-out/state/optical-power/instant = -2.23", // client 105 - 100, offset -228: -223
-    "1/ports/line-secondary-out/state/optical-power/avg = -2.22",     // history of port 2, transmitted: -222
-    "1/ports/line-secondary-out/state/optical-power/min = -2.31",
-    "1/ports/line-secondary-out/state/optical-power/max = -2.17",
-    "1/ports/common-output/state/optical-power/instant = -14.82", // primary -1234 - 250, offset 2: -1482
-    "1/ports/common-output/state/optical-power/avg = -14.8",      // history of port 0, transmitted: -1480
-    "1/ports/common-output/state/optical-power/min = -14.95",
-    "1/ports/common-output/state/optical-power/max = -14.71",
-};
-
 // A module that has just been fitted into an unused slot: nothing is set, its attenuators are open, no interval has
 // passed. Its slot's client sends 100, its fibres deliver -1250 and -1450; the offsets are -30, -340, -340.
-const Lines second{
-    "2/name = 0/2-PSM-OM",
-    "2/config/name = 0/2-PSM-OM",
-    "2/state/name = 0/2-PSM-OM",
-    "2/state/active-path = openconfig-transport-line-protection:PRIMARY",
-    "2/ports/line-primary-in/state/attenuation = 0.0",
-    "2/ports/line-primary-in/state/optical-power/instant = -12.5",
-    "2/ports/line-primary-out/state/attenuation = 0.0",
-    "2/ports/line-primary-out/state/optical-power/instant = -2.4", // 100, offset -340: -240
-    "2/ports/line-secondary-in/state/attenuation = 0.0",
-    "2/ports/line-secondary-in/state/optical-power/instant = -14.5",
-    "2/ports/line-secondary-out/state/attenuation = 0.0",
-    "2/ports/line-secondary-out/state/optical-power/instant = -2.4", // 100, offset -340: -240
-    "2/ports/common-output/state/optical-power/instant = -12.8",     // primary -1250, offset -30: -1280
-};
-
-const Lines third{
-    "3/name = 0/3-PSM-OM",
-    "3/config/name = 0/3-PSM-OM",
-    "3/config/revertive = false",
-    "3/config/wait-to-restore-time = 300000",
-    "3/config/primary-switch-threshold = -26.5",       // -265 tenths
-    "3/config/primary-switch-hysteresis = 1.5",        // 15 tenths
-    "3/config/secondary-switch-threshold = -30.0",     // -300 tenths
-    "3/config/relative-switch-threshold = 3.0",        // 30 tenths
-    "3/config/relative-switch-threshold-offset = 0.5", // 5 tenths
-    "3/config/force-to-port = NONE",
-    "3/state/name = 0/3-PSM-OM",
-    "3/state/revertive = false",
-    "3/state/wait-to-restore-time = 300000",
-    "3/state/primary-switch-threshold = -26.5",
-    "3/state/primary-switch-hysteresis = 1.5",
-    "3/state/secondary-switch-threshold = -30.0",
-    "3/state/relative-switch-threshold = 3.0",
-    "3/state/relative-switch-threshold-offset = 0.5",
-    "3/state/force-to-port = NONE",
-    "3/state/active-path = openconfig-transport-line-protection:SECONDARY",
-    "3/ports/line-primary-in/config/target-attenuation = 0.0", // set to 0, so it is answered
-    "3/ports/line-primary-in/state/target-attenuation = 0.0",
-    "3/ports/line-primary-in/state/attenuation = 0.0",
-    "3/ports/line-primary-in/state/optical-power/instant = -40.0", // the fibre is cut: dark
-    "3/ports/line-primary-in/state/optical-power/avg = -40.0",     // history of port 1, received: dark
-    "3/ports/line-primary-in/state/optical-power/min = -40.0",
-    "3/ports/line-primary-in/state/optical-power/max = -40.0",
-    "3/ports/line-primary-out/config/target-attenuation = 0.0",
-    "3/ports/line-primary-out/state/target-attenuation = 0.0",
-    "3/ports/line-primary-out/state/attenuation = 0.0",
-    "3/ports/line-primary-out/state/optical-power/instant = -2.51", // client 88 - 0, offset -339: -251
-    "3/ports/line-primary-out/state/optical-power/avg = -2.5",      // history of port 1, transmitted: -250
-    "3/ports/line-primary-out/state/optical-power/min = -2.56",
-    "3/ports/line-primary-out/state/optical-power/max = -2.44",
-    "3/ports/line-secondary-in/config/target-attenuation = 0.8", // set to 8 tenths,
-    "3/ports/line-secondary-in/state/target-attenuation = 0.8",
-    "3/ports/line-secondary-in/state/attenuation = 0.75",             // came to rest at 75
-    "3/ports/line-secondary-in/state/optical-power/instant = -16.59", // fibre: -1659
-    "3/ports/line-secondary-in/state/optical-power/avg = -16.61",     // history of port 2, received: -1661
-    "3/ports/line-secondary-in/state/optical-power/min = -16.83",
-    "3/ports/line-secondary-in/state/optical-power/max = -16.4",
-    "3/ports/line-secondary-out/config/target-attenuation = 0.0",
-    "3/ports/line-secondary-out/state/target-attenuation = 0.0",
-    "3/ports/line-secondary-out/state/attenuation = 0.0",
-    "3/ports/line-secondary-out/state/optical-power/instant = -2.48", // client 88 - 0, offset -336: -248
-    "3/ports/line-secondary-out/state/optical-power/avg = -2.47",     // history of port 2, transmitted: -247
-    "3/ports/line-secondary-out/state/optical-power/min = -2.55",
-    "3/ports/line-secondary-out/state/optical-power/max = -2.4",
-    "3/ports/common-output/state/optical-power/instant = -17.61", // secondary -1659 - 75, offset -27: -1761
-    "3/ports/common-output/state/optical-power/avg = -17.6",      // history of port 0, transmitted: -1760
-    "3/ports/common-output/state/optical-power/min = -17.74",
-    "3/ports/common-output/state/optical-power/max = -17.52",
-};
-
-// Those of its lines that stand in config, and the name.
-Lines configuration(const Lines &module) {
-    Lines lines;
-    for (const std::string &line : module) {
-        if (line.find("/state/") == std::string::npos) {
-            lines.push_back(line);
-        }
-    }
-    return lines;
-}
+const Lines second_answer = circle::module_answer("2", {}, "PRIMARY",
+                                                  {{"line-primary-in", "", "0.0", "-12.5"},
+                                                   {"line-primary-out", "", "0.0", "-2.4"}, // 100, offset -340: -240
+                                                   {"line-secondary-in", "", "0.0", "-14.5"},
+                                                   {"line-secondary-out", "", "0.0", "-2.4"}, // 100, offset -340: -240
+                                                   {"common-output", "", "", "-12.8"}}); // -1250, offset -30: -1280
 
 Lines joined(const std::vector<Lines> &parts) {
     Lines all;
@@ -208,41 +77,35 @@ const std::string instance =
     "/optics-second30-optics-time-line-instances/optics-second30-optics-time-line-instance[number='1']";
 
 // The requests that a read of everything becomes when it finds these controllers: each is named in every list that is
-// kept by controller, and the slots are asked for without their number, for all there are.
+// kept by controller, and the slots are asked for without their number, for all there are. Without any controller,
+// nothing but the last instance of the history has a key.
 Lines native_read(const Lines &controllers) {
     Lines lines;
+    const bool keys = !controllers.empty();
     const auto select = [&](const std::string &entry, const Lines &leaves) {
         for (const std::string &leaf : leaves) {
             lines.push_back(entry + leaf);
         }
     };
-    for (const std::string &name : controllers) {
-        select(interface + "[active='act'][interface-name='" + name + "']", settings_of_a_line);
-    }
-    select("/active-nodes/active-node[node-name='0/RP0/CPU0']/slot", settings_of_a_slot);
-    for (const std::string &name : controllers) {
-        select(port + "[name='" + name + "']", readings_of_a_port);
-    }
-    for (const std::string &name : controllers) {
-        select(port_history + "[name='" + name + "']" + history + "[number='1']" + instance, statistics);
-    }
+    const auto select_each = [&](const auto &entry_of, const Lines &leaves) {
+        for (const std::string &name : keys ? controllers : Lines{""}) {
+            select(entry_of(name), leaves);
+        }
+    };
+    const auto named = [&](const std::string &name) { return keys ? "[name='" + name + "']" : ""; };
+    select_each(
+        [&](const auto &name) { return interface + (keys ? "[active='act'][interface-name='" + name + "']" : ""); },
+        settings_of_a_line);
+    select(keys ? "/active-nodes/active-node[node-name='0/RP0/CPU0']/slot" : "/active-nodes/active-node/slot",
+           settings_of_a_slot);
+    select_each([&](const auto &name) { return port + named(name); }, readings_of_a_port);
+    select_each(
+        [&](const auto &name) {
+            return port_history + named(name) + history + (keys ? "[number='1']" : "") + instance;
+        },
+        statistics);
     return lines;
 }
-
-// Without any, nothing but the last instance of the history has a key.
-const Lines native_read_of_everything = [] {
-    Lines lines;
-    for (const auto &[entry, leaves] :
-         std::vector<std::pair<std::string, Lines>>{{interface, settings_of_a_line},
-                                                    {"/active-nodes/active-node/slot", settings_of_a_slot},
-                                                    {port, readings_of_a_port},
-                                                    {port_history + history + instance, statistics}}) {
-        for (const std::string &leaf : leaves) {
-            lines.push_back(entry + leaf);
-        }
-    }
-    return lines;
-}();
 
 // The native paths of a read that becomes one request.
 Lines translated(const ocpsm::Service &service, Kind kind) {
@@ -275,16 +138,17 @@ protected:
 };
 
 TEST_F(AllModules, OfTheExample) {
-    EXPECT_EQ(answered(Kind::get), joined({first, third}));
-    EXPECT_EQ(answered(Kind::get_config), joined({configuration(first), configuration(third)}));
+    EXPECT_EQ(answered(Kind::get), joined({first_answer, third_answer}));
+    EXPECT_EQ(answered(Kind::get_config), joined({configuration(first_answer), configuration(third_answer)}));
     EXPECT_EQ(translated(system.service(), Kind::get),
               native_read({"Ots0/1/0/1", "Ots0/1/0/2", "Ots0/3/0/1", "Ots0/3/0/2"}));
 }
 
 TEST_F(AllModules, WithOneInEverySlot) {
     ASSERT_TRUE(system.fit(2));
-    EXPECT_EQ(answered(Kind::get), joined({first, second, third}));
-    EXPECT_EQ(answered(Kind::get_config), joined({configuration(first), configuration(second), configuration(third)}));
+    EXPECT_EQ(answered(Kind::get), joined({first_answer, second_answer, third_answer}));
+    EXPECT_EQ(answered(Kind::get_config),
+              joined({configuration(first_answer), configuration(second_answer), configuration(third_answer)}));
     EXPECT_EQ(translated(system.service(), Kind::get),
               native_read({"Ots0/1/0/1", "Ots0/1/0/2", "Ots0/2/0/1", "Ots0/2/0/2", "Ots0/3/0/1", "Ots0/3/0/2"}));
 }
@@ -293,15 +157,15 @@ TEST_F(AllModules, WithOneInEverySlot) {
 // and what is answered of its slot has no module to go to.
 TEST_F(AllModules, WithoutTheInventoryOfTheFirst) {
     system.lose_inventory(1);
-    EXPECT_EQ(answered(Kind::get), third);
-    EXPECT_EQ(answered(Kind::get_config), configuration(third));
+    EXPECT_EQ(answered(Kind::get), third_answer);
+    EXPECT_EQ(answered(Kind::get_config), configuration(third_answer));
     EXPECT_EQ(translated(system.service(), Kind::get), native_read({"Ots0/3/0/1", "Ots0/3/0/2"}));
 }
 
 TEST_F(AllModules, WithoutTheInventoryOfTheThird) {
     system.lose_inventory(3);
-    EXPECT_EQ(answered(Kind::get), first);
-    EXPECT_EQ(answered(Kind::get_config), configuration(first));
+    EXPECT_EQ(answered(Kind::get), first_answer);
+    EXPECT_EQ(answered(Kind::get_config), configuration(first_answer));
     EXPECT_EQ(translated(system.service(), Kind::get), native_read({"Ots0/1/0/1", "Ots0/1/0/2"}));
 }
 
@@ -310,7 +174,7 @@ TEST_F(AllModules, WithoutAnyInventory) {
     system.lose_inventory(3);
     EXPECT_THAT(answered(Kind::get), testing::IsEmpty());
     EXPECT_THAT(answered(Kind::get_config), testing::IsEmpty());
-    EXPECT_EQ(translated(system.service(), Kind::get), native_read_of_everything);
+    EXPECT_EQ(translated(system.service(), Kind::get), native_read({}));
 }
 
 // In a process of its own: where a client has been loaded, it stays.
@@ -318,7 +182,7 @@ TEST(AllModulesDeathTest, WithoutADatabase) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const auto in_a_process_of_its_own = [] {
         const ocpsm::Service service = circle::service_without_database();
-        EXPECT_EQ(translated(service, Kind::get), native_read_of_everything);
+        EXPECT_EQ(translated(service, Kind::get), native_read({}));
         std::exit(testing::Test::HasFailure() ? 1 : 0);
     };
     EXPECT_EXIT(in_a_process_of_its_own(), testing::ExitedWithCode(0), "");
