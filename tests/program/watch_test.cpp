@@ -1,7 +1,7 @@
 // Watching a line system in a terminal. The build names the program's file, OCPSM_PROGRAM.
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "pseudo_terminal.hpp"
+#include "sysdb/temporary_directory.hpp"
 
 namespace {
 
@@ -19,17 +20,10 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 
 class Watch : public testing::Test {
-public:
-    ~Watch() override { std::filesystem::remove_all(directory); }
-
 protected:
-    Watch() {
-        std::string name = (std::filesystem::temp_directory_path() / "watch-XXXXXX").string();
-        directory = mkdtemp(name.data());
-        run("device init");
-    }
+    Watch() { run("device init"); }
 
-    std::string state() const { return directory + "/system"; }
+    std::string state() const { return (directory.path / "system").string(); }
     static std::string program() { return OCPSM_PROGRAM; }
 
     // What a command prints on both streams, and its exit code in a last line when it is not 0.
@@ -47,12 +41,25 @@ protected:
     std::vector<std::string> command() const { return {program(), "watch", "--state", state()}; }
 
     static bool shows(const Screen &screen, const std::string &text) {
-        for (const std::string &row : screen.rows()) {
-            if (row.find(text) != std::string::npos) {
-                return true;
-            }
-        }
-        return false;
+        return testing::Matches(testing::Contains(HasSubstr(text)))(screen.rows());
+    }
+
+    // Whether all of these are to be seen together, now or soon.
+    static bool sees(TerminalChild &child, const std::vector<std::string> &texts) {
+        return child.wait_until([&](const Screen &screen) {
+            return std::all_of(texts.begin(), texts.end(), [&](const auto &text) { return shows(screen, text); });
+        });
+    }
+    static bool sees_highlighted(TerminalChild &child, const std::string &row) {
+        return child.wait_until([&](const Screen &screen) { return screen.highlighted() == std::vector{row}; });
+    }
+    static bool has_printed(TerminalChild &child, const std::string &text) {
+        return child.wait_until([&](const Screen &) { return child.output().find(text) != std::string::npos; });
+    }
+
+    static void quit(TerminalChild &child) {
+        child.type("q");
+        EXPECT_EQ(child.wait_for_end(), 0);
     }
 
     // The terminal is as it was before: neither the screen nor a setting is left changed.
@@ -67,13 +74,13 @@ protected:
         EXPECT_TRUE(child.screen().cursor_shown());
     }
 
-    std::string directory;
+    const TemporaryDirectory directory;
 };
 
 // All of the screen but the time, which runs.
 TEST_F(Watch, ShowsTheTableAndTheKeys) {
     TerminalChild child(command());
-    ASSERT_TRUE(child.wait_until([](const Screen &screen) { return shows(screen, "q quit"); }));
+    ASSERT_TRUE(sees(child, {"q quit"}));
     EXPECT_TRUE(child.screen().alternate());
     EXPECT_FALSE(child.screen().cursor_shown());
     std::vector<std::string> rows = child.screen().rows();
@@ -96,52 +103,40 @@ TEST_F(Watch, ShowsTheTableAndTheKeys) {
 
 TEST_F(Watch, LetsTimePassAndTheSwitchAct) {
     TerminalChild child(command());
-    ASSERT_TRUE(child.wait_until([](const Screen &screen) { return shows(screen, "time 0.3 s"); }));
+    ASSERT_TRUE(sees(child, {"time 0.3 s"}));
     child.type("c");
-    ASSERT_TRUE(child.wait_until([](const Screen &screen) {
-        return shows(screen, "0/1-PSM-OM  active path SECONDARY; reverts after 10.0 s") &&
-               shows(screen, "  primary      -40.00     -25.00         2.50     -2.15         1.00  cut") &&
-               shows(screen, "* secondary    -15.87");
-    }));
+    ASSERT_TRUE(sees(child, {"0/1-PSM-OM  active path SECONDARY; reverts after 10.0 s",
+                             "  primary      -40.00     -25.00         2.50     -2.15         1.00  cut",
+                             "* secondary    -15.87"}));
     child.type("s");
-    ASSERT_TRUE(child.wait_until([](const Screen &screen) { return shows(screen, "reverts in "); }));
-    EXPECT_TRUE(
-        child.wait_until([](const Screen &screen) { return shows(screen, "0/1-PSM-OM  active path PRIMARY"); }));
-    child.type("q");
-    EXPECT_EQ(child.wait_for_end(), 0);
+    ASSERT_TRUE(sees(child, {"reverts in "}));
+    EXPECT_TRUE(sees(child, {"0/1-PSM-OM  active path PRIMARY"}));
+    quit(child);
     EXPECT_THAT(run("get '/aps/aps-modules/aps-module[name=0/1-PSM-OM]/state/active-path'"), HasSubstr(":PRIMARY"));
 }
 
 TEST_F(Watch, CutsAndSplicesTheChosenLine) {
     TerminalChild child(command());
-    ASSERT_TRUE(child.wait_until([](const Screen &screen) { return shows(screen, "q quit"); }));
+    ASSERT_TRUE(sees(child, {"q quit"}));
     child.type("\x1bOB\x1bOBs"); // down, down
-    ASSERT_TRUE(child.wait_until([](const Screen &screen) {
-        return screen.highlighted() ==
-               std::vector<std::string>{"  primary      -16.12     -26.50         0.00     -2.51         0.00  whole"};
-    }));
+    ASSERT_TRUE(sees_highlighted(child, "  primary      -16.12     -26.50         0.00     -2.51         0.00  whole"));
     child.type("\x1bOA"); // up
     child.type("c");
-    ASSERT_TRUE(child.wait_until([](const Screen &screen) {
-        return screen.highlighted() ==
-               std::vector<std::string>{"  secondary    -40.00     -28.00         1.50     -2.23         1.00  cut"};
-    }));
+    ASSERT_TRUE(sees_highlighted(child, "  secondary    -40.00     -28.00         1.50     -2.23         1.00  cut"));
     // What another process does is seen too, and a key for a module that has gone meanwhile does no harm.
     EXPECT_EQ(run("device pull 1"), "slot 1 is empty\n");
     child.type("c");
     EXPECT_TRUE(child.wait_until([](const Screen &screen) { return !shows(screen, "0/1-PSM-OM"); }));
     child.type("x");
-    child.type("q");
-    EXPECT_EQ(child.wait_for_end(), 0);
+    quit(child);
 }
 
 TEST_F(Watch, LeavesTheTerminalAsItWasWhenTheUserQuits) {
     TerminalChild child(command());
     const termios before = child.settings();
-    ASSERT_TRUE(child.wait_until([](const Screen &screen) { return shows(screen, "q quit"); }));
+    ASSERT_TRUE(sees(child, {"q quit"}));
     EXPECT_NE(child.settings().c_lflag, before.c_lflag);
-    child.type("q");
-    EXPECT_EQ(child.wait_for_end(), 0);
+    quit(child);
     expect_untouched(child, before);
 }
 
@@ -150,7 +145,7 @@ class WatchSignal : public Watch, public testing::WithParamInterface<int> {};
 TEST_P(WatchSignal, LeavesTheTerminalAsItWasAndEndsByTheSignal) {
     TerminalChild child(command());
     const termios before = child.settings();
-    ASSERT_TRUE(child.wait_until([](const Screen &screen) { return shows(screen, "q quit"); }));
+    ASSERT_TRUE(sees(child, {"q quit"}));
     child.send(GetParam());
     const int status = child.wait_for_end();
     ASSERT_TRUE(WIFSIGNALED(status));
@@ -165,7 +160,7 @@ INSTANTIATE_TEST_SUITE_P(Signals, WatchSignal, testing::Values(SIGTERM, SIGINT, 
 TEST_F(Watch, EndsWithCtrlC) {
     TerminalChild child(command());
     const termios before = child.settings();
-    ASSERT_TRUE(child.wait_until([](const Screen &screen) { return shows(screen, "q quit"); }));
+    ASSERT_TRUE(sees(child, {"q quit"}));
     child.type("\x03");
     const int status = child.wait_for_end();
     ASSERT_TRUE(WIFSIGNALED(status));
@@ -175,7 +170,7 @@ TEST_F(Watch, EndsWithCtrlC) {
 
 TEST_F(Watch, FollowsTheSizeOfTheTerminal) {
     TerminalChild child(command());
-    ASSERT_TRUE(child.wait_until([](const Screen &screen) { return shows(screen, "q quit"); }));
+    ASSERT_TRUE(sees(child, {"q quit"}));
     child.resize(10, 40);
     EXPECT_TRUE(child.wait_until([](const Screen &screen) {
         return screen.rows().front() == "too small: this needs 75 columns and 16 " ||
@@ -186,13 +181,12 @@ TEST_F(Watch, FollowsTheSizeOfTheTerminal) {
     EXPECT_TRUE(child.wait_until([](const Screen &screen) {
         return shows(screen, "* secondary    -16.59") && shows(screen, "q quit") && !shows(screen, "too small");
     }));
-    child.type("q");
-    EXPECT_EQ(child.wait_for_end(), 0);
+    quit(child);
 }
 
 TEST_F(Watch, LetsOneProcessMoveTheTime) {
     TerminalChild child(command());
-    ASSERT_TRUE(child.wait_until([](const Screen &screen) { return shows(screen, "time 0.1 s"); }));
+    ASSERT_TRUE(sees(child, {"time 0.1 s"}));
     const std::string refused =
         "ocpsm: error: in-use: the time of the line system in " + state() + " is being moved already by process ";
     const std::string advice = "; end that ocpsm watch or ocpsm device tick first\n[1]";
@@ -209,8 +203,7 @@ TEST_F(Watch, LetsOneProcessMoveTheTime) {
 
     // Edits and cuts go on all the while.
     EXPECT_EQ(run("device cut 1 secondary"), "slot 1: the secondary fibre is cut\n");
-    EXPECT_TRUE(
-        child.wait_until([](const Screen &screen) { return shows(screen, "  secondary    -40.00     -28.00"); }));
+    EXPECT_TRUE(sees(child, {"  secondary    -40.00     -28.00"}));
 }
 
 // Stopped by the job control of a shell, it leaves the terminal and the time to others until it goes on.
@@ -218,11 +211,11 @@ TEST_F(Watch, LeavesTheTimeToOthersWhileItIsStopped) {
     const std::string in_use = "ocpsm: error: in-use: ";
     TerminalChild shell({"/bin/bash", "--norc", "--noprofile", "-i"});
     shell.type("'" + program() + "' watch --state '" + state() + "'\n");
-    ASSERT_TRUE(shell.wait_until([](const Screen &screen) { return shows(screen, "time 0.2 s"); }));
+    ASSERT_TRUE(sees(shell, {"time 0.2 s"}));
     EXPECT_EQ(run("device tick 100").substr(0, in_use.size()), in_use);
 
     shell.type("\x1a");
-    ASSERT_TRUE(shell.wait_until([&](const Screen &) { return shell.output().find("Stopped") != std::string::npos; }));
+    ASSERT_TRUE(has_printed(shell, "Stopped"));
     EXPECT_FALSE(shell.screen().alternate());
     EXPECT_EQ(run("device tick 100").substr(0, 5), "time ");
 
@@ -239,16 +232,14 @@ TEST_F(Watch, LeavesTheTimeToOthersWhileItIsStopped) {
 TEST_F(Watch, EndsWhenTheTimeIsMovedByAnotherWhenItIsToGoOn) {
     TerminalChild shell({"/bin/bash", "--norc", "--noprofile", "-i"});
     shell.type("'" + program() + "' watch --state '" + state() + "'\n");
-    ASSERT_TRUE(shell.wait_until([](const Screen &screen) { return shows(screen, "q quit"); }));
+    ASSERT_TRUE(sees(shell, {"q quit"}));
     shell.type("\x1a");
-    ASSERT_TRUE(shell.wait_until([&](const Screen &) { return shell.output().find("Stopped") != std::string::npos; }));
+    ASSERT_TRUE(has_printed(shell, "Stopped"));
     TerminalChild other(command());
-    ASSERT_TRUE(other.wait_until([](const Screen &screen) { return shows(screen, "q quit"); }));
+    ASSERT_TRUE(sees(other, {"q quit"}));
     shell.type("fg\n");
-    EXPECT_TRUE(shell.wait_until([&](const Screen &) {
-        return shell.output().find("ocpsm: error: in-use: the time of the line system in " + state() +
-                                   " is being moved already by process ") != std::string::npos;
-    }));
+    EXPECT_TRUE(has_printed(shell, "ocpsm: error: in-use: the time of the line system in " + state() +
+                                       " is being moved already by process "));
     EXPECT_FALSE(shell.screen().alternate());
     shell.type("exit\n");
     EXPECT_EQ(WEXITSTATUS(shell.wait_for_end()), 1);
