@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 #include <new>
 
@@ -28,53 +27,41 @@ std::optional<std::string> copy(const char *text) {
     return text == nullptr ? std::nullopt : std::optional<std::string>(text);
 }
 
-Token read(const bag_token_td &raw) {
-    Token token{raw.type, copy(raw.name), 0, std::nullopt};
+// Of the integers, enumerations and booleans.
+std::int64_t number_of(const bag_token_td &raw) {
     switch (raw.type) {
     case BAG_TOKEN_INT8:
-        token.number = raw.value.int8; // NOLINT(bugprone-signed-char-misuse): a number, no character
-        break;
+        return raw.value.int8; // NOLINT(bugprone-signed-char-misuse): a number, no character
     case BAG_TOKEN_UINT8:
-        token.number = raw.value.uint8;
-        break;
+        return raw.value.uint8;
     case BAG_TOKEN_INT16:
-        token.number = raw.value.int16;
-        break;
+        return raw.value.int16;
     case BAG_TOKEN_UINT16:
-        token.number = raw.value.uint16;
-        break;
+        return raw.value.uint16;
     case BAG_TOKEN_INT32:
-        token.number = raw.value.int32;
-        break;
+        return raw.value.int32;
     case BAG_TOKEN_UINT32:
-        token.number = raw.value.uint32;
-        break;
+        return raw.value.uint32;
     case BAG_TOKEN_INT64:
-        token.number = raw.value.int64;
-        break;
+        return raw.value.int64;
     case BAG_TOKEN_UINT64:
-        token.number = static_cast<std::int64_t>(raw.value.uint64);
-        break;
+        return static_cast<std::int64_t>(raw.value.uint64);
     case BAG_TOKEN_ENUM:
-        token.number = raw.value.enumeration;
-        break;
+        return raw.value.enumeration;
     case BAG_TOKEN_BOOL:
-        token.number = raw.value.boolean;
-        break;
-    case BAG_TOKEN_IPV4:
-        token.text = std::string(4, '\0');
-        std::memcpy(token.text->data(), &raw.value.ipv4, 4);
-        break;
-    case BAG_TOKEN_TEXT:
-        token.text = copy(raw.value.text);
-        break;
-    case BAG_TOKEN_TEXT2:
-        token.text = copy(raw.second_text);
-        break;
+        return raw.value.boolean;
     default:
-        break;
+        return 0;
     }
-    return token;
+}
+
+std::optional<std::string> text_of(const bag_token_td &raw) {
+    if (raw.type == BAG_TOKEN_IPV4) {
+        return std::string(reinterpret_cast<const char *>(&raw.value.ipv4), 4);
+    }
+    return raw.type == BAG_TOKEN_TEXT    ? copy(raw.value.text)
+           : raw.type == BAG_TOKEN_TEXT2 ? copy(raw.second_text)
+                                         : std::nullopt;
 }
 
 // No failure gives anything to release, and every failure is final.
@@ -146,7 +133,7 @@ Decoded decode(std::string_view bytes) {
             expect_final(state, decoded.last);
             break;
         }
-        decoded.tokens.push_back(read(token));
+        decoded.tokens.push_back({token.type, copy(token.name), number_of(token), text_of(token)});
         ended = token.type == BAG_TOKEN_END;
         bag_generic_free_token_allocations(&token);
     }
