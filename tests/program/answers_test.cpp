@@ -280,7 +280,7 @@ std::vector<std::filesystem::path> texts() {
 }
 
 // Counted by hand: without a number, no answer might be found any more and nothing be wrong with any.
-constexpr std::size_t answers_shown = 20;         // 7 in XML, 13 in JSON
+constexpr std::size_t answers_shown = 19;         // 7 in XML, 12 in JSON
 constexpr std::size_t native_requests_shown = 12; // 7 in XML, 5 in JSON
 
 TEST(ShownAnswers, AreDataOfTheModels) {
