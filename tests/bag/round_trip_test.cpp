@@ -117,10 +117,41 @@ TEST(BagRoundTrip, KeepsTextsOfAnyLength) {
     }
 }
 
+TEST(BagRoundTrip, KeepsTextsOfAnyContent) {
+    std::string text;
+    for (int byte = 1; byte < 256; ++byte) {
+        text.push_back(static_cast<char>(byte));
+    }
+    EXPECT_THAT(decode_whole(Encoder("t", 1, 0).text(text, text).finish()).tokens,
+                ElementsAre(Token{12, text, 0, text}, end_of_bag));
+}
+
 TEST(BagRoundTrip, KeepsTheLongestName) {
     const std::string name(65534, 'n');
     EXPECT_THAT(decode_whole(Encoder("t", 1, 0).int8(name, 1).finish()).tokens,
                 ElementsAre(Token{0, name, 1, {}}, end_of_bag));
+}
+
+TEST(BagRoundTrip, KeepsStructsAndArraysInOneAnother) {
+    const std::string bytes = Encoder("ots_info", 1, 0)
+                                  .begin_struct("ots_edm_info")
+                                  .begin_array("LaneData")
+                                  .begin_struct(unnamed)
+                                  .int32("ReceivePower", -1234)
+                                  .end_struct()
+                                  .begin_array(unnamed)
+                                  .end_array()
+                                  .uint8(unnamed, 7)
+                                  .end_array()
+                                  .end_struct()
+                                  .begin_struct("empty")
+                                  .end_struct()
+                                  .finish();
+    EXPECT_THAT(decode_whole(bytes).tokens,
+                ElementsAre(Token{16, "ots_edm_info", 0, {}}, Token{14, "LaneData", 0, {}}, Token{16, {}, 0, {}},
+                            Token{4, "ReceivePower", -1234, {}}, Token{17, {}, 0, {}}, Token{14, {}, 0, {}},
+                            Token{15, {}, 0, {}}, Token{1, {}, 7, {}}, Token{15, {}, 0, {}}, Token{17, {}, 0, {}},
+                            Token{16, "empty", 0, {}}, Token{17, {}, 0, {}}, end_of_bag));
 }
 
 TEST(BagRoundTrip, PassesOverTypesOfANewerEncoder) {

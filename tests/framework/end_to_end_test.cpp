@@ -16,6 +16,7 @@
 
 #include "cases/runner.hpp"
 #include "dump.hpp"
+#include "framework/host/codes.hpp"
 #include "native/native_test.hpp"
 #include "simulator/database/client_library.hpp"
 #include "simulator/line_system/temporary_state.hpp"
@@ -27,6 +28,7 @@ using case_runner::Case;
 using case_runner::Section;
 using ocpsm::Kind;
 using ocpsm::Options;
+using ocpsm::framework::name_of;
 using ocpsm::framework::Plugin;
 using ocpsm::framework::Translation;
 using testing::ElementsAre;

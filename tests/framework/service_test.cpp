@@ -54,12 +54,12 @@ std::string error_of(const ocpsm::Outcome &outcome) {
            error.app_tag;
 }
 
-// The changes of an edit, or its error.
+// The error of an edit, if there is one, and its changes.
 Lines told(const ocpsm::EditResult &result) {
-    if (result.error) {
-        return {error_of(result)};
-    }
     Lines lines;
+    if (result.error) {
+        lines.push_back(error_of(result));
+    }
     for (const ocpsm::Change &change : result.changes) {
         lines.push_back(change.path + ": " + change.before.value_or("-") + " -> " + change.after.value_or("-"));
     }
@@ -246,9 +246,8 @@ private:
 TEST(Service, AnEditThatCannotBeKeptIsAnErrorWithoutChanges) {
     const System system;
     const Service full(PLUGIN, std::make_shared<FullDevice>(system.line_system.device()));
-    const auto result = full.edit(PathEdits{{module(1, "/config/wait-to-restore-time"), Operation::merge, "7"}});
-    EXPECT_EQ(error_of(result), "resource-denied|||the device is full||");
-    EXPECT_THAT(changes_of(result), IsEmpty());
+    EXPECT_THAT(told(full.edit(PathEdits{{module(1, "/config/wait-to-restore-time"), Operation::merge, "7"}})),
+                ElementsAre("resource-denied|||the device is full||"));
     EXPECT_EQ(system.value(module(1, "/config/wait-to-restore-time")), "10000");
 }
 

@@ -1,23 +1,29 @@
-// Every setting and reading has its row. They are told by the members themselves: a new one makes the bindings below
-// fail to compile. That settings reach the store and come back is seen in storage_test.cpp.
+// Every setting reaches the store and comes back, and has its row. The settings are told by the members themselves: a
+// new member makes the bindings below fail to compile.
 #include "simulator/line_system/settings.hpp"
 
 #include <algorithm>
 #include <set>
-#include <string_view>
+#include <string>
 #include <tuple>
 #include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "simulator/line_system/storage.hpp"
+#include "sysdb/open_store.hpp"
+
 namespace {
 
 using ocpsm::line_system::LineSettings;
+using ocpsm::line_system::LineSystem;
+using ocpsm::line_system::load;
 using ocpsm::line_system::Readings;
 using ocpsm::line_system::setting_rows;
 using ocpsm::line_system::SettingRow;
 using ocpsm::line_system::SlotSettings;
+using ocpsm::line_system::Thresholds;
 
 auto members(SlotSettings &settings) {
     auto &[revertive, wait_to_restore, relative_threshold, relative_offset, lockout_from] = settings;
@@ -31,6 +37,73 @@ auto members(LineSettings &settings) {
 
 template <class Settings>
 constexpr std::size_t member_count = std::tuple_size_v<decltype(members(std::declval<Settings &>()))>;
+
+// A value that no other member has.
+void distinguish(std::optional<bool> &member, int /*number*/) {
+    member = true;
+}
+void distinguish(std::optional<int> &member, int number) {
+    member = -number;
+}
+void distinguish(std::optional<std::uint32_t> &member, int number) {
+    member = static_cast<std::uint32_t>(number);
+}
+void distinguish(std::optional<std::string> &member, int number) {
+    member = "text " + std::to_string(number);
+}
+void distinguish(Thresholds &member, int number) {
+    member = {{"low", number}, {"high", std::nullopt}};
+}
+
+// Sets the member with this index alone, from 0.
+template <class Settings>
+void set_one(Settings &settings, std::size_t which) {
+    std::apply(
+        [&](auto &...all) {
+            std::size_t index = 0;
+            ((index++ == which ? distinguish(all, 1000 + static_cast<int>(which)) : void()), ...);
+        },
+        members(settings));
+}
+
+class EverySetting : public OpenStore {
+protected:
+    void expect_kept(const LineSystem &system, const std::string &what) {
+        const auto transaction = store->write();
+        save(*transaction, system);
+        transaction->commit();
+        EXPECT_FALSE(system == LineSystem{}) << what;
+        EXPECT_TRUE(load(*store->read()) == system) << what;
+    }
+};
+
+TEST_F(EverySetting, SurvivesTheStoreAlone) {
+    for (std::size_t which = 0; which < member_count<SlotSettings>; ++which) {
+        LineSystem system;
+        set_one(system.slots[1].settings, which);
+        expect_kept(system, "slot setting " + std::to_string(which));
+    }
+    for (std::size_t which = 0; which < member_count<LineSettings>; ++which) {
+        LineSystem system;
+        set_one(system.slots[2].lines[1], which);
+        expect_kept(system, "line setting " + std::to_string(which));
+    }
+}
+
+TEST_F(EverySetting, SurvivesTheStoreBesideAllOthers) {
+    LineSystem system;
+    for (auto &slot : system.slots) {
+        for (std::size_t which = 0; which < member_count<SlotSettings>; ++which) {
+            set_one(slot.settings, which);
+        }
+        for (auto &line : slot.lines) {
+            for (std::size_t which = 0; which < member_count<LineSettings>; ++which) {
+                set_one(line, which);
+            }
+        }
+    }
+    expect_kept(system, "all");
+}
 
 TEST(SettingRows, AreOneForEachMember) {
     EXPECT_EQ(setting_rows.size(), member_count<SlotSettings> + member_count<LineSettings>);

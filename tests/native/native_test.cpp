@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "framework/error.hpp"
+#include "framework/models/models.hpp"
 #include "framework/text.hpp"
 
 namespace native_test {
@@ -87,7 +88,7 @@ private:
 
     // Returns the position behind the keys.
     static std::size_t add_keys(NativeNode &node, const std::string &line, std::size_t at) {
-        for (const lysc_node *key : ocpsm::native::key_leaves(*node.schema)) {
+        for (const lysc_node *key : ocpsm::models::key_leaves(*node.schema)) {
             const std::size_t end = line.find_first_of(",]", at);
             node.children.push_back({key, line.substr(at, end - at)});
             at = end + 1;
