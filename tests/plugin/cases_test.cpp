@@ -117,6 +117,31 @@ TEST(Runner, NoticesWhatACallLeavesBehind) {
               1u);
 }
 
+TEST(Runner, NoticesWhatAUtilityWrites) {
+    const auto converted = [](const std::string &results) {
+        return failures_of("case One\n    call convert_data_to_low(2.5, [5], 4, 10) -> " + results + "\n");
+    };
+    EXPECT_EQ(converted("2 25"), Lines{});
+    EXPECT_EQ(converted("2 whole \"25\\x00\\x00#\""), Lines{});
+    EXPECT_EQ(converted("3 25"), Lines{"2: the result is 0x00000002, expected 0x00000003"});
+    EXPECT_EQ(converted("2 26"), Lines{"2: written is 25, expected 26"});
+    EXPECT_EQ(converted("2"), Lines{"2: written is 25, expected "});
+    EXPECT_EQ(converted("2 25 25"), Lines{"1: file:2: expected: as many results as are written"});
+    for (const char *const wrong : {"2 untouched", "2 cleared 25", "2 whole 25"}) {
+        EXPECT_EQ(converted(wrong).size(), 1u) << wrong;
+    }
+    EXPECT_EQ(failures_of("case One\n    call convert_data_to_low(2.5, [5], 4) -> 0\n"),
+              Lines{"1: file:2: expected: more arguments"});
+    EXPECT_EQ(failures_of("case One\n    call convert_data_to_low(2.5, [5], 4, 10, 1) -> 0\n"),
+              Lines{"1: file:2: expected: fewer arguments"});
+}
+
+TEST(Runner, NoticesAFailureInAProcessOfItsOwn) {
+    const std::string apart = "case One\n    apart\n    call convert_data_to_low(2.5, [5], 4, 10) -> 2 ";
+    EXPECT_EQ(failures_of(apart + "25\n"), Lines{});
+    EXPECT_EQ(failures_of(apart + "26\n"), Lines{"3: 3: written is 25, expected 26\n"});
+}
+
 TEST(Runner, NoticesABrokenContract) {
     EXPECT_EQ(failures_of(std::string(head) + "    push source 1\n    hierarchy source 1\n"
                                               "    when add\n        error-node a\n        error-node b\n"

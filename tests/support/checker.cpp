@@ -56,30 +56,28 @@ std::vector<std::string> Checker::differences() const {
     if (now.itree != before_.itree) {
         found.emplace_back("the instance-tree stack");
     }
-    const yfw_map_request &was = before_.request;
-    const yfw_map_request &is = now.request;
-    compare("registration", was.registration, is.registration, found);
-    compare("whole_subtree_walk", was.whole_subtree_walk, is.whole_subtree_walk, found);
-    compare("delete_walk", was.delete_walk, is.delete_walk, found);
-    compare("replace_flags", was.replace_flags, is.replace_flags, found);
-    compare("replace_marker", was.replace_marker, is.replace_marker, found);
+#define COMPARE(record, member) compare(#member, before_.record.member, now.record.member, found)
+    COMPARE(request, registration);
+    COMPARE(request, whole_subtree_walk);
+    COMPARE(request, delete_walk);
+    COMPARE(request, replace_flags);
+    COMPARE(request, replace_marker);
     if (!is_read() || tolerance_ != Tolerance::walk) {
-        compare("read_selection", was.read_selection, is.read_selection, found);
+        COMPARE(request, read_selection);
     }
-    compare("selection_mode", was.selection_mode, is.selection_mode, found);
-    compare("leaf_selection", was.leaf_selection, is.leaf_selection, found);
-    compare("xpath_error", was.xpath_error, is.xpath_error, found);
-    compare("hierarchy_length", was.hierarchy_length, is.hierarchy_length, found);
-    compare("output_depth", was.output_depth, is.output_depth, found);
-    compare("request_root", was.request_root, is.request_root, found);
-    compare("answer_root", was.answer_root, is.answer_root, found);
-    compare("module_list", was.module_list, is.module_list, found);
-    compare("request", before_.context.request, now.context.request, found);
-    compare("enabled_levels", before_.context.debug_log_filter.enabled_levels,
-            now.context.debug_log_filter.enabled_levels, found);
-    compare("trace_enabled", before_.context.trace_enabled, now.context.trace_enabled, found);
-    compare("output_count", before_.context.output_count, now.context.output_count, found);
-    compare("output", before_.context.output, now.context.output, found);
+    COMPARE(request, selection_mode);
+    COMPARE(request, leaf_selection);
+    COMPARE(request, xpath_error);
+    COMPARE(request, hierarchy_length);
+    COMPARE(request, output_depth);
+    COMPARE(request, request_root);
+    COMPARE(request, answer_root);
+    COMPARE(request, module_list);
+    COMPARE(context, request);
+    COMPARE(context, debug_log_filter.enabled_levels);
+    COMPARE(context, trace_enabled);
+    COMPARE(context, output_count);
+    COMPARE(context, output);
     if (tolerance_ != Tolerance::walk) {
         compare_unlooked(now, found);
     }
@@ -88,17 +86,17 @@ std::vector<std::string> Checker::differences() const {
 
 // What a walk may change: the dump's mark, the operation of the entry, the name of a refused node.
 void Checker::compare_unlooked(const Picture &now, std::vector<std::string> &found) const {
-    compare("list_operation", before_.context.list_operation, now.context.list_operation, found);
-    compare("data_printed", before_.context.data_printed, now.context.data_printed, found);
+    COMPARE(context, list_operation);
+    COMPARE(context, data_printed);
     compare("operation_kind", before_.kind, now.kind, found);
-    compare("root_node", before_.context.root_node, now.context.root_node, found);
-    compare("parent_node", before_.context.parent_node, now.context.parent_node, found);
-    compare("pending_list", before_.context.pending_list, now.context.pending_list, found);
-    compare("xpath_count", before_.context.xpath_count, now.context.xpath_count, found);
-    compare("xpaths", before_.context.xpaths, now.context.xpaths, found);
-    compare("error_log", before_.context.error_log, now.context.error_log, found);
-    compare("trace_log", before_.context.trace_log, now.context.trace_log, found);
-    compare("trace_buffer", before_.context.trace_buffer, now.context.trace_buffer, found);
+    COMPARE(context, root_node);
+    COMPARE(context, parent_node);
+    COMPARE(context, pending_list);
+    COMPARE(context, xpath_count);
+    COMPARE(context, xpaths);
+    COMPARE(context, error_log);
+    COMPARE(context, trace_log);
+    COMPARE(context, trace_buffer);
     if (before_.error_node != now.error_node) {
         found.push_back("error node " + before_.error_node + " -> " + now.error_node);
     }

@@ -30,46 +30,48 @@ protected:
     kidl_yfw_datatree &revertive;
 };
 
+// A change and what it is called, one after the other on the same nodes.
+struct Change {
+    std::function<void()> make;
+    Lines differences;
+};
+
 TEST_F(CheckerTest, NamesWhatAWalkMayNotLeaveOnANode) {
-    EXPECT_EQ(differences([] {}), Lines{});
-    EXPECT_EQ(differences([&] { config.operation = 4; }), (Lines{"aps-module/1:config: operation 0 -> 4"}));
-    EXPECT_EQ(differences([&] { revertive.flags = 0; }), (Lines{"aps-module/1:config/0:revertive: flags 1 -> 0"}));
-    EXPECT_EQ(differences([&] { revertive.flags = 17; }), (Lines{"aps-module/1:config/0:revertive: flags 0 -> 17"}));
-    EXPECT_EQ(differences([&] { revertive.value = key.value; }),
-              (Lines{"aps-module/1:config/0:revertive: value is another"}));
-    EXPECT_EQ(differences([&] { revertive.consumed_mark = 1; }),
-              (Lines{"aps-module/1:config/0:revertive: consumed mark 0 -> 1"}));
-    EXPECT_EQ(differences([&] { revertive.flags |= 512; }),
-              (Lines{"aps-module/1:config/0:revertive: flags 17 -> 529"}));
-    EXPECT_EQ(differences([&] { revertive.hierarchy_kind = 1; }),
-              (Lines{"aps-module/1:config/0:revertive: hierarchy kind 0 -> 1, second flags 0 -> 0"}));
-    EXPECT_EQ(differences([&] {
-                  config.hierarchy_kind = 9;
-                  config.second_flags = 4;
-              }),
-              (Lines{"aps-module/1:config: hierarchy kind 0 -> 9, second flags 0 -> 4"}));
-    EXPECT_EQ(differences([&] {
-                  config.children = nullptr;
-                  config.child_count = 0;
-              }),
-              (Lines{"aps-module/1:config: child count 1 -> 0", "aps-module/1:config: children is another",
-                     "aps-module/1:config/0:revertive: gone"}));
+    const std::string of_config = "aps-module/1:config: ";
+    const std::string of_leaf = "aps-module/1:config/0:revertive: ";
+    for (const Change &change : std::vector<Change>{
+             {[] {}, {}},
+             {[&] { config.operation = 4; }, {of_config + "operation 0 -> 4"}},
+             {[&] { revertive.flags = 0; }, {of_leaf + "flags 1 -> 0"}},
+             {[&] { revertive.flags = 17; }, {of_leaf + "flags 0 -> 17"}},
+             {[&] { revertive.value = key.value; }, {of_leaf + "value is another"}},
+             {[&] { revertive.consumed_mark = 1; }, {of_leaf + "consumed mark 0 -> 1"}},
+             {[&] { revertive.flags |= 512; }, {of_leaf + "flags 17 -> 529"}},
+             {[&] { revertive.hierarchy_kind = 1; }, {of_leaf + "hierarchy kind 0 -> 1, second flags 0 -> 0"}},
+             {[&] { config.hierarchy_kind = 9, config.second_flags = 4; },
+              {of_config + "hierarchy kind 0 -> 9, second flags 0 -> 4"}},
+             {[&] { config.children = nullptr, config.child_count = 0; },
+              {of_config + "child count 1 -> 0", of_config + "children is another", of_leaf + "gone"}}}) {
+        EXPECT_EQ(differences(change.make), change.differences);
+    }
 }
 
 TEST_F(CheckerTest, NamesWhatAWalkMayNotLeaveOnTheRequest) {
     request.set_kind(1);
     yfw_map_request &state = request.state;
-    EXPECT_EQ(differences([&] { state.whole_subtree_walk = 1; }), (Lines{"whole_subtree_walk 0 -> 1"}));
-    EXPECT_EQ(differences([&] { state.delete_walk = 2; }), (Lines{"delete_walk 0 -> 2"}));
-    EXPECT_EQ(differences([&] { state.replace_flags = 128; }), (Lines{"replace_flags 0 -> 128"}));
-    EXPECT_EQ(differences([&] { state.replace_marker = 1; }), (Lines{"replace_marker 0 -> 1"}));
-    EXPECT_EQ(differences([&] { state.read_selection = 2; }), (Lines{"read_selection 0 -> 2"}));
-    EXPECT_EQ(differences([&] { state.output_depth = 1; }), (Lines{"output_depth 0 -> 1"}));
-    EXPECT_EQ(differences([&] { request.context.trace_enabled = 0; }), (Lines{"trace_enabled 1 -> 0"}));
-    EXPECT_EQ(differences([&] { yfw_map_util_itree_stack_push(request.ctx(), entry.children, 2, 0); }),
-              (Lines{"the instance-tree stack"}));
-    EXPECT_EQ(differences([&] { yfw_map_add_to_node_hierarchy(request.ctx(), &entry, 2); }),
-              (Lines{"the node hierarchy", "hierarchy_length 0 -> 1"}));
+    for (const Change &change : std::vector<Change>{
+             {[&] { state.whole_subtree_walk = 1; }, {"whole_subtree_walk 0 -> 1"}},
+             {[&] { state.delete_walk = 2; }, {"delete_walk 0 -> 2"}},
+             {[&] { state.replace_flags = 128; }, {"replace_flags 0 -> 128"}},
+             {[&] { state.replace_marker = 1; }, {"replace_marker 0 -> 1"}},
+             {[&] { state.read_selection = 2; }, {"read_selection 0 -> 2"}},
+             {[&] { state.output_depth = 1; }, {"output_depth 0 -> 1"}},
+             {[&] { request.context.trace_enabled = 0; }, {"trace_enabled 1 -> 0"}},
+             {[&] { yfw_map_util_itree_stack_push(request.ctx(), entry.children, 2, 0); }, {"the instance-tree stack"}},
+             {[&] { yfw_map_add_to_node_hierarchy(request.ctx(), &entry, 2); },
+              {"the node hierarchy", "hierarchy_length 0 -> 1"}}}) {
+        EXPECT_EQ(differences(change.make), change.differences);
+    }
 }
 
 TEST_F(CheckerTest, LetsPassWhatAWalkLeaves) {

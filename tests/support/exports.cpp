@@ -16,20 +16,4 @@ void *exported(const std::string &name) {
     return found;
 }
 
-Callback walker(const std::string &suffix) {
-    return function<Callback>(callback_prefix + suffix);
-}
-
-Callback callback(const std::string &suffix) {
-    return function<Callback>(callback_prefix + suffix);
-}
-
-ContainerCallback container_callback(const std::string &suffix) {
-    return function<ContainerCallback>(callback_prefix + suffix);
-}
-
-Callback conversion(const std::string &name) {
-    return function<Callback>(name);
-}
-
 } // namespace fake

@@ -22,13 +22,6 @@ template <class Function>
     return reinterpret_cast<Function>(exported(name));
 }
 
-// By what follows the prefix: "lvla_aps", "cont_lvla_aps", "leaf_lvla_aps_config_name", "lvla_aps_parse_augments".
-[[nodiscard]] Callback walker(const std::string &suffix);
-[[nodiscard]] Callback callback(const std::string &suffix);
-[[nodiscard]] ContainerCallback container_callback(const std::string &suffix);
-// By its whole name: "op_cfg_psm_key_to_low".
-[[nodiscard]] Callback conversion(const std::string &name);
-
 } // namespace fake
 
 #endif

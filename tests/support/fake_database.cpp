@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -17,34 +18,33 @@
 #include "fake_platform.hpp"
 
 namespace fake {
+namespace {
 
-Token number_token(bag_token_type_td type, std::string name, std::int64_t number) {
-    Token token;
-    token.type = type;
-    token.name = std::move(name);
-    token.number = number;
-    return token;
+char *kept(GivenToken &given, const std::optional<std::string> &text) {
+    if (!text) {
+        return nullptr;
+    }
+    auto copy = std::make_unique<char[]>(text->size() + 1);
+    std::copy(text->begin(), text->end(), copy.get());
+    given.texts.push_back(std::move(copy));
+    return given.texts.back().get();
 }
+
+// Of the value only the bytes of the type are set.
+void set_number(bag_token_td &token, std::int64_t number) {
+    static_assert(std::endian::native == std::endian::little);
+    constexpr std::array<std::size_t, 11> widths{1, 1, 2, 2, 4, 4, 8, 8, 4, 4, 4}; // from BAG_TOKEN_INT8 on
+    std::memcpy(&token.value, &number, token.type < widths.size() ? widths.at(token.type) : sizeof number);
+}
+
+} // namespace
 
 Token text_token(std::string name, std::optional<std::string> text) {
-    Token token;
-    token.type = BAG_TOKEN_TEXT;
-    token.name = std::move(name);
-    token.text = std::move(text);
-    return token;
-}
-
-Token second_text_token(std::string name, std::optional<std::string> text) {
-    Token token = text_token(std::move(name), std::move(text));
-    token.type = BAG_TOKEN_TEXT2;
-    return token;
+    return {BAG_TOKEN_TEXT, std::move(name), 0, std::move(text)};
 }
 
 Token mark_token(bag_token_type_td type, std::optional<std::string> name) {
-    Token token;
-    token.type = type;
-    token.name = std::move(name);
-    return token;
+    return {type, std::move(name), 0, std::nullopt};
 }
 
 Item integer_item(std::int32_t value) {
@@ -61,6 +61,20 @@ Item bag_item(Bag bag) {
     return item;
 }
 
+GivenToken given_token(const Token &token) {
+    GivenToken given;
+    given.token.type = token.type;
+    given.token.name = kept(given, token.name);
+    if (token.type == BAG_TOKEN_TEXT) {
+        given.token.value.text = kept(given, token.text);
+    } else if (token.type == BAG_TOKEN_TEXT2) {
+        given.token.second_text = kept(given, token.text);
+    } else {
+        set_number(given.token, token.number);
+    }
+    return given;
+}
+
 void Platform::bag_at(const void *data, Bag bag) {
     bags_[data] = std::move(bag);
 }
@@ -74,6 +88,10 @@ using fake::quoted;
 
 // The least that the client guarantees behind an item, so that a bag's header can be read.
 constexpr std::size_t header_room = 128;
+
+constexpr kerrno missing_item = 0x0a0b0c00;
+constexpr kerrno exhausted_bag = 0x1badba60;
+constexpr kerrno no_bag = 0x1badba61;
 
 std::string text_of(std::uint64_t number) {
     return std::to_string(number);
@@ -92,6 +110,7 @@ void *data_of(const fake::Item &item) {
     if (data != nullptr) {
         std::copy(item.bytes.begin(), item.bytes.end(), static_cast<char *>(data));
     }
+    Platform::current().hand_out(data);
     return data;
 }
 
@@ -99,45 +118,6 @@ std::string bag_name(const void *bag) {
     const Platform &platform = Platform::current();
     const auto found = platform.bags_.find(bag);
     return "bag " + (found == platform.bags_.end() ? "unknown" : quoted(found->second.type_name.c_str()));
-}
-
-char *kept(fake::Platform::GivenToken &given, const std::optional<std::string> &text) {
-    if (!text) {
-        return nullptr;
-    }
-    auto copy = std::make_unique<char[]>(text->size() + 1);
-    std::copy(text->begin(), text->end(), copy.get());
-    given.texts.push_back(std::move(copy));
-    return given.texts.back().get();
-}
-
-void set_number(bag_token_td &token, std::int64_t number) {
-    switch (token.type) {
-    case BAG_TOKEN_INT8:
-        token.value.int8 = static_cast<std::int8_t>(number);
-        break;
-    case BAG_TOKEN_UINT8:
-        token.value.uint8 = static_cast<std::uint8_t>(number);
-        break;
-    case BAG_TOKEN_INT16:
-        token.value.int16 = static_cast<std::int16_t>(number);
-        break;
-    case BAG_TOKEN_UINT16:
-        token.value.uint16 = static_cast<std::uint16_t>(number);
-        break;
-    case BAG_TOKEN_INT32:
-    case BAG_TOKEN_ENUM:
-        token.value.int32 = static_cast<std::int32_t>(number);
-        break;
-    case BAG_TOKEN_UINT32:
-    case BAG_TOKEN_IPV4:
-    case BAG_TOKEN_BOOL:
-        token.value.uint32 = static_cast<std::uint32_t>(number);
-        break;
-    default:
-        token.value.int64 = number;
-        break;
-    }
 }
 
 // The texts tell tokens apart; a token that has none is known by type and value.
@@ -195,14 +175,14 @@ kerrno sysdb_item_get(sysdb_handle_td handle, const char *item_path, sysdb_item_
     const auto bound = platform.handles_.find(handle);
     if (bound == platform.handles_.end()) {
         platform.fault("an item was fetched through a handle that is not bound");
-        return platform.missing_item_result;
+        return missing_item;
     }
     if (scripted.value_or(0) != 0) {
         return *scripted;
     }
     const auto found = platform.items.find(bound->second->text + item_path);
     if (found == platform.items.end()) {
-        return platform.missing_item_result;
+        return missing_item;
     }
     const fake::Item &item = found->second;
     if (item.result == KERR_SUCCESS || item.data_on_failure) {
@@ -229,7 +209,7 @@ kerrno sysdb_list(sysdb_handle_td handle, const char *path, const char *pattern,
     const auto bound = platform.handles_.find(handle);
     if (bound == platform.handles_.end()) {
         platform.fault("a listing was asked through a handle that is not bound");
-        return platform.missing_item_result;
+        return missing_item;
     }
     if (scripted.value_or(0) != 0) {
         return *scripted;
@@ -252,7 +232,7 @@ kerrno sysdb_list_next(sysdb_list_td list, const char **name, sysdb_item_datatyp
     const auto found = platform.lists_.find(list);
     if (found == platform.lists_.end()) {
         platform.fault("the next name of a listing that is not there");
-        return platform.missing_item_result;
+        return missing_item;
     }
     if (scripted.value_or(0) != 0) {
         return *scripted;
@@ -277,7 +257,7 @@ kerrno bag_header_info(const void *bag, bag_header_td *header) {
     const auto found = platform.bags_.find(bag);
     if (found == platform.bags_.end()) {
         platform.fault("the header of something that is no bag");
-        return 0x1badba61;
+        return no_bag;
     }
     if (const kerrno result = scripted.value_or(found->second.header_result); result != KERR_SUCCESS) {
         return result;
@@ -296,7 +276,7 @@ kerrno bag_generic_init(const void *bag, uint32_t length, bag_generic_state_td *
     const auto found = platform.bags_.find(bag);
     if (found == platform.bags_.end()) {
         platform.fault("a decoder for something that is no bag");
-        return 0x1badba61;
+        return no_bag;
     }
     if (const kerrno result = scripted.value_or(found->second.init_result); result != KERR_SUCCESS) {
         return result;
@@ -314,7 +294,7 @@ kerrno bag_generic_token(bag_generic_state_td state, bag_token_td *token) {
     const auto found = platform.decoders_.find(state);
     if (found == platform.decoders_.end()) {
         platform.fault("a token of a decoder that is not there");
-        return 0x1badba61;
+        return no_bag;
     }
     Platform::Decoder &decoder = *found->second;
     const std::size_t position = decoder.next++;
@@ -327,20 +307,10 @@ kerrno bag_generic_token(bag_generic_state_td state, bag_token_td *token) {
         return failing->second;
     }
     if (position >= decoder.bag.tokens.size()) {
-        return decoder.bag.exhausted_result;
+        return exhausted_bag;
     }
-    const fake::Token &source = decoder.bag.tokens[position];
-    Platform::GivenToken given;
+    fake::GivenToken given = fake::given_token(decoder.bag.tokens[position]);
     given.number = position + 1;
-    given.token.type = source.type;
-    given.token.name = kept(given, source.name);
-    if (source.type == BAG_TOKEN_TEXT) {
-        given.token.value.text = kept(given, source.text);
-    } else if (source.type == BAG_TOKEN_TEXT2) {
-        given.token.second_text = kept(given, source.text);
-    } else {
-        set_number(given.token, source.number);
-    }
     *token = given.token;
     platform.tokens_.push_back(std::move(given));
     return KERR_SUCCESS;
@@ -349,7 +319,7 @@ kerrno bag_generic_token(bag_generic_state_td state, bag_token_td *token) {
 void bag_generic_free_token_allocations(bag_token_td *token) {
     Platform &platform = Platform::current();
     const auto found = std::find_if(platform.tokens_.begin(), platform.tokens_.end(),
-                                    [&](const Platform::GivenToken &given) { return is_same(given.token, *token); });
+                                    [&](const fake::GivenToken &given) { return is_same(given.token, *token); });
     if (found == platform.tokens_.end()) {
         platform.record(fake::Bags, "bag_free_token", "unknown");
         platform.fault("a token was released a second time, or was never given");

@@ -24,36 +24,25 @@ constexpr std::size_t trace_text_size = 249;
 
 // What the process knows about a statement: the log service owns the statement's word after its first line.
 struct Site {
-    std::uint32_t first_value;
     std::uint32_t owned_value;
     std::string format;
 };
 
-std::map<const std::uint32_t *, Site> &sites() {
+void check_site(std::uint32_t *site, const std::string &format) {
     static std::map<const std::uint32_t *, Site> known;
-    return known;
-}
-
-std::uint32_t first_value_of(std::uint32_t *site, const std::string &format) {
     Platform &platform = Platform::current();
-    auto &known = sites();
-    const auto found = known.find(site);
-    if (found == known.end()) {
-        const std::uint32_t first = *site;
-        if (first != untouched) {
+    const auto [found, is_new] = known.try_emplace(site, Site{static_cast<std::uint32_t>(known.size()), format});
+    if (is_new) {
+        if (*site != untouched) {
             platform.fault("the slot of a statement did not begin as all ones: " + format);
         }
-        *site = static_cast<std::uint32_t>(known.size());
-        known[site] = {first, *site, format};
-        return first;
-    }
-    if (*site != found->second.owned_value) {
+        *site = found->second.owned_value;
+    } else if (*site != found->second.owned_value) {
         platform.fault("the slot of a statement was written by someone else: " + format);
     }
     if (found->second.format != format) {
         platform.fault("one slot serves two messages: " + found->second.format + " | " + format);
     }
-    return found->second.first_value;
 }
 
 std::string context_text(yfw_map_ctx ctx) {
@@ -148,7 +137,8 @@ void _hvs_dt_log_filter_adv(hvs_dt_handle log, uint32_t zero1, uint32_t zero2, u
         platform.fault(std::string("a log line whose five numbers are not zero: ") + format);
     }
     std::string text = buffer.data();
-    platform.add_log({log, site, first_value_of(site, format), format, text});
+    check_site(site, format);
+    platform.add_log({log, site, format, text});
     const std::string level = log_level_of(text, log);
     platform.record_message(fake::Log, "log " + level + " " + text);
 }
@@ -163,8 +153,6 @@ void _lstrace(hvs_trace_handle buffer, uint64_t options, const char *text) {
         platform.fault(std::string("a trace line of more than 249 characters: ") + text);
     }
     fake::TraceRecord record = parsed_trace(text);
-    record.buffer = buffer;
-    record.options = options;
     if (record.sequence != platform.last_sequence_number()) {
         platform.fault("a trace line with a sequence number that was not the last one drawn: " + record.whole);
     }

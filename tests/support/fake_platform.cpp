@@ -97,18 +97,6 @@ std::size_t Platform::count(const std::string &operation) const {
     return found == counts_.end() ? 0 : found->second;
 }
 
-void Platform::fault(std::string what) {
-    faults_.push_back(std::move(what));
-}
-
-std::vector<std::string> Platform::take_faults() {
-    return std::exchange(faults_, {});
-}
-
-void Platform::name(const void *object, std::string name) {
-    names_[object] = std::move(name);
-}
-
 std::string Platform::name_of(const void *object) const {
     if (object == nullptr) {
         return "null";
@@ -132,14 +120,6 @@ std::string Platform::array_name_of(const void *array) const {
         }
     }
     return array == nullptr ? "null" : "unknown";
-}
-
-void Platform::attach(Tree &tree) {
-    trees_.push_back(&tree);
-}
-
-void Platform::detach(const Tree &tree) {
-    std::erase(trees_, &tree);
 }
 
 Tree *Platform::tree_of(const void *node) const {
@@ -187,16 +167,10 @@ std::optional<std::uint32_t> Platform::record(Group group, const std::string &op
     return std::nullopt;
 }
 
-void Platform::record_message(Group group, std::string line) {
-    lines_.push_back({group, std::move(line)});
-}
-
-void Platform::add_log(LogRecord record) {
-    log_.push_back(std::move(record));
-}
-
-void Platform::add_trace(TraceRecord record) {
-    trace_.push_back(std::move(record));
+void Platform::take_back(const void *item) {
+    if (standing != nullptr && standing->items_out_.erase(item) != 0) {
+        standing->record_message(Releases, "free(item)");
+    }
 }
 
 char *Platform::duplicate(const char *text, const char *tag) {
@@ -231,3 +205,14 @@ void Platform::keep_current_entry(yfw_map_ctx ctx, const char *list_path) {
 }
 
 } // namespace fake
+
+// The linker leads the program's own calls here, which makes the names.
+extern "C" {
+void __real_free(void *memory);
+void __wrap_free(void *memory);
+
+void __wrap_free(void *memory) {
+    fake::Platform::take_back(memory);
+    __real_free(memory);
+}
+}

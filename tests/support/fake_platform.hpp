@@ -33,8 +33,10 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <bag_generic.h>
@@ -58,23 +60,21 @@ enum Group : unsigned {
     Database = 256,   // sysdb_..., access
     Bags = 512,       // bag_...
     Callbacks = 1024, // the plug-in's own callbacks, where a test program stands in between
+    Releases = 2048,  // items of the database that the plug-in gives back: free(item)
     Channels = Log | Trace,
-    Everything = 2047,
+    Everything = 4095,
 };
 
 // A log line as it arrived.
 struct LogRecord {
     hvs_dt_handle handle = nullptr;
     const std::uint32_t *site = nullptr;
-    std::uint32_t first_value = 0; // what the site held when the process first logged through it
     std::string format;
     std::string text;
 };
 
 // A trace line as it arrived, and taken to pieces.
 struct TraceRecord {
-    hvs_trace_handle buffer = nullptr;
-    std::uint64_t options = 0;
     std::string whole;
     std::uint32_t sequence = 0;
     std::string level; // ERR or TRC
@@ -91,10 +91,14 @@ struct Token {
     std::optional<std::string> text;
 };
 
-[[nodiscard]] Token number_token(bag_token_type_td type, std::string name, std::int64_t number);
 [[nodiscard]] Token text_token(std::string name, std::optional<std::string> text);
-[[nodiscard]] Token second_text_token(std::string name, std::optional<std::string> text);
 [[nodiscard]] Token mark_token(bag_token_type_td type, std::optional<std::string> name = std::nullopt);
+
+struct GivenToken {
+    std::size_t number = 0; // of the bag's tokens, from 1
+    bag_token_td token{};
+    std::vector<std::unique_ptr<char[]>> texts;
+};
 
 struct Bag {
     std::string type_name = "record";
@@ -104,7 +108,6 @@ struct Bag {
     kerrno header_result = KERR_SUCCESS;
     kerrno init_result = KERR_SUCCESS;
     std::map<std::size_t, kerrno> token_results; // by the number of the token, from 0
-    kerrno exhausted_result = 0x1badba60;
 };
 
 // What the database holds at one bind path + item path.
@@ -117,6 +120,9 @@ struct Item {
     bool data_on_failure = false;        // the data is handed out although the result is a failure
     std::optional<sysdb_item_datatype_td> updated_type;
 };
+
+// A token as the decoder gives it, with its texts.
+[[nodiscard]] GivenToken given_token(const Token &token);
 
 [[nodiscard]] Item integer_item(std::int32_t value);
 [[nodiscard]] Item bag_item(Bag bag);
@@ -140,18 +146,18 @@ public:
     [[nodiscard]] std::size_t count(const std::string &operation) const;
     // Breaches of the platform's contracts so far (double free, wrong handle, ...). RequestTest asserts that none is.
     [[nodiscard]] const std::vector<std::string> &faults() const { return faults_; }
-    void fault(std::string what);
+    void fault(std::string what) { faults_.push_back(std::move(what)); }
     // Takes the faults away, for the test of a breach.
-    [[nodiscard]] std::vector<std::string> take_faults();
+    [[nodiscard]] std::vector<std::string> take_faults() { return std::exchange(faults_, {}); }
 
     // ---- names and trees ----
-    void name(const void *object, std::string name);
+    void name(const void *object, std::string name) { names_[object] = std::move(name); }
     [[nodiscard]] std::string name_of(const void *object) const;
     // A child array, which has the address of its first node: "children of aps-module".
     [[nodiscard]] std::string array_name_of(const void *array) const;
     // A tree in which nodes are named by path and to which relative adds add. It must outlive the platform's use.
-    void attach(Tree &tree);
-    void detach(const Tree &tree);
+    void attach(Tree &tree) { trees_.push_back(&tree); }
+    void detach(const Tree &tree) { std::erase(trees_, &tree); }
     [[nodiscard]] Tree *tree_of(const void *node) const;
     [[nodiscard]] const std::vector<Tree *> &trees() const { return trees_; }
 
@@ -178,7 +184,6 @@ public:
     // ---- database ----
     bool client_library_present = true;
     std::map<std::string, Item> items; // bind path + item path
-    kerrno missing_item_result = 0x0a0b0c00;
     bool bind_gives_handle = true;
     // Listings: bind path + pattern -> names. Without one the list is empty.
     std::map<std::string, std::vector<std::string>> listings;
@@ -187,6 +192,11 @@ public:
 
     // ---- allocations ----
     [[nodiscard]] std::vector<std::string> heap() const; // outstanding: text and tag, "text (tag)"
+    // An item that the database hands out; the program's own free (--wrap) tells when it comes back.
+    void hand_out(const void *item) { items_out_.insert(item); }
+    static void take_back(const void *item);
+    void keep(const void *item) { items_out_.erase(item); } // the test has it now
+    [[nodiscard]] std::size_t items_outstanding() const { return items_out_.size(); }
     [[nodiscard]] std::size_t tokens_outstanding() const { return tokens_.size(); }
     [[nodiscard]] std::size_t handles_outstanding() const { return handles_.size(); }
     [[nodiscard]] std::size_t lists_outstanding() const { return lists_.size(); }
@@ -203,9 +213,9 @@ public:
     // ---- for the operations themselves ----
     // Appends a line, runs its hooks, gives the scripted result if there is one.
     std::optional<std::uint32_t> record(Group group, const std::string &operation, const std::string &arguments);
-    void record_message(Group group, std::string line);
-    void add_log(LogRecord record);
-    void add_trace(TraceRecord record);
+    void record_message(Group group, std::string line) { lines_.push_back({group, std::move(line)}); }
+    void add_log(LogRecord record) { log_.push_back(std::move(record)); }
+    void add_trace(TraceRecord record) { trace_.push_back(std::move(record)); }
     std::uint32_t draw_sequence_number() { return ++sequence_; }
     [[nodiscard]] std::uint32_t last_sequence_number() const { return sequence_; }
     char *duplicate(const char *text, const char *tag);
@@ -219,11 +229,6 @@ public:
     struct Decoder {
         Bag bag;
         std::size_t next = 0;
-    };
-    struct GivenToken {
-        std::size_t number = 0;
-        bag_token_td token{};
-        std::vector<std::unique_ptr<char[]>> texts;
     };
     struct Listing {
         std::vector<std::string> names;
@@ -266,6 +271,7 @@ private:
     std::vector<Rule> rules_;
     std::vector<Hook> hooks_;
     std::map<const void *, Allocation> heap_;
+    std::set<const void *> items_out_;
     std::uint32_t sequence_ = 0;
     std::unique_ptr<Tree> current_entry_;
 };

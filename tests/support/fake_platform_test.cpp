@@ -125,7 +125,8 @@ TEST_F(FakePlatformTest, NoticesAStitchRecordThatIsNotZeroBehindItsTexts) {
 
 TEST_F(FakePlatformTest, HandsOutItemsAndFollowsTheirBags) {
     fake::Bag bag;
-    bag.tokens = {fake::text_token("Name", "0/1-PSM-OM"), fake::number_token(BAG_TOKEN_INT32, "Power", -5),
+    bag.tokens = {fake::text_token("Name", "0/1-PSM-OM"),
+                  {BAG_TOKEN_INT32, "Power", -5, std::nullopt},
                   fake::mark_token(BAG_TOKEN_END)};
     platform.items["/oper/x"] = fake::bag_item(bag);
     sysdb_handle_td handle = nullptr;

@@ -12,27 +12,9 @@ Node Node::with_operation(std::uint32_t new_operation) const {
     return changed;
 }
 
-Node Node::in_namespace(std::optional<std::string> uri) const {
-    Node changed = *this;
-    changed.namespace_uri = std::move(uri);
-    return changed;
-}
-
 Node Node::untagged() const {
     Node changed = *this;
     changed.tag.reset();
-    return changed;
-}
-
-Node Node::with_flags(std::uint32_t bits) const {
-    Node changed = *this;
-    changed.flags |= bits;
-    return changed;
-}
-
-Node Node::without_flags(std::uint32_t bits) const {
-    Node changed = *this;
-    changed.cleared_flags |= bits;
     return changed;
 }
 
@@ -44,22 +26,15 @@ Node Node::without_array(std::int32_t count) const {
     return changed;
 }
 
-Node leaf(std::string tag, std::string value) {
+Node leaf(std::string tag, std::optional<std::string> value) {
     Node node;
     node.tag = std::move(tag);
     node.value = std::move(value);
     return node;
 }
 
-Node leaf(std::string tag) {
-    Node node;
-    node.tag = std::move(tag);
-    return node;
-}
-
 Node container(std::string tag, std::vector<Node> children) {
-    Node node;
-    node.tag = std::move(tag);
+    Node node = leaf(std::move(tag));
     node.with_children = !children.empty();
     node.children = std::move(children);
     return node;

@@ -29,20 +29,15 @@ struct Node {
     bool with_children = false;                // the child array counts, be it empty
     std::optional<std::int32_t> claimed_count; // a count that does not belong to the array
     bool hide_array = false;                   // a count without an array
+    std::uint32_t cleared_flags = 0;           // the ones that the builder sets, too
 
     [[nodiscard]] Node with_operation(std::uint32_t new_operation) const;
-    [[nodiscard]] Node in_namespace(std::optional<std::string> uri) const;
     [[nodiscard]] Node untagged() const;
-    [[nodiscard]] Node with_flags(std::uint32_t bits) const;    // sets more bits
-    [[nodiscard]] Node without_flags(std::uint32_t bits) const; // clears bits, the ones that the builder sets too
     [[nodiscard]] Node without_array(std::int32_t count) const; // says that it has children, but has no array
-
-    std::uint32_t cleared_flags = 0;
 };
 
 // A leaf with a value; a leaf without (null, no flag 2); a container or list entry (an empty one has no children).
-[[nodiscard]] Node leaf(std::string tag, std::string value);
-[[nodiscard]] Node leaf(std::string tag);
+[[nodiscard]] Node leaf(std::string tag, std::optional<std::string> value = std::nullopt);
 [[nodiscard]] Node container(std::string tag, std::vector<Node> children = {});
 
 // A tree on the heap. Every array and every text is an allocation of its own, of its exact size.

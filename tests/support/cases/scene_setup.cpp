@@ -1,26 +1,11 @@
 // The steps of a scene that set up the request, the trees and the platform, and those that look at them.
 #include <algorithm>
 
+#include "records.hpp"
 #include "scene.hpp"
 
 namespace cases {
 namespace {
-
-void demand(bool good, const Line &line, const char *form) {
-    if (!good) {
-        throw Malformed(line, std::string("expected: ") + form);
-    }
-}
-
-std::uint32_t code(const Line &line, const std::string &word) {
-    return static_cast<std::uint32_t>(number(line, word));
-}
-
-std::string text_of(const Line &line, const std::string &word) {
-    const std::optional<std::string> text = meant(line, word);
-    demand(text.has_value(), line, "a text, not null");
-    return *text;
-}
 
 // "answer OPERATION [nth N] [of TEXT] = RESULT" and "when OPERATION [nth N] [of TEXT]"
 struct Rule {
@@ -47,98 +32,14 @@ Rule rule_of(const Line &line, const std::vector<std::string> &all) {
     return rule;
 }
 
-fake::Token token_of(const Line &line) {
-    static const std::map<std::string, bag_token_type_td> marks{{"struct", BAG_TOKEN_STRUCT_START},
-                                                                {"end-struct", BAG_TOKEN_STRUCT_END},
-                                                                {"array", BAG_TOKEN_ARRAY_START},
-                                                                {"end-array", BAG_TOKEN_ARRAY_END},
-                                                                {"end", BAG_TOKEN_END}};
-    static const std::map<std::string, bag_token_type_td> numbers{
-        {"int8", BAG_TOKEN_INT8},     {"uint8", BAG_TOKEN_UINT8},   {"int16", BAG_TOKEN_INT16},
-        {"uint16", BAG_TOKEN_UINT16}, {"int32", BAG_TOKEN_INT32},   {"uint32", BAG_TOKEN_UINT32},
-        {"int64", BAG_TOKEN_INT64},   {"uint64", BAG_TOKEN_UINT64}, {"ipv4", BAG_TOKEN_IPV4},
-        {"enum", BAG_TOKEN_ENUM},     {"bool", BAG_TOKEN_BOOL}};
-    const std::vector<std::string> all = words(line, line.text);
-    if (const auto mark = marks.find(all[0]); mark != marks.end() && all.size() <= 2) {
-        return fake::mark_token(mark->second, all.size() == 2 ? meant(line, all[1]) : std::nullopt);
-    }
-    demand(all.size() == 3, line, "a token: TYPE NAME VALUE, struct NAME, end-struct, ...");
-    if (all[0] == "text") {
-        return fake::text_token(text_of(line, all[1]), meant(line, all[2]));
-    }
-    if (all[0] == "text2") {
-        return fake::second_text_token(text_of(line, all[1]), meant(line, all[2]));
-    }
-    const auto type = numbers.find(all[0]);
-    demand(type != numbers.end(), line, "a token type");
-    return fake::number_token(type->second, text_of(line, all[1]), number(line, all[2]));
-}
-
-fake::Bag bag_of(const Line &head) {
-    fake::Bag bag;
-    const std::vector<std::string> named = words(head, head.text);
-    if (named.size() == 2) {
-        bag.type_name = named[1];
-    }
-    for (const Line &line : head.block) {
-        const std::vector<std::string> all = words(line, line.text);
-        if (all[0] == "header-result") {
-            bag.header_result = code(line, all.at(1));
-        } else if (all[0] == "init-result") {
-            bag.init_result = code(line, all.at(1));
-        } else if (all[0] == "token-result") {
-            bag.token_results[static_cast<std::size_t>(number(line, all.at(1)))] = code(line, all.at(2));
-        } else {
-            bag.tokens.push_back(token_of(line));
-        }
-    }
-    return bag;
-}
-
 } // namespace
 
 const std::map<std::string, Scene::Step> &Scene::steps() {
-    static const std::map<std::string, Step> all{{"kind", &Scene::kind},
-                                                 {"selection", &Scene::selection},
-                                                 {"channels", &Scene::channels},
-                                                 {"error-node", &Scene::error_node},
-                                                 {"namespace", &Scene::name_space},
-                                                 {"tree", &Scene::tree},
-                                                 {"list-entry", &Scene::list_entry},
-                                                 {"root", &Scene::root},
-                                                 {"node-info", &Scene::node_info},
-                                                 {"answer", &Scene::answer},
-                                                 {"numbered-adds", &Scene::numbered_adds},
-                                                 {"item", &Scene::item},
-                                                 {"no-item", &Scene::no_item},
-                                                 {"listing", &Scene::listing},
-                                                 {"database", &Scene::database},
-                                                 {"hierarchy", &Scene::hierarchy},
-                                                 {"request", &Scene::record},
-                                                 {"context", &Scene::record},
-                                                 {"push", &Scene::push},
-                                                 {"callbacks", &Scene::callbacks},
-                                                 {"when", &Scene::when},
-                                                 {"watch", &Scene::watch},
-                                                 {"node", &Scene::node},
-                                                 {"modules", &Scene::modules},
-                                                 {"relative-adds", &Scene::relative_adds},
-                                                 {"look", &Scene::look},
-                                                 {"hide", &Scene::hide},
-                                                 {"mute", &Scene::mute},
-                                                 {"hear", &Scene::hear},
-                                                 {"tolerate", &Scene::tolerate},
-                                                 {"call", &Scene::call},
-                                                 {"traced", &Scene::call},
-                                                 {"dies", &Scene::dies},
-                                                 {"on-every-channel", &Scene::on_every_channel},
-                                                 {"same", &Scene::same},
-                                                 {"formats", &Scene::formats},
-                                                 {"first-write", &Scene::first_write},
-                                                 {"left", &Scene::left},
-                                                 {"count", &Scene::count},
-                                                 {"heap", &Scene::heap},
-                                                 {"stack", &Scene::stack}};
+#define STEP(word, function) {word, &Scene::function},
+#define STEP_TOO(word, function) STEP(word, function)
+    static const std::map<std::string, Step> all{
+#include "steps.def"
+    };
     return all;
 }
 
@@ -176,15 +77,18 @@ void Scene::error_node(const Line &line, const Words &all) {
 std::uint32_t *Scene::member(const Line &line, const std::string &record, const std::string &name) {
     yfw_map_request &state = stage_.request.state;
     yfw_map_context &context = stage_.request.context;
-    const std::map<std::string, std::uint32_t *> members{{"request whole_subtree_walk", &state.whole_subtree_walk},
-                                                         {"request delete_walk", &state.delete_walk},
-                                                         {"request replace_marker", &state.replace_marker},
-                                                         {"request read_selection", &state.read_selection},
-                                                         {"request xpath_error", &state.xpath_error},
-                                                         {"request output_depth", &state.output_depth},
-                                                         {"request hierarchy_length", &state.hierarchy_length},
-                                                         {"context list_operation", &context.list_operation},
-                                                         {"context data_printed", &context.data_printed}};
+    const std::map<std::string, std::uint32_t *> members{
+        {"request whole_subtree_walk", &state.whole_subtree_walk},
+        {"request delete_walk", &state.delete_walk},
+        {"request replace_marker", &state.replace_marker},
+        {"request read_selection", &state.read_selection},
+        {"request xpath_error", &state.xpath_error},
+        {"request output_depth", &state.output_depth},
+        {"request hierarchy_length", &state.hierarchy_length},
+        {"context list_operation", &context.list_operation},
+        {"context data_printed", &context.data_printed},
+        {"context trace_enabled", &context.trace_enabled},
+        {"context enabled_levels", &context.debug_log_filter.enabled_levels}};
     const auto found = members.find(record + " " + name);
     demand(found != members.end(), line, "a member of request or context");
     return found->second;
@@ -297,20 +201,20 @@ void Scene::node(const Line &line, const Words &all) {
     demand(all.size() >= 4, line, "node PATH [is] MEMBER NUMBER...");
     kidl_yfw_datatree &node = *node_at(line, all[1]);
     const bool asked = all[2] == "is";
-    const std::map<std::string, std::uint32_t *> members{{"operation", &node.operation},
-                                                         {"flags", &node.flags},
-                                                         {"second_flags", &node.second_flags},
-                                                         {"hierarchy_kind", &node.hierarchy_kind}};
+    const std::map<std::string, std::uint32_t *> members{
+        {"operation", &node.operation},
+        {"flags", &node.flags},
+        {"second_flags", &node.second_flags},
+        {"hierarchy_kind", &node.hierarchy_kind},
+        {"child_count", reinterpret_cast<std::uint32_t *>(&node.child_count)}};
     for (std::size_t i = asked ? 3 : 2; i + 1 < all.size(); i += 2) {
         const auto found = members.find(all[i]);
         std::string actual;
         if (found != members.end()) {
             actual = std::to_string(*found->second);
-        } else if (all[i] == "consumed_mark") {
-            actual = std::to_string(node.consumed_mark);
         } else {
-            demand(all[i] == "child_count", line, "a member of a node");
-            actual = std::to_string(node.child_count);
+            demand(all[i] == "consumed_mark", line, "a member of a node");
+            actual = std::to_string(node.consumed_mark);
         }
         if (asked) {
             compare(line, all[1] + " " + all[i], {std::to_string(code(line, all[i + 1]))}, {actual});
@@ -327,11 +231,7 @@ void Scene::hierarchy(const Line &line, const Words &all) {
         for (const yfw_map_hierarchy_level &level : stage_.platform.hierarchy) {
             actual.push_back(stage_.platform.name_of(level.node) + " " + std::to_string(level.kind));
         }
-        std::vector<std::string> expected;
-        for (const Line &below : line.block) {
-            expected.push_back(below.text);
-        }
-        compare(line, "the hierarchy", expected, actual);
+        compare(line, "the hierarchy", texts_below(line), actual);
         return;
     }
     demand(all.size() == 3, line, "hierarchy NODE KIND, or hierarchy is");
@@ -434,30 +334,11 @@ void Scene::watch(const Line &line, const Words &all) {
 
 void Scene::item(const Line &line, const Words &all) {
     demand(all.size() == 2, line, "item PATH, with its content below");
-    fake::Item item;
-    for (const Line &below : line.block) {
-        const Words content = words(below, below.text);
-        if (content[0] == "bag") {
-            item = fake::bag_item(bag_of(below));
-        } else if (content[0] == "no-data" || content[0] == "data-on-failure") {
-            (content[0] == "no-data" ? item.no_data : item.data_on_failure) = true;
-        } else {
-            demand(content.size() == 2, below, "bag, number N, bytes TEXT, result N, length N, type N, no-data");
-            if (content[0] == "number") {
-                item = fake::integer_item(static_cast<std::int32_t>(number(below, content[1])));
-            } else if (content[0] == "bytes") {
-                item.bytes = text_of(below, content[1]);
-            } else if (content[0] == "result") {
-                item.result = code(below, content[1]);
-            } else if (content[0] == "length") {
-                item.length = code(below, content[1]);
-            } else {
-                demand(content[0] == "type", below, "bag, number N, bytes TEXT, result N, length N, type N, no-data");
-                item.updated_type = code(below, content[1]);
-            }
-        }
-    }
-    stage_.platform.items[all[1]] = item;
+    stage_.platform.items[all[1]] = item_of(line);
+}
+
+void Scene::bag(const Line &line, const Words & /*all*/) {
+    stage_.platform.bag_at(bag_.data(), bag_of(line));
 }
 
 void Scene::no_item(const Line &line, const Words &all) {
@@ -471,7 +352,10 @@ void Scene::no_item(const Line &line, const Words &all) {
 
 void Scene::listing(const Line &line, const Words &all) {
     demand(all.size() >= 3 && all[2] == "=", line, "listing PATH = NAME...");
-    stage_.platform.listings[all[1]] = {all.begin() + 3, all.end()};
+    std::vector<std::string> &names = stage_.platform.listings[all[1]];
+    names.clear();
+    std::transform(all.begin() + 3, all.end(), std::back_inserter(names),
+                   [&](const std::string &word) { return text_of(line, word); });
 }
 
 void Scene::database(const Line &line, const Words &all) {
@@ -487,17 +371,11 @@ void Scene::database(const Line &line, const Words &all) {
 // ---- what is looked at ----
 
 void Scene::look(const Line &line, const Words &all) {
-    static const std::map<std::string, unsigned> groups{{"output", fake::Output},
-                                                        {"walk", fake::Walk},
-                                                        {"questions", fake::Questions},
-                                                        {"heap", fake::Heap},
-                                                        {"texts", fake::Texts},
-                                                        {"messages", fake::Channels},
-                                                        {"filter", fake::Filter},
-                                                        {"database", fake::Database},
-                                                        {"bags", fake::Bags},
-                                                        {"callbacks", fake::Callbacks},
-                                                        {"nothing", 0}};
+    static const std::map<std::string, unsigned> groups{
+        {"output", fake::Output},     {"walk", fake::Walk},           {"questions", fake::Questions},
+        {"heap", fake::Heap},         {"texts", fake::Texts},         {"messages", fake::Channels},
+        {"filter", fake::Filter},     {"database", fake::Database},   {"bags", fake::Bags},
+        {"releases", fake::Releases}, {"callbacks", fake::Callbacks}, {"nothing", 0}};
     view_.groups = 0;
     for (std::size_t i = 1; i < all.size(); ++i) {
         const auto group = groups.find(all[i]);
@@ -547,11 +425,7 @@ void Scene::first_write(const Line &line, const Words &all) {
 
 void Scene::heap(const Line &line, const Words &all) {
     demand(all.size() == 2 && all[1] == "is", line, "heap is, with \"text (tag)\" below");
-    std::vector<std::string> expected;
-    for (const Line &below : line.block) {
-        expected.push_back(below.text);
-    }
-    compare(line, "the heap", expected, stage_.platform.heap());
+    compare(line, "the heap", texts_below(line), stage_.platform.heap());
 }
 
 } // namespace cases

@@ -19,7 +19,7 @@ namespace cases {
 
 // What of a story a case looks at.
 struct View {
-    unsigned groups = fake::Everything & ~(fake::Filter | fake::Texts);
+    unsigned groups = fake::Everything & ~(fake::Filter | fake::Texts | fake::Releases);
     std::vector<std::string> hidden; // beginnings of lines
     std::vector<std::string> muted;  // functions whose traces are left out; their errors stay
     std::vector<std::string> heard;  // beginnings of the functions whose messages are looked at; empty: all

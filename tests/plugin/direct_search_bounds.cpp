@@ -1,28 +1,46 @@
 // The tree searches against the plain algorithm that they shorten, and what they cost: the work of a request grows with
 // its leaves, and a tree of any depth is searched within the stack.
-#include <cstring>
+#include <algorithm>
 #include <optional>
 #include <random>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
-#include "utility_support.hpp"
+#include <gtest/gtest.h>
+
+#include "exports.hpp"
+#include "request.hpp"
+#include "utility.hpp"
 
 namespace {
 
 using fake::container;
 using fake::leaf;
 using fake::Node;
-using utility::Buffer;
-using utility::repeated;
 
 constexpr std::size_t path_room = 199; // characters of a path buffer
 
-// ---- the plain algorithm: every node that is in use is visited in pre-order ----
-
-bool carries(const Node &node) {
-    return node.value.has_value();
+std::string repeated(std::size_t count, char character) {
+    return std::string(count, character);
 }
+
+// What a search finds and leaves in its buffers, which are on the heap and of their exact size; the value's begins as
+// an unlikely text.
+using Found = std::tuple<int, std::string, std::string>;
+
+template <class Search>
+Found run(const std::string &start, Search search) {
+    std::vector<char> path(path_room + 1);
+    std::copy(start.begin(), start.end(), path.begin());
+    std::vector<char> value(path_room + 1, '\0');
+    value[0] = '#';
+    const int result = search(path.data(), value.data());
+    return {result, path.data(), value.data()};
+}
+
+// ---- the plain algorithm: every node that is in use is visited in pre-order ----
 
 bool is_used(const Node &node) {
     return (node.flags & YFW_NODE_IN_USE) != 0 && (node.cleared_flags & YFW_NODE_IN_USE) == 0;
@@ -37,7 +55,7 @@ std::optional<std::string> plain_value(const Node &node, const std::string &want
         return std::nullopt;
     }
     path = extended(path, node.tag.value_or(""));
-    if (carries(node) && path == wanted) {
+    if (node.value && path == wanted) {
         return node.value->substr(0, path_room);
     }
     path = extended(path, "/");
@@ -56,7 +74,7 @@ bool plain_search(const Node &node, const std::string &wanted, const std::string
         return false;
     }
     path = extended(path, node.tag.value_or(""));
-    if (path == wanted && (value == nullptr || (carries(node) && *node.value == *value))) {
+    if (path == wanted && (value == nullptr || (node.value && *node.value == *value))) {
         return true;
     }
     for (const Node &child : node.children) {
@@ -84,13 +102,13 @@ public:
             "a", "b", "ab", "a/b", "", repeated(97, 'a'), repeated(199, 'a'), repeated(240, 'b')};
         Node node = container(tags[below(4) == 0 ? below(8) : below(3)]);
         if (below(12) == 0) {
-            node = node.untagged();
+            node.tag.reset();
         }
         if (below(2) == 0) {
             node.value = std::string(below(3), 'v');
         }
         if (below(12) == 0) {
-            node = node.without_flags(YFW_NODE_IN_USE);
+            node.cleared_flags = YFW_NODE_IN_USE;
         }
         for (std::size_t child = depth == 0 ? 0 : below(4); child > 0; --child) {
             node.children.push_back(tree(depth - 1));
@@ -124,7 +142,7 @@ private:
     std::mt19937 random_;
 };
 
-class SearchBounds : public utility::UtilityTest {
+class SearchBounds : public fake::RequestTest {
 protected:
     SearchBounds() { request.set_channels(false, false); }
 };
@@ -140,28 +158,26 @@ TEST_F(SearchBounds, FindsWhatTheVisitOfEveryNodeFinds) {
         const std::string start = forest.below(6) == 0 ? "a/" : "";
         kidl_yfw_datatree *root = build(tree).root();
 
+        const yfw_map_ctx ctx = request.ctx();
+        const char *const path_to_find = wanted.c_str();
         std::string plain_path = start;
         const std::optional<std::string> plain = plain_value(tree, wanted, plain_path);
-        Buffer path = Buffer::cleared(200);
-        Buffer value(200);
-        std::snprintf(path.data(), 200, "%s", start.c_str());
-        ASSERT_EQ(compare_path(request.ctx(), root, wanted.c_str(), path.data(), value.data()), plain ? 1 : 0);
-        ASSERT_EQ(path.text(), plain_path);
-        ASSERT_TRUE(plain ? value.text() == *plain : value.untouched());
+        ASSERT_EQ(
+            run(start, [&](char *path, char *value) { return compare_path(ctx, root, path_to_find, path, value); }),
+            (Found{plain ? 1 : 0, plain_path, plain.value_or("#")}));
 
         plain_path = start;
         const bool there = plain_search(tree, wanted, nullptr, plain_path);
-        std::snprintf(path.data(), 200, "%s", start.c_str());
-        ASSERT_EQ(check_request_type_3(request.ctx(), root, wanted.c_str(), path.data()), there ? 1 : 0);
-        ASSERT_EQ(path.text(), plain_path);
+        ASSERT_EQ(run(start, [&](char *path, char *) { return check_request_type_3(ctx, root, path_to_find, path); }),
+                  (Found{there ? 1 : 0, plain_path, "#"}));
 
         const std::string sought(forest.below(3), 'v');
         plain_path = start;
         const bool equal = plain_search(tree, wanted, &sought, plain_path);
-        std::snprintf(path.data(), 200, "%s", start.c_str());
-        ASSERT_EQ(search_data_in_response(request.ctx(), root, wanted.c_str(), path.data(), sought.c_str()),
-                  equal ? 1 : 0);
-        ASSERT_EQ(path.text(), plain_path);
+        ASSERT_EQ(
+            run(start, [&](char *path,
+                           char *) { return search_data_in_response(ctx, root, path_to_find, path, sought.c_str()); }),
+            (Found{equal ? 1 : 0, plain_path, "#"}));
 
         ++(plain ? found : missed);
         drop_trees();
@@ -174,35 +190,25 @@ TEST_F(SearchBounds, FindsWhatTheVisitOfEveryNodeFinds) {
 
 // ---- work ----
 
-// The texts that the searches of a read put together when it selects a threshold this many times: a measure of the
-// nodes that they visit.
-class ThresholdWork : public SearchBounds {
-protected:
-    std::size_t work_of(std::size_t thresholds, bool named) {
+// The texts that the searches of a read put together are a measure of the nodes that they visit.
+TEST_F(SearchBounds, TheWorkOfAReadGrowsWithItsLeaves) {
+    const auto conversion = fake::function<fake::Callback>("oc_opt_psm_cfg_primary_th_hyst_to_low");
+    const auto work_of = [&](std::size_t thresholds, bool named) {
         platform.forget();
-        const Node entry = entry_with(thresholds, named);
+        Node entry = container("aps-module",
+                               {container("config", std::vector<Node>(thresholds, leaf("primary-switch-hysteresis")))});
+        if (named) {
+            entry.children.push_back(leaf("name", "0/1-PSM-OM")); // behind what the searches have to pass
+        }
         request.set_list_entry(entry);
         kidl_yfw_datatree *config = build(entry).at("config");
         for (kidl_yfw_datatree &selected : std::vector(config->children, config->children + config->child_count)) {
-            EXPECT_EQ(oc_opt_psm_cfg_primary_th_hyst_to_low(request.ctx(), &selected, dest), KERR_SUCCESS);
+            EXPECT_EQ(conversion(request.ctx(), &selected, dest), KERR_SUCCESS);
         }
         const std::size_t work = platform.count("strcat_s");
         drop_trees();
         return work;
-    }
-
-private:
-    static Node entry_with(std::size_t thresholds, bool named) {
-        const std::vector<Node> selected(thresholds, leaf("primary-switch-hysteresis"));
-        Node entry = container("aps-module", {container("config", selected)});
-        if (named) {
-            entry.children.push_back(leaf("name", "0/1-PSM-OM")); // behind what the searches have to pass
-        }
-        return entry;
-    }
-};
-
-TEST_F(ThresholdWork, GrowsWithTheLeavesOfARead) {
+    };
     for (const bool named : {false, true}) {
         SCOPED_TRACE(named);
         const std::size_t once = work_of(200, named);
@@ -240,14 +246,15 @@ private:
 
 class SearchDepth : public SearchBounds {
 protected:
-    int find_value(const Chain &chain) {
-        Buffer path = Buffer::cleared(200);
-        Buffer value(200);
-        return compare_path(request.ctx(), chain.root(), slashes.c_str(), path.data(), value.data());
-    }
-    int find_data(const Chain &chain) {
-        Buffer path = Buffer::cleared(200);
-        return search_data_in_response(request.ctx(), chain.root(), slashes.c_str(), path.data(), "v");
+    // The results of the searches for a value and for data.
+    std::pair<int, int> find(const Chain &chain) {
+        const auto value = [&](char *path, char *found) {
+            return compare_path(request.ctx(), chain.root(), slashes.c_str(), path, found);
+        };
+        const auto data = [&](char *path, char *) {
+            return search_data_in_response(request.ctx(), chain.root(), slashes.c_str(), path, "v");
+        };
+        return {std::get<0>(run("", value)), std::get<0>(run("", data))};
     }
     // Every path from level 199 down, cut as it is.
     const std::string slashes = repeated(199, '/');
@@ -256,24 +263,22 @@ protected:
 TEST_F(SearchDepth, EndsALongWayDownAsIfNothingHadBeenFound) {
     Chain chain(30000);
     chain.give_value(30000, "v");
-    EXPECT_EQ(find_value(chain), 0);
-    EXPECT_EQ(find_data(chain), 0);
+    EXPECT_EQ(find(chain), std::pair(0, 0));
     EXPECT_EQ(check_request_type(request.ctx(), chain.root(), "none"), 0);
     const std::string too_long = repeated(250, '/'); // longer than any path, begun by all of them
-    Buffer path = Buffer::cleared(200);
-    EXPECT_EQ(check_request_type_3(request.ctx(), chain.root(), too_long.c_str(), path.data()), 0);
-    EXPECT_EQ(path.text(), "");
+    EXPECT_EQ(
+        run("", [&](char *path,
+                    char *) { return check_request_type_3(request.ctx(), chain.root(), too_long.c_str(), path); }),
+        (Found{0, "", "#"}));
 }
 
 TEST_F(SearchDepth, Reaches1000LevelsDown) {
     Chain last(1001);
     last.give_value(1000, "v");
-    EXPECT_EQ(find_value(last), 1);
-    EXPECT_EQ(find_data(last), 1);
+    EXPECT_EQ(find(last), std::pair(1, 1));
     Chain beyond(1001);
     beyond.give_value(1001, "v");
-    EXPECT_EQ(find_value(beyond), 0);
-    EXPECT_EQ(find_data(beyond), 0);
+    EXPECT_EQ(find(beyond), std::pair(0, 0));
 }
 
 } // namespace
