@@ -29,7 +29,7 @@ public:
     Arguments(const Arguments &) = delete;
     Arguments &operator=(const Arguments &) = delete;
 
-    void take(yfw_map_ctx &ctx) { ctx = scenery_.ctx; } // no word
+    void take(yfw_map_ctx &ctx) const { ctx = scenery_.ctx; } // no word
     void take(kidl_yfw_datatree *&node) { node = scenery_.node(next()); }
     void take(const kidl_yfw_datatree *&node) { node = scenery_.node(next()); }
     void take(int &value) { value = static_cast<int>(number(line_, next())); }
