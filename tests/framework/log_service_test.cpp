@@ -128,46 +128,47 @@ TEST(TraceBuffer, SequenceNumbersGoUpByOne) {
     EXPECT_EQ(ret_nc_yfw_trace_index_incr(), number + 1);
 }
 
-void see(OpenFunctions &open, const std::string &function, const std::string &message) {
-    const std::string text = "#1: TRC: " + function + ":1 ctx=0x1," + message;
-    open.see(parse_trace_line(text));
+// The functions of a trace, line by line, and what is innermost then: "walker,conversion".
+using Calls = std::vector<std::pair<std::string, std::string>>;
+
+void expect_innermost(const Calls &calls) {
+    OpenFunctions open;
+    EXPECT_EQ(open.walker() + "," + open.conversion(), ",");
+    for (const auto &[call, innermost] : calls) {
+        const std::string text = "#1: " + call;
+        open.see(parse_trace_line(text));
+        EXPECT_EQ(open.walker() + "," + open.conversion(), innermost) << call;
+    }
 }
 
 TEST(OpenFunctions, TellsTheInnermostWalkerAndConversion) {
-    OpenFunctions open;
-    EXPECT_EQ(open.walker(), "");
-    EXPECT_EQ(open.conversion(), "");
-    see(open, "ymap_o2n_m_lvla_aps", "Start");
-    see(open, "ymap_o2n_m_cont_lvla_aps", "Start");
-    EXPECT_EQ(open.walker(), "ymap_o2n_m_lvla_aps");
-    see(open, "ymap_o2n_m_lvla_aps_leaf", "Start");
-    see(open, "some_leaf_to_low", "Start");
-    see(open, "add_interface_key", "Start");
-    EXPECT_EQ(open.walker(), "ymap_o2n_m_lvla_aps_leaf");
-    EXPECT_EQ(open.conversion(), "some_leaf_to_low");
-    see(open, "add_interface_key", "End");
-    see(open, "some_leaf_to_low", "End");
-    EXPECT_EQ(open.conversion(), "");
-    see(open, "ymap_o2n_m_lvla_aps_leaf", "End");
-    EXPECT_EQ(open.walker(), "ymap_o2n_m_lvla_aps");
+    expect_innermost({
+        {"TRC: ymap_o2n_m_lvla_aps:1 ctx=0x1,Start", "ymap_o2n_m_lvla_aps,"},
+        {"TRC: ymap_o2n_m_cont_lvla_aps:1 ctx=0x1,Start", "ymap_o2n_m_lvla_aps,"},
+        {"TRC: ymap_o2n_m_lvla_aps_leaf:1 ctx=0x1,Start", "ymap_o2n_m_lvla_aps_leaf,"},
+        {"TRC: some_leaf_to_low:1 ctx=0x1,Start", "ymap_o2n_m_lvla_aps_leaf,some_leaf_to_low"},
+        {"TRC: add_interface_key:1 ctx=0x1,Start", "ymap_o2n_m_lvla_aps_leaf,some_leaf_to_low"},
+        {"TRC: add_interface_key:1 ctx=0x1,End", "ymap_o2n_m_lvla_aps_leaf,some_leaf_to_low"},
+        {"TRC: some_leaf_to_low:1 ctx=0x1,End", "ymap_o2n_m_lvla_aps_leaf,"},
+        {"TRC: ymap_o2n_m_lvla_aps_leaf:1 ctx=0x1,End", "ymap_o2n_m_lvla_aps,"},
+    });
 }
 
 TEST(OpenFunctions, TheEndOfACallerEndsWhatItCalled) {
-    OpenFunctions open;
-    see(open, "ymap_o2n_m_lvla_outer", "Start");
-    see(open, "ymap_o2n_m_lvla_skipped", "Start");
-    see(open, "ymap_o2n_m_lvla_outer", "End");
-    EXPECT_EQ(open.walker(), "");
-    see(open, "ymap_o2n_m_lvla_never_started", "End");
-    EXPECT_EQ(open.walker(), "");
+    expect_innermost({
+        {"TRC: ymap_o2n_m_lvla_outer:1 ctx=0x1,Start", "ymap_o2n_m_lvla_outer,"},
+        {"TRC: ymap_o2n_m_lvla_skipped:1 ctx=0x1,Start", "ymap_o2n_m_lvla_skipped,"},
+        {"TRC: ymap_o2n_m_lvla_outer:1 ctx=0x1,End", ","},
+        {"TRC: ymap_o2n_m_lvla_never_started:1 ctx=0x1,End", ","},
+    });
 }
 
 TEST(OpenFunctions, ErrorsAndOtherMessagesChangeNothing) {
-    OpenFunctions open;
-    see(open, "a_to_low", "Start");
-    open.see(parse_trace_line("#1: ERR: a_to_low:1 ctx=0x1,End"));
-    see(open, "a_to_low", "Ending");
-    EXPECT_EQ(open.conversion(), "a_to_low");
+    expect_innermost({
+        {"TRC: a_to_low:1 ctx=0x1,Start", ",a_to_low"},
+        {"ERR: a_to_low:1 ctx=0x1,End", ",a_to_low"},
+        {"TRC: a_to_low:1 ctx=0x1,Ending", ",a_to_low"},
+    });
 }
 
 } // namespace
