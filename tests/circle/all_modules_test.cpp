@@ -145,7 +145,7 @@ TEST_F(AllModules, OfTheExample) {
 }
 
 TEST_F(AllModules, WithOneInEverySlot) {
-    ASSERT_TRUE(system.fit(2));
+    ASSERT_TRUE(system.does([](const auto &line_system) { line_system.fit(2); }));
     EXPECT_EQ(answered(Kind::get), joined({first_answer, second_answer, third_answer}));
     EXPECT_EQ(answered(Kind::get_config),
               joined({configuration(first_answer), configuration(second_answer), configuration(third_answer)}));

@@ -45,7 +45,7 @@ void LineSystem::begin(const std::vector<int> &slots) {
 void LineSystem::become_bare(const std::vector<int> &slots) {
     begin({});
     for (const int slot : slots) {
-        fit(slot);
+        system_->fit(slot);
     }
 }
 

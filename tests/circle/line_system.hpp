@@ -41,24 +41,15 @@ public:
 
     const ocpsm::Service &service() const { return *service_; }
 
-    // False for what is refused.
-    bool fit(int slot) {
-        return is_done([&] { system_->fit(slot); });
-    }
-    bool pull(int slot) {
-        return is_done([&] { system_->pull(slot); });
-    }
-    bool cut(int slot, Line line) {
-        return is_done([&] { system_->cut(slot, line); });
-    }
-    bool splice(int slot, Line line) {
-        return is_done([&] { system_->splice(slot, line); });
-    }
-    bool light(int slot, Line line, int hundredths_of_dbm) {
-        return is_done([&] { system_->light(slot, line, hundredths_of_dbm); });
-    }
-    bool tick(std::uint32_t milliseconds) {
-        return is_done([&] { system_->tick(milliseconds); });
+    // Does something to it. False when that is refused.
+    template <class Operation>
+    bool does(Operation operation) const {
+        try {
+            operation(*system_);
+        } catch (const ocpsm::Error &) {
+            return false;
+        }
+        return true;
     }
 
     // Takes a module's inventory out of the system database, and nothing else.
@@ -66,16 +57,6 @@ public:
 
 private:
     void begin(const std::vector<int> &slots);
-
-    template <class Operation>
-    static bool is_done(Operation operation) {
-        try {
-            operation();
-        } catch (const ocpsm::Error &) {
-            return false;
-        }
-        return true;
-    }
 
     std::optional<Directory> directory_;
     std::optional<ocpsm::SimulatedLineSystem> system_;

@@ -372,19 +372,20 @@ public:
         case Do::clear:
             return clear(step, before);
         case Do::cut:
-            return agree(system_.cut(step.slot, step.line), model_.cut(step.slot, step.line, true));
+            return agree([&](auto &real) { real.cut(step.slot, step.line); }, model_.cut(step.slot, step.line, true));
         case Do::splice:
-            return agree(system_.splice(step.slot, step.line), model_.cut(step.slot, step.line, false));
+            return agree([&](auto &real) { real.splice(step.slot, step.line); },
+                         model_.cut(step.slot, step.line, false));
         case Do::light:
-            return agree(system_.light(step.slot, step.line, step.amount),
+            return agree([&](auto &real) { real.light(step.slot, step.line, step.amount); },
                          model_.light(step.slot, step.line, step.amount));
         case Do::tick:
             count(model_.tick(static_cast<std::uint32_t>(step.amount)));
-            return agree(system_.tick(static_cast<std::uint32_t>(step.amount)), true);
+            return agree([&](auto &real) { real.tick(static_cast<std::uint32_t>(step.amount)); }, true);
         case Do::pull:
-            return agree(system_.pull(step.slot), model_.pull(step.slot));
+            return agree([&](auto &real) { real.pull(step.slot); }, model_.pull(step.slot));
         case Do::fit:
-            return agree(system_.fit(step.slot), model_.fit(step.slot));
+            return agree([&](auto &real) { real.fit(step.slot); }, model_.fit(step.slot));
         }
         return "no step";
     }
@@ -399,7 +400,9 @@ private:
         counts_.measured += passed.measured;
     }
 
-    static std::string agree(bool done, bool expected) {
+    template <class Operation>
+    std::string agree(Operation operation, bool expected) const {
+        const bool done = system_.does(operation);
         return done == expected ? "" : std::string("  was ") + (done ? "done" : "refused") + "\n";
     }
 
