@@ -19,6 +19,33 @@ const char *active_path(const char *primary_status) {
     return std::strcmp(primary_status, "active") == 0 ? "PRIMARY" : "SECONDARY";
 }
 
+// The read is one that the row is written in.
+bool is_answered(yfw_map_ctx ctx, Kinds kinds) {
+    constexpr std::uint32_t selects_leaves = 2;
+    switch (kinds) {
+    case Kinds::unless_state_only:
+        return ctx->request->selection_mode != selects_leaves || ctx->request->leaf_selection == 0;
+    case Kinds::with_state:
+        return is_operational_read(ctx);
+    case Kinds::without_state:
+        return operation_kind(ctx) == YFW_KIND_GET_CONFIG;
+    default:
+        return true;
+    }
+}
+
+kerrno write_leaf(const Target &target, const AnswerLeaf &leaf, const char *text, kerrno result) {
+    const bool stitched = leaf.manner == Manner::stitched;
+    if (target.told == Told::all || (target.told == Told::stitched && stitched)) {
+        trace_module(target.row.function, target.ctx, target.module);
+    }
+    if (stitched) {
+        stitch_module_leaf(target.ctx, target.destination, target.module, leaf.path, text);
+        return result;
+    }
+    return add_module_leaf(target.ctx, target.destination, leaf.path, text);
+}
+
 } // namespace
 
 AnswerLeaves first_group(AnswerLeaves leaves) {
@@ -84,27 +111,21 @@ kerrno answer_for_others(Others others, yfw_map_ctx ctx, const char *controller,
     }
 }
 
-bool is_answered(yfw_map_ctx ctx, Kinds kinds) {
-    constexpr std::uint32_t selects_leaves = 2;
-    switch (kinds) {
-    case Kinds::unless_state_only:
-        return ctx->request->selection_mode != selects_leaves || ctx->request->leaf_selection == 0;
-    case Kinds::with_state:
-        return is_operational_read(ctx);
-    case Kinds::without_state:
-        return operation_kind(ctx) == YFW_KIND_GET_CONFIG;
-    default:
-        return true;
+kerrno write_text(const Target &target, AnswerLeaves leaves, const char *text, kerrno result) {
+    for (const AnswerLeaf &leaf : leaves) {
+        if (is_answered(target.ctx, leaf.kinds)) {
+            result = write_leaf(target, leaf, text, result);
+        }
     }
+    return result;
 }
 
-kerrno write_leaf(const AnswerLeaf &leaf, yfw_map_ctx ctx, Node *destination, const char *module, const char *value,
-                  kerrno result) {
-    if (leaf.manner == Manner::stitched) {
-        stitch_module_leaf(ctx, destination, module, leaf.path, value);
+kerrno write_native(const Target &target, AnswerLeaves leaves, const char *native, kerrno result) {
+    if (leaves.empty()) {
         return result;
     }
-    return add_module_leaf(ctx, destination, leaf.path, value);
+    const AnswerValue value(leaves.front().value, native);
+    return write_text(target, leaves, value.text(), result);
 }
 
 } // namespace ymap

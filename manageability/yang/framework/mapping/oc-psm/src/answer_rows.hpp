@@ -100,12 +100,27 @@ private:
 // The result for an entry of this controller that is none of a primary port, given that of its lookup.
 kerrno answer_for_others(Others others, yfw_map_ctx ctx, const char *controller, kerrno lookup);
 
-// The read is one that the row is written in.
-bool is_answered(yfw_map_ctx ctx, Kinds kinds);
+// The leaves that tell in the trace which module they are written for.
+enum class Told {
+    none,
+    stitched, // a module is made by its key, which is stitched
+    all,
+};
 
-// Writes a row of the module with this key. The result is that of an addition, else `result`.
-kerrno write_leaf(const AnswerLeaf &leaf, yfw_map_ctx ctx, Node *destination, const char *module, const char *value,
-                  kerrno result);
+// Where the leaves of a conversion go.
+struct Target {
+    const AnswerRow &row;
+    yfw_map_ctx ctx;
+    Node *destination;
+    const char *module; // its key; may be null where all leaves are added below the current module
+    Told told;
+};
+
+// Writes the leaves that the read asks for. The result is that of the last addition, `result` where there was none.
+kerrno write_text(const Target &target, AnswerLeaves leaves, const char *text, kerrno result);
+
+// The same with a native text, which the first leaf says how to convert. Without leaves nothing is converted.
+kerrno write_native(const Target &target, AnswerLeaves leaves, const char *native, kerrno result);
 
 } // namespace ymap
 

@@ -22,35 +22,17 @@ private:
     bool read_ = false;
 };
 
-// The module that a value belongs to, and where its leaves go.
-struct Target {
-    const AnswerRow &row;
-    yfw_map_ctx ctx;
-    Node *destination;
-    const char *module;
-};
-
-void write_group(const Target &target, AnswerLeaves group, const char *native) {
-    const AnswerValue value(group.front().value, native);
-    for (const AnswerLeaf &leaf : group) {
-        if (is_answered(target.ctx, leaf.kinds)) {
-            trace_module(target.row.function, target.ctx, target.module);
-            write_leaf(leaf, target.ctx, target.destination, target.module, value.text(), KERR_SUCCESS);
-        }
-    }
-}
-
 void write_ports(const Target &target, const char *native) {
     for (AnswerLeaves rest = target.row.leaves; !rest.empty();) {
         const AnswerLeaves group = first_group(rest);
         rest = rest.subspan(group.size());
         if (group.front().reader == answer) {
-            write_group(target, group, native);
+            write_native(target, group, native, KERR_SUCCESS);
             continue;
         }
         DatabaseText read(target.ctx, group.front(), target.module);
         if (read.was_read()) {
-            write_group(target, group, read.text());
+            write_native(target, group, read.text(), KERR_SUCCESS);
         }
     }
 }
@@ -65,7 +47,7 @@ kerrno port_values(const AnswerRow &row, yfw_map_ctx ctx, const Node *source, No
         return answer_for_others(row.others, ctx, name, lookup);
     }
     if (has_value(*source)) {
-        write_ports({row, ctx, destination, module}, source->value);
+        write_ports({row, ctx, destination, module, Told::all}, source->value);
     }
     return lookup;
 }

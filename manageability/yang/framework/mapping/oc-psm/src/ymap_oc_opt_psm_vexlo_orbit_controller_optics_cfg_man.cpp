@@ -8,7 +8,7 @@ using namespace ymap;
 
 kerrno optics_setting(const AnswerRow &row, yfw_map_ctx ctx, const Node *source, Node *destination) {
     const char *name = nullptr;
-    kerrno result = yfw_map_get_node_info(ctx, row.key_list, "interface-name", &name);
+    const kerrno result = yfw_map_get_node_info(ctx, row.key_list, "interface-name", &name);
     YMAP_TRACE(row.function, ctx, "controller_name: %s", shown(name));
     const LineController controller(name);
     const AnswerValue value(row.leaves.front().value, value_of(*source));
@@ -19,12 +19,8 @@ kerrno optics_setting(const AnswerRow &row, yfw_map_ctx ctx, const Node *source,
     if (!has_value(*source)) {
         return result;
     }
-    for (const AnswerLeaf &leaf : rows_of(row.leaves, line_source(controller.port))) {
-        if (is_answered(ctx, leaf.kinds)) {
-            result = write_leaf(leaf, ctx, destination, module, value.text(), result);
-        }
-    }
-    return result;
+    return write_text({row, ctx, destination, module, Told::none}, rows_of(row.leaves, line_source(controller.port)),
+                      value.text(), result);
 }
 
 } // namespace

@@ -6,20 +6,6 @@ namespace {
 
 using namespace ymap;
 
-void write(const AnswerRow &row, AnswerLeaves leaves, yfw_map_ctx ctx, Node *destination, const char *module,
-           const char *native) {
-    if (leaves.empty()) {
-        return;
-    }
-    const AnswerValue value(leaves.front().value, native);
-    for (const AnswerLeaf &leaf : leaves) {
-        if (is_answered(ctx, leaf.kinds)) {
-            trace_module(row.function, ctx, module);
-            write_leaf(leaf, ctx, destination, module, value.text(), KERR_SUCCESS);
-        }
-    }
-}
-
 // Thresholds are told apart by the port in the controller's name alone.
 kerrno threshold(const AnswerRow &row, yfw_map_ctx ctx, const Node *source, Node *destination) {
     const char *name = nullptr;
@@ -33,7 +19,8 @@ kerrno threshold(const AnswerRow &row, yfw_map_ctx ctx, const Node *source, Node
     compare_path(ctx, ctx->request->request_root, "aps/aps-modules/aps-module/name", path, requested);
     YMAP_TRACE(row.function, ctx, "key: %s", requested);
     if (has_value(*source)) {
-        write(row, rows_of(row.leaves, line_source(controller.port)), ctx, destination, module, source->value);
+        write_native({row, ctx, destination, module, Told::all}, rows_of(row.leaves, line_source(controller.port)),
+                     source->value, KERR_SUCCESS);
     }
     return lookup;
 }
@@ -46,7 +33,7 @@ kerrno module_name(const AnswerRow &row, yfw_map_ctx ctx, const Node *source, No
     if (check_controller_name_ots_is_good(ctx, name, module) != 1) {
         return answer_for_others(row.others, ctx, name, KERR_SUCCESS);
     }
-    write(row, row.leaves, ctx, destination, module, module);
+    write_text({row, ctx, destination, module, Told::all}, row.leaves, module, KERR_SUCCESS);
     return KERR_SUCCESS;
 }
 

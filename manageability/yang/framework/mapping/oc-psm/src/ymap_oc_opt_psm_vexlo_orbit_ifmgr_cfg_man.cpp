@@ -14,26 +14,11 @@ using namespace ymap;
 
 constexpr std::size_t text_size = 200;
 
-// A module is made by its key: the leaf that is stitched says so in the trace.
-kerrno write(const AnswerRow &row, AnswerLeaves leaves, yfw_map_ctx ctx, Node *destination, const char *module,
-             kerrno result) {
-    for (const AnswerLeaf &leaf : leaves) {
-        if (!is_answered(ctx, leaf.kinds)) {
-            continue;
-        }
-        if (leaf.manner == Manner::stitched) {
-            trace_module(row.function, ctx, module);
-        }
-        result = write_leaf(leaf, ctx, destination, module, module, result);
-    }
-    return result;
-}
-
 kerrno name_to_high(const AnswerRow &row, yfw_map_ctx ctx, const Node *source, Node *destination) {
     char module[text_size] = {};
     const char *name = value_of(*source);
     if (check_controller_name_ots_is_good(ctx, name, module) == 1) {
-        return write(row, row.leaves, ctx, destination, module, KERR_SUCCESS);
+        return write_text({row, ctx, destination, module, Told::stitched}, row.leaves, module, KERR_SUCCESS);
     }
     return answer_for_others(row.others, ctx, name, KERR_SUCCESS);
 }
@@ -85,7 +70,7 @@ kerrno list_to_high(const AnswerRow &row, yfw_map_ctx ctx, const Node *source, N
     }
     const kerrno opened = yfw_map_datatree_add_path_flagged(ctx, destination, YMAP_MODULE, openconfig, nullptr,
                                                             is_delete(source) ? source : nullptr, nullptr, 1, 0);
-    return write(row, row.leaves.subspan(1), ctx, destination, module, opened);
+    return write_text({row, ctx, destination, module, Told::stitched}, row.leaves.subspan(1), module, opened);
 }
 
 kerrno interface_entry(const AnswerRow &row, yfw_map_ctx ctx, const Node *source, Node *destination) {

@@ -8,18 +8,12 @@ using namespace ymap;
 
 kerrno slot_setting(const AnswerRow &row, yfw_map_ctx ctx, const Node *source, Node *destination) {
     const char *slot = nullptr;
-    kerrno result = yfw_map_get_node_info(ctx, row.key_list, "slot-id", &slot);
+    const kerrno result = yfw_map_get_node_info(ctx, row.key_list, "slot-id", &slot);
     YMAP_TRACE(row.function, ctx, "slot_id: %s, input data %s", shown(slot), shown(value_of(*source)));
     if (!has_value(*source)) {
         return result;
     }
-    const AnswerValue value(row.leaves.front().value, source->value);
-    for (const AnswerLeaf &leaf : row.leaves) {
-        if (is_answered(ctx, leaf.kinds)) {
-            result = write_leaf(leaf, ctx, destination, nullptr, value.text(), result);
-        }
-    }
-    return result;
+    return write_native({row, ctx, destination, nullptr, Told::none}, row.leaves, source->value, result);
 }
 
 } // namespace
