@@ -24,11 +24,11 @@ bool is_answered(yfw_map_ctx ctx, Kinds kinds) {
     constexpr std::uint32_t selects_leaves = 2;
     switch (kinds) {
     case Kinds::unless_state_only:
-        return ctx->request->selection_mode != selects_leaves || ctx->request->leaf_selection == 0;
+        return selection_mode_of(*request_of(ctx)) != selects_leaves || leaf_selection_of(*request_of(ctx)) == 0;
     case Kinds::with_state:
         return is_operational_read(ctx);
     case Kinds::without_state:
-        return operation_kind(ctx) == YFW_KIND_GET_CONFIG;
+        return operation_kind(ctx) == kind_get_config;
     default:
         return true;
     }
@@ -44,6 +44,15 @@ kerrno write_leaf(const Target &target, const AnswerLeaf &leaf, const char *text
         return result;
     }
     return add_module_leaf(target.ctx, target.destination, leaf.path, text);
+}
+
+inline kerrno write_leaves(const Target &target, AnswerLeaves leaves, const char *text, kerrno result) {
+    for (const AnswerLeaf &leaf : leaves) {
+        if (is_answered(target.ctx, leaf.kinds)) {
+            result = write_leaf(target, leaf, text, result);
+        }
+    }
+    return result;
 }
 
 } // namespace
@@ -112,12 +121,7 @@ kerrno answer_for_others(Others others, yfw_map_ctx ctx, const char *controller,
 }
 
 kerrno write_text(const Target &target, AnswerLeaves leaves, const char *text, kerrno result) {
-    for (const AnswerLeaf &leaf : leaves) {
-        if (is_answered(target.ctx, leaf.kinds)) {
-            result = write_leaf(target, leaf, text, result);
-        }
-    }
-    return result;
+    return write_leaves(target, leaves, text, result);
 }
 
 kerrno write_native(const Target &target, AnswerLeaves leaves, const char *native, kerrno result) {
@@ -125,7 +129,7 @@ kerrno write_native(const Target &target, AnswerLeaves leaves, const char *nativ
         return result;
     }
     const AnswerValue value(leaves.front().value, native);
-    return write_text(target, leaves, value.text(), result);
+    return write_leaves(target, leaves, value.text(), result);
 }
 
 } // namespace ymap

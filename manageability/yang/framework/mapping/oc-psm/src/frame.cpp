@@ -28,16 +28,16 @@ kerrno end(const Function &function, yfw_map_ctx ctx, kerrno result) {
 }
 
 void record_error_node(yfw_map_ctx ctx, const char *tag, const char *allocation) {
-    if (ctx == nullptr || ctx->request == nullptr) {
+    if (ctx == nullptr || request_of(ctx) == nullptr) {
         return;
     }
-    char *&name = ctx->request->error_node_name;
-    if (name != nullptr) {
+    Request &request = *request_of(ctx);
+    if (char *const name = error_node_name_of(request); name != nullptr) {
         hvs_named_free(name);
-        name = nullptr;
+        set_error_node_name(request, nullptr);
     }
     if (tag != nullptr) {
-        name = yfw_strdup(tag, allocation);
+        set_error_node_name(request, yfw_strdup(tag, allocation));
     }
 }
 

@@ -6,7 +6,11 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "yfw_map.h"
+#ifdef OC_PSM_PLATFORM_ACCESS
+#include OC_PSM_PLATFORM_ACCESS // a device's own
+#else
+#include "platform_access.hpp"
+#endif
 
 #define YMAP_EXPORT __attribute__((visibility("default")))
 
@@ -25,8 +29,6 @@
         name) "(yfw_map_ctx, const struct kidl_yfw_datatree *, unsigned int, struct kidl_yfw_datatree *)"
 
 namespace ymap {
-
-using Node = kidl_yfw_datatree;
 
 // The exported function that is being run, as messages and assertions name it.
 struct Function {
@@ -63,21 +65,21 @@ inline const char *shown(const char *text) {
 // wants them.
 #define YMAP_EMIT(function, ctx, level, log, word, text, ...)                                                          \
     do {                                                                                                               \
-        if (yfw_debug_should_log(&(ctx)->debug_log_filter, level) != 0) {                                              \
+        if (yfw_debug_should_log(ymap::log_filter_of(ctx), level) != 0) {                                              \
             static std::uint32_t site = 0xffffffff;                                                                    \
-            _hvs_dt_log_filter_adv((ctx)->log, 0, 0, 0, 0, 0, &site, word ": YFW: ctx=%p," text,                       \
+            _hvs_dt_log_filter_adv(ymap::log(ctx), 0, 0, 0, 0, 0, &site, word ": YFW: ctx=%p," text,                   \
                                    static_cast<void *>(ctx) __VA_OPT__(, ) __VA_ARGS__);                               \
         }                                                                                                              \
-        if ((ctx)->trace_enabled != 0) {                                                                               \
+        if (ymap::is_traced(ctx)) {                                                                                    \
             char line[ymap::trace_text_size];                                                                          \
             std::snprintf(line, sizeof line, "#%u: " word ": %s:%d ctx=%p," text, ret_nc_yfw_trace_index_incr(),       \
                           (function).name, __LINE__, static_cast<void *>(ctx) __VA_OPT__(, ) __VA_ARGS__);             \
-            _lstrace((ctx)->trace_buffer, ymap::trace_buffer_options, line);                                           \
+            _lstrace(ymap::trace_buffer_of(ctx), ymap::trace_buffer_options, line);                                    \
         }                                                                                                              \
     } while (false)
 
-#define YMAP_ERROR(function, ctx, ...) YMAP_EMIT(function, ctx, ymap::log_level_error, error_log, "ERR", __VA_ARGS__)
-#define YMAP_TRACE(function, ctx, ...) YMAP_EMIT(function, ctx, ymap::log_level_trace, trace_log, "TRC", __VA_ARGS__)
+#define YMAP_ERROR(function, ctx, ...) YMAP_EMIT(function, ctx, ymap::log_level_error, error_log_of, "ERR", __VA_ARGS__)
+#define YMAP_TRACE(function, ctx, ...) YMAP_EMIT(function, ctx, ymap::log_level_trace, trace_log_of, "TRC", __VA_ARGS__)
 
 namespace ymap {
 
@@ -97,18 +99,18 @@ inline constexpr char allocation_tag[] = "YFW MAP";
 void record_error_node(yfw_map_ctx ctx, const char *tag, const char *allocation);
 
 inline std::uint32_t operation_kind(yfw_map_ctx ctx) {
-    return ctx->request->registration->operation_kind;
+    return operation_kind_of(*request_of(ctx));
 }
 
 // A request of kind 0 or 10.
 inline bool is_read(yfw_map_ctx ctx) {
     const std::uint32_t kind = operation_kind(ctx);
-    return kind == YFW_KIND_GET_CONFIG || kind == YFW_KIND_GET;
+    return kind == kind_get_config || kind == kind_get;
 }
 
 // The read that includes operational state.
 inline bool is_operational_read(yfw_map_ctx ctx) {
-    return operation_kind(ctx) == YFW_KIND_GET;
+    return operation_kind(ctx) == kind_get;
 }
 
 inline bool is_delete(const Node *node) {
@@ -120,12 +122,12 @@ inline bool match(const char *first, const char *second) {
 }
 
 inline bool has_value(const Node &node) {
-    return (node.flags & YFW_NODE_HAS_VALUE) != 0 && node.value != nullptr;
+    return has_flag(node, flag_has_value) && held_value_of(node) != nullptr;
 }
 
 // The value of a leaf, null when it has none.
 inline const char *value_of(const Node &leaf) {
-    return has_value(leaf) ? leaf.value : nullptr;
+    return has_value(leaf) ? held_value_of(leaf) : nullptr;
 }
 
 // The framework's trees are writable: a walk leaves its marks in the nodes that callbacks get as const.

@@ -11,20 +11,21 @@ LineController::LineController(const char *name) {
 }
 
 kerrno add_module_leaf(yfw_map_ctx ctx, Node *destination, const char *leaf, const char *value) {
-    char path[YFW_STITCH_PATH_SIZE] = {};
+    char path[stitch_path_size] = {};
     std::snprintf(path, sizeof path, YMAP_MODULE "%s", leaf);
     return yfw_map_datatree_add_path_flagged(ctx, destination, path, openconfig, value, nullptr, nullptr, 0, 0);
 }
 
 void stitch_module_leaf(yfw_map_ctx ctx, Node *destination, const char *module, const char *leaf, const char *value) {
-    yfw_map_stitch_entry entry{};
-    entry.in_use = 1;
-    entry.destination = destination;
-    entry.value_kind = YFW_STITCH_VALUE_TEXT;
-    std::snprintf(entry.namespace_uri, sizeof entry.namespace_uri, "%s", openconfig);
-    std::snprintf(entry.value, sizeof entry.value, "%s", value);
-    std::snprintf(entry.instance_path, sizeof entry.instance_path, YMAP_MODULE "[name=%s]%s", module, leaf);
-    std::snprintf(entry.schema_path, sizeof entry.schema_path, YMAP_MODULE "%s", leaf);
+    StitchEntry entry{};
+    set_in_use(entry, 1);
+    set_destination(entry, destination);
+    set_value_kind(entry, stitch_value_text);
+    std::snprintf(namespace_of(entry).data(), namespace_of(entry).size(), "%s", openconfig);
+    std::snprintf(value_of(entry).data(), value_of(entry).size(), "%s", value);
+    std::snprintf(instance_path_of(entry).data(), instance_path_of(entry).size(), YMAP_MODULE "[name=%s]%s", module,
+                  leaf);
+    std::snprintf(schema_path_of(entry).data(), schema_path_of(entry).size(), YMAP_MODULE "%s", leaf);
     yfw_map_stitch_list_to_list(ctx, &entry);
 }
 

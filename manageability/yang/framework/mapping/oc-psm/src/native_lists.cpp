@@ -28,8 +28,8 @@ kerrno open_module(yfw_map_ctx ctx, const Controller &controller, Node *destinat
     if (!is_operational_read(ctx)) {
         return controller.lookup;
     }
-    return yfw_map_search_or_add_list(ctx, destination, ctx->request->module_list, YMAP_MODULE, controller.module,
-                                      "name", openconfig);
+    return yfw_map_search_or_add_list(ctx, destination, module_list_of(*request_of(ctx)), YMAP_MODULE,
+                                      controller.module, "name", openconfig);
 }
 
 } // namespace

@@ -29,14 +29,14 @@ const NativeWalker *known_child(const NativeVisit &visit, const char *tag) {
 
 // Hands a node to the walker of its tag, passes over what the model has but nobody asks for.
 kerrno dispatch(const NativeVisit &visit, Node &child) {
-    if (const NativeWalker *known = known_child(visit, child.tag); known != nullptr) {
+    if (const NativeWalker *known = known_child(visit, tag_of(child)); known != nullptr) {
         const kerrno result = known->walker(visit.ctx, &child, visit.destination);
         // One entry that is rejected does not hide its siblings.
         const bool absorbed = visit.self().kind == NativeKind::container && known->kind == NativeKind::list;
         return absorbed && result == YMAP_ERR_SKIP ? KERR_SUCCESS : result;
     }
-    if (match(child.namespace_uri, visit.model.namespace_uri)) {
-        YMAP_TRACE(visit.function(), visit.ctx, "Unsupported tag `%s`. Ignoring.", child.tag);
+    if (match(namespace_of(child), visit.model.namespace_uri)) {
+        YMAP_TRACE(visit.function(), visit.ctx, "Unsupported tag `%s`. Ignoring.", tag_of(child));
         return KERR_SUCCESS;
     }
     return visit.self().hook(visit.ctx, &child, visit.destination);
@@ -49,7 +49,7 @@ kerrno refuse_untagged(const NativeVisit &visit) {
 
 kerrno dispatch_children(const NativeVisit &visit) {
     for (Node &child : children_of(visit.node)) {
-        const kerrno result = child.tag != nullptr ? dispatch(visit, child) : refuse_untagged(visit);
+        const kerrno result = tag_of(child) != nullptr ? dispatch(visit, child) : refuse_untagged(visit);
         if (result != KERR_SUCCESS) {
             return result;
         }
@@ -72,7 +72,7 @@ void consume_keys(const NativeVisit &visit) {
     for (Node &child : children_of(visit.node)) {
         const auto &keys = visit.self().keys;
         if (std::any_of(std::begin(keys), std::end(keys),
-                        [&child](const char *key) { return match(child.tag, key); })) {
+                        [&child](const char *key) { return match(tag_of(child), key); })) {
             consume(child);
         }
     }
@@ -92,9 +92,9 @@ kerrno walk_list(const NativeVisit &visit) {
             return result;
         }
     }
-    const std::uint32_t depth = visit.ctx->request->output_depth;
+    const std::uint32_t depth = output_depth_of(*request_of(visit.ctx));
     yfw_add_to_output_list_ctx(visit.ctx, &visit.node, visit.destination);
-    const bool opened = visit.ctx->request->output_depth > depth;
+    const bool opened = output_depth_of(*request_of(visit.ctx)) > depth;
     if (result == KERR_SUCCESS) {
         result = dispatch_children(visit);
     }
@@ -107,19 +107,19 @@ kerrno walk_list(const NativeVisit &visit) {
 
 kerrno walk_leaf(const NativeVisit &visit) {
     const Node &leaf = visit.node;
-    if (leaf.hierarchy_kind == YFW_KIND_XPATH_ERROR && (leaf.second_flags & YFW_NODE2_KIND_SET) != 0) {
+    if (hierarchy_kind_of(leaf) == kind_xpath_error && has_second_flag(leaf, second_flag_kind_set)) {
         YMAP_TRACE(visit.function(), visit.ctx, "got xpath error node ");
-        visit.ctx->request->xpath_error = 1;
+        set_xpath_error(*request_of(visit.ctx), 1);
     }
     return visit.self().callback(visit.ctx, &leaf, visit.destination);
 }
 
 // An augment entry gets the augmenting node itself, not the list entry above it.
 kerrno walk_augment(const NativeVisit &visit) {
-    if (visit.node.tag == nullptr) {
+    if (tag_of(visit.node) == nullptr) {
         return refuse_untagged(visit);
     }
-    YMAP_TRACE(visit.function(), visit.ctx, "Processing tag '%s'", visit.node.tag);
+    YMAP_TRACE(visit.function(), visit.ctx, "Processing tag '%s'", tag_of(visit.node));
     return dispatch(visit, visit.node);
 }
 
@@ -127,7 +127,7 @@ kerrno walk(const NativeVisit &visit) {
     if (visit.self().kind == NativeKind::leaf) {
         return walk_leaf(visit);
     }
-    if (lacks_children(visit.node) && visit.node.child_count != 0) {
+    if (lacks_children(visit.node) && child_count_of(visit.node) != 0) {
         return refuse_malformed(visit.function(), visit.ctx);
     }
     switch (visit.self().kind) {

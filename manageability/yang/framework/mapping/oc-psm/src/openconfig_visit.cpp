@@ -91,9 +91,9 @@ std::span<const NodeId> children_of(NodeId id) {
 void Visit::enter() {
     const bool list = self.kind == RowKind::list;
     yfw_map_add_to_node_hierarchy(ctx, &node, list ? 2 : 1);
-    set_hierarchy_kind(list ? YFW_KIND_LIST : YFW_KIND_CONTAINER);
+    set_hierarchy_kind(list ? kind_list : kind_container);
     if (is_read(ctx)) {
-        request.read_selection &= read_selection_mask;
+        clear_read_selection(request, ~read_selection_mask);
     }
 }
 
@@ -102,8 +102,8 @@ void Visit::leave() {
 }
 
 void Visit::set_hierarchy_kind(std::uint32_t kind) {
-    node.hierarchy_kind = kind;
-    node.second_flags |= YFW_NODE2_KIND_SET;
+    ymap::set_hierarchy_kind(node, kind);
+    add_second_flag(node, second_flag_kind_set);
 }
 
 const Walker *Visit::known_child(const char *tag) const {
@@ -118,27 +118,27 @@ const Walker *Visit::known_child(const char *tag) const {
 }
 
 kerrno Visit::dispatch(Node &child) {
-    const Walker *known = child.tag != nullptr ? known_child(child.tag) : nullptr;
+    const Walker *known = tag_of(child) != nullptr ? known_child(tag_of(child)) : nullptr;
     return known != nullptr ? known->walker(ctx, &child, destination) : dispatch_unknown(child);
 }
 
 kerrno Visit::dispatch_unknown(Node &child) {
-    if (child.tag == nullptr) {
+    if (tag_of(child) == nullptr) {
         YMAP_ERROR(self.function, ctx, "Tag name is not available!");
         return YMAP_ERR_BAD_TREE;
     }
-    if (!match(child.namespace_uri, openconfig)) {
+    if (!match(namespace_of(child), openconfig)) {
         return self.hook(ctx, &child, destination);
     }
     if (self.kind == RowKind::list) {
-        YMAP_ERROR(self.function, ctx, "Unsupported tag `%s`is specified in the request.", child.tag);
+        YMAP_ERROR(self.function, ctx, "Unsupported tag `%s`is specified in the request.", tag_of(child));
     } else {
-        YMAP_ERROR(self.function, ctx, "Unsupported tag `%s` is specified in the request.", child.tag);
+        YMAP_ERROR(self.function, ctx, "Unsupported tag `%s` is specified in the request.", tag_of(child));
     }
     if (is_read(ctx)) {
         return KERR_SUCCESS;
     }
-    record_error_node(ctx, child.tag, allocation_tag);
+    record_error_node(ctx, tag_of(child), allocation_tag);
     yfw_oc_error_path(ctx);
     return YMAP_ERR_UNSUPPORTED;
 }
@@ -151,39 +151,39 @@ void Visit::spread_to(NodeId child) {
 }
 
 void Visit::settle_content_matches() {
-    constexpr std::uint32_t seen = YFW_READ_CONTENT_MATCH_LEAF | YFW_READ_SELECTION_LEAF;
-    if ((request.read_selection & seen) == YFW_READ_CONTENT_MATCH_LEAF) {
-        request.read_selection = (request.read_selection & ~seen) | YFW_READ_CONTENT_MATCH_ONLY;
+    if (has_read_selection(request, read_content_match_leaf) && !has_read_selection(request, read_selection_leaf)) {
+        clear_read_selection(request, read_content_match_leaf);
+        add_read_selection(request, read_content_match_only);
     }
 }
 
 void Visit::forget_read_selection() {
-    request.read_selection &= read_selection_mask;
+    clear_read_selection(request, ~read_selection_mask);
 }
 
 Replacement::Replacement(const Visit &visit)
-    : node_(visit.node), request_(visit.request), operation_(node_.operation), flags_(request_.replace_flags),
-      marker_(request_.replace_marker) {
-    rewrite_operation(YFW_OPERATION_REMOVE);
-    request_.replace_flags |= YFW_REPLACE_REMOVE_PASS;
-    request_.replace_marker = 1;
+    : node_(visit.node), request_(visit.request), operation_(operation_of(node_)), flags_(replace_flags_of(request_)),
+      marker_(replace_marker_of(request_)) {
+    rewrite_operation(operation_remove);
+    add_replace_flag(request_, replace_remove_pass);
+    set_replace_marker(request_, 1);
 }
 
 Replacement::~Replacement() {
     rewrite_operation(operation_);
-    request_.replace_flags = flags_;
-    request_.replace_marker = marker_;
+    set_replace_flags(request_, flags_);
+    set_replace_marker(request_, marker_);
 }
 
 void Replacement::begin_merge() {
-    rewrite_operation(YFW_OPERATION_MERGE);
-    const unsigned other = request_.replace_flags & ~YFW_REPLACE_REMOVE_PASS;
-    request_.replace_flags = static_cast<std::uint8_t>(other | YFW_REPLACE_MERGE_PASS);
+    rewrite_operation(operation_merge);
+    clear_replace_flag(request_, replace_remove_pass);
+    add_replace_flag(request_, replace_merge_pass);
 }
 
 void Replacement::rewrite_operation(std::uint32_t operation) {
-    node_.operation = operation;
-    node_.flags |= YFW_NODE_OPERATION_REWRITTEN;
+    set_operation(node_, operation);
+    add_flag(node_, flag_operation_rewritten);
 }
 
 } // namespace ymap

@@ -53,12 +53,12 @@ struct Outcome {
 class Visit {
 public:
     Visit(const Walker &walker, yfw_map_ctx context, const Node &source, Node *target)
-        : self(walker), ctx(context), request(*context->request), node(writable(source)), destination(target),
-          whole(request.whole_subtree_walk != 0) {}
+        : self(walker), ctx(context), request(*request_of(context)), node(writable(source)), destination(target),
+          whole(whole_subtree_walk_of(request)) {}
 
     const Walker &self;
     const yfw_map_ctx ctx;
-    yfw_map_request &request;
+    Request &request;
     Node &node;
     Node *const destination;
     const bool whole; // the visit is part of a whole-subtree walk: `node` is then the node above
@@ -82,7 +82,7 @@ public:
     // Calls the walker of a child with the node itself; its result does not count.
     void spread_to(NodeId child);
 
-    bool only_content_matches() const { return (request.read_selection & YFW_READ_CONTENT_MATCH_ONLY) != 0; }
+    bool only_content_matches() const { return has_read_selection(request, read_content_match_only); }
 
     // A container in which content matches were seen but no selection selects all of its leaves (RFC 6241, 6.2.5).
     void settle_content_matches();
@@ -95,19 +95,19 @@ public:
 // The whole-subtree flag, set unless a walk above has set it.
 class WholeSubtree {
 public:
-    explicit WholeSubtree(yfw_map_request &request) : request_(request), began_(request.whole_subtree_walk == 0) {
-        request_.whole_subtree_walk = 1;
+    explicit WholeSubtree(Request &request) : request_(request), began_(!whole_subtree_walk_of(request)) {
+        set_whole_subtree_walk(request_, true);
     }
     ~WholeSubtree() {
         if (began_) {
-            request_.whole_subtree_walk = 0;
+            set_whole_subtree_walk(request_, false);
         }
     }
     WholeSubtree(const WholeSubtree &) = delete;
     WholeSubtree &operator=(const WholeSubtree &) = delete;
 
 private:
-    yfw_map_request &request_;
+    Request &request_;
     const bool began_;
 };
 
@@ -115,14 +115,14 @@ private:
 class RemoveOperation {
 public:
     RemoveOperation(Node &node, bool removes)
-        : node_(node), turned_(removes && node.operation == YFW_OPERATION_DELETE) {
+        : node_(node), turned_(removes && operation_of(node) == operation_delete) {
         if (turned_) {
-            node_.operation = YFW_OPERATION_REMOVE;
+            set_operation(node_, operation_remove);
         }
     }
     ~RemoveOperation() {
         if (turned_) {
-            node_.operation = YFW_OPERATION_DELETE;
+            set_operation(node_, operation_delete);
         }
     }
     RemoveOperation(const RemoveOperation &) = delete;
@@ -137,16 +137,18 @@ private:
 class HiddenChildren {
 public:
     explicit HiddenChildren(Node &node)
-        : node_(node), children_(node.children), count_(node.child_count),
-          valid_(node.flags & YFW_NODE_CHILDREN_VALID) {
-        node_.children = nullptr;
-        node_.child_count = 0;
-        node_.flags &= ~YFW_NODE_CHILDREN_VALID;
+        : node_(node), children_(held_children_of(node)), count_(child_count_of(node)),
+          valid_(has_flag(node, flag_children_valid)) {
+        hold_children(node_, nullptr);
+        set_child_count(node_, 0);
+        clear_flag(node_, flag_children_valid);
     }
     ~HiddenChildren() {
-        node_.children = children_;
-        node_.child_count = count_;
-        node_.flags |= valid_;
+        hold_children(node_, children_);
+        set_child_count(node_, count_);
+        if (valid_) {
+            add_flag(node_, flag_children_valid);
+        }
     }
     HiddenChildren(const HiddenChildren &) = delete;
     HiddenChildren &operator=(const HiddenChildren &) = delete;
@@ -155,7 +157,7 @@ private:
     Node &node_;
     Node *const children_;
     const std::int32_t count_;
-    const std::uint32_t valid_;
+    const bool valid_;
 };
 
 // ---- replace ----
@@ -177,9 +179,9 @@ private:
     void rewrite_operation(std::uint32_t operation);
 
     Node &node_;
-    yfw_map_request &request_;
+    Request &request_;
     const std::uint32_t operation_;
-    const std::uint8_t flags_;
+    const ReplaceFlags flags_;
     const std::uint32_t marker_;
 };
 
@@ -188,7 +190,7 @@ enum class Hiding { nothing, children };
 // Runs the passes of a visit. A failing remove pass ends it; one that is passed over does not.
 template <typename Run>
 Outcome in_passes(Visit &visit, Hiding hiding, Run run) {
-    if (visit.node.operation != YFW_OPERATION_REPLACE) {
+    if (operation_of(visit.node) != operation_replace) {
         return run(Pass::only);
     }
     Replacement replacement(visit);

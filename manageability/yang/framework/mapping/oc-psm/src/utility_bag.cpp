@@ -75,7 +75,7 @@ public:
 
     // Takes note of a token's name, by sequence and not by nesting; true when it completes the path.
     bool completes(const bag_token_td &token) {
-        const std::string_view name = token.name != nullptr ? token.name : "";
+        const std::string_view name = name_of(token) != nullptr ? name_of(token) : "";
         if (name == names_[matched_]) {
             ++matched_;
         }
@@ -119,8 +119,8 @@ kerrno render_element(yfw_map_ctx ctx, Bag &bag, bag_token_type_td wanted, const
         if (result != KERR_SUCCESS) {
             return result;
         }
-        const bool found = element.type == wanted;
-        const bool ends = element.type == BAG_TOKEN_ARRAY_END || element.type == BAG_TOKEN_END;
+        const bool found = type_of(element) == wanted;
+        const bool ends = type_of(element) == token_type::array_end || type_of(element) == token_type::end;
         if (found) {
             render_token(ctx, element, out);
         }
@@ -139,12 +139,12 @@ kerrno search(yfw_map_ctx ctx, Bag &bag, FieldPath &path, bag_token_type_td want
             return result;
         }
         const bool found = path.completes(token);
-        if (found && token.type == BAG_TOKEN_ARRAY_START) {
+        if (found && type_of(token) == token_type::array_start) {
             result = render_element(ctx, bag, wanted, out);
         } else if (found) {
             render_token(ctx, token, out);
         }
-        const bool ends = token.type == BAG_TOKEN_END;
+        const bool ends = type_of(token) == token_type::end;
         bag_generic_free_token_allocations(&token);
         if (found || ends) {
             return result;
@@ -157,34 +157,34 @@ kerrno search(yfw_map_ctx ctx, Bag &bag, FieldPath &path, bag_token_type_td want
 namespace ymap {
 
 void render_token(yfw_map_ctx ctx, const bag_token_td &token, Output out) {
-    switch (token.type) {
-    case BAG_TOKEN_INT8:
-        return write_number(out, "%d", token.value.int8);
-    case BAG_TOKEN_UINT8:
-        return write_number(out, "%u", token.value.uint8);
-    case BAG_TOKEN_INT16:
-        return write_number(out, "%d", token.value.int16);
-    case BAG_TOKEN_UINT16:
-        return write_number(out, "%u", token.value.uint16);
-    case BAG_TOKEN_INT32:
-        return write_number(out, "%d", token.value.int32);
-    case BAG_TOKEN_UINT32:
-        return write_number(out, "%u", token.value.uint32);
-    case BAG_TOKEN_IPV4: {
+    switch (type_of(token)) {
+    case token_type::int8:
+        return write_number(out, "%d", int8_of(token));
+    case token_type::uint8:
+        return write_number(out, "%u", uint8_of(token));
+    case token_type::int16:
+        return write_number(out, "%d", int16_of(token));
+    case token_type::uint16:
+        return write_number(out, "%u", uint16_of(token));
+    case token_type::int32:
+        return write_number(out, "%d", int32_of(token));
+    case token_type::uint32:
+        return write_number(out, "%u", uint32_of(token));
+    case token_type::ipv4: {
         char address[16] = {};
-        return out.write(inet_ntoa_r(token.value.ipv4, address, sizeof address));
+        return out.write(inet_ntoa_r(ipv4_of(token), address, sizeof address));
     }
-    case BAG_TOKEN_ENUM:
-        return write_number(out, "%d", token.value.enumeration);
-    case BAG_TOKEN_BOOL:
-        return out.write(token.value.boolean != 0 ? "TRUE" : "FALSE");
-    case BAG_TOKEN_TEXT:
-        return write_text(out, token.value.text);
-    case BAG_TOKEN_TEXT2:
-        return write_text(out, token.second_text);
+    case token_type::enumeration:
+        return write_number(out, "%d", enumeration_of(token));
+    case token_type::boolean:
+        return out.write(boolean_of(token) ? "TRUE" : "FALSE");
+    case token_type::text:
+        return write_text(out, text_of(token));
+    case token_type::second_text:
+        return write_text(out, second_text_of(token));
     default:
         YMAP_ASSERT_CONTEXT(render_function, ctx);
-        YMAP_TRACE(render_function, ctx, "UNKNOWN TOKEN TYPE %d - ERROR]\n", static_cast<int>(token.type));
+        YMAP_TRACE(render_function, ctx, "UNKNOWN TOKEN TYPE %d - ERROR]\n", static_cast<int>(type_of(token)));
     }
 }
 
@@ -205,8 +205,8 @@ kerrno find_in_bag(yfw_map_ctx ctx, const char *path, bag_token_type_td wanted, 
         YMAP_TRACE(search_function, ctx, "bag_header_info failed: %s", kerr_strerror(headed));
         return headed;
     }
-    YMAP_TRACE(search_function, ctx, "[bag (len %u)] \t (%s v%d.%d)", length, header.type_name, header.version_major,
-               header.version_minor);
+    YMAP_TRACE(search_function, ctx, "[bag (len %u)] \t (%s v%d.%d)", length, type_name_of(header),
+               version_major_of(header), version_minor_of(header));
     bag_generic_state_td state = nullptr;
     const kerrno begun = bag_generic_init(bag, length, &state);
     if (begun != KERR_SUCCESS) {

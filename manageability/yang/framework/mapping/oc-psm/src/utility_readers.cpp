@@ -59,7 +59,7 @@ struct Field {
 kerrno read_field(const Function &function, yfw_map_ctx ctx, const Field &field, const char *key, Output out) {
     trace_key(function, ctx, key);
     Item item;
-    const kerrno result = item.fetch(ctx, field.bind_path, ItemPath(key, field.item).text(), SYSDB_ITEM_BAG);
+    const kerrno result = item.fetch(ctx, field.bind_path, ItemPath(key, field.item).text(), item_type::bag);
     if (result != KERR_SUCCESS) {
         return result;
     }
@@ -70,7 +70,7 @@ kerrno read_integer(const Function &function, yfw_map_ctx ctx, const char *bind_
                     const char *key, Output out) {
     trace_key(function, ctx, key);
     Item item;
-    const kerrno result = item.fetch(ctx, bind_path, ItemPath(key, item_name).text(), SYSDB_ITEM_INT32);
+    const kerrno result = item.fetch(ctx, bind_path, ItemPath(key, item_name).text(), item_type::int32);
     if (result != KERR_SUCCESS) {
         return result;
     }
@@ -109,12 +109,12 @@ kerrno read_module_name(yfw_map_ctx ctx, const char *psm_key, Output out) {
     yfw_strcpy_s(key, sizeof key, psm_key);
     const ItemPath path(replace_str(key, "/", "%2f"), "/attrib/inv_basic_bag"); // a slash would end the key
     Item item;
-    const kerrno result = item.fetch(ctx, "/oper/inventory/gl/entity/", path.text(), SYSDB_ITEM_BAG);
+    const kerrno result = item.fetch(ctx, "/oper/inventory/gl/entity/", path.text(), item_type::bag);
     if (result != KERR_SUCCESS) {
         YMAP_TRACE(function, ctx, "rc != KERR_SUCCESS");
         return result;
     }
-    return find_in_bag(ctx, "inv_phy_entity_basic_info.Name", BAG_TOKEN_TEXT, item.data(), item.length(), out);
+    return find_in_bag(ctx, "inv_phy_entity_basic_info.Name", token_type::text, item.data(), item.length(), out);
 }
 
 namespace bounded {
@@ -126,7 +126,7 @@ namespace bounded {
 #define YMAP_BAG_READER(reader, bind_path, item, field, type)                                                          \
     kerrno reader(yfw_map_ctx ctx, const char *key, Output out) {                                                      \
         YMAP_READER_FUNCTION(reader);                                                                                  \
-        return read_field(function, ctx, {bind_path, item, field, type}, key, out);                                    \
+        return read_field(function, ctx, {bind_path, item, field, token_type::type}, key, out);                        \
     }
 #define YMAP_INTEGER_READER(reader, bind_path, item)                                                                   \
     kerrno reader(yfw_map_ctx ctx, const char *key, Output out) {                                                      \
@@ -135,7 +135,7 @@ namespace bounded {
     }
 #define YMAP_HISTORY_READER(reader, field)                                                                             \
     kerrno reader(yfw_map_ctx ctx, const char *key, Output out) {                                                      \
-        return read_history(ctx, field, BAG_TOKEN_TEXT, key, out);                                                     \
+        return read_history(ctx, field, token_type::text, key, out);                                                   \
     }
 #include "utility_readers.inc"
 

@@ -9,19 +9,19 @@ using namespace ymap;
 namespace {
 
 bool is_in_use(const Node *node) {
-    return node != nullptr && (node->flags & YFW_NODE_IN_USE) != 0;
+    return node != nullptr && has_flag(*node, flag_in_use);
 }
 
 std::span<const Node> children_of(const Node &node) {
-    if (node.children == nullptr || node.child_count < 1) {
+    if (held_children_of(node) == nullptr || child_count_of(node) < 1) {
         return {};
     }
-    return {node.children, static_cast<std::size_t>(node.child_count)};
+    return {held_children_of(node), static_cast<std::size_t>(child_count_of(node))};
 }
 
 void append_tag(char *path, const Node &node) {
-    if (node.tag != nullptr) {
-        yfw_strcat_s(path, path_size, node.tag);
+    if (tag_of(node) != nullptr) {
+        yfw_strcat_s(path, path_size, tag_of(node));
     }
 }
 
@@ -61,7 +61,7 @@ int find_value(const Node *node, const char *path_to_find, char *path, char *val
     }
     append_tag(path, *node);
     if (has_value(*node) && is_equal(path, path_to_find)) {
-        yfw_strcpy_s(value, 200, node->value);
+        yfw_strcpy_s(value, 200, held_value_of(*node));
         return 1;
     }
     yfw_strcat_s(path, path_size, "/");
@@ -83,11 +83,11 @@ bool holds_data(const Function &function, yfw_map_ctx ctx, const Node &node, con
     if (!has_value(node)) {
         return false;
     }
-    YMAP_TRACE(function, ctx, "data %s", node.value);
+    YMAP_TRACE(function, ctx, "data %s", held_value_of(node));
     YMAP_TRACE(function, ctx, "path        : <%s>", path);
     YMAP_TRACE(function, ctx, "path_to_find: <%s>", path_to_find);
     YMAP_TRACE(function, ctx, "data_to_find: <%s>", value_to_find);
-    if (!is_equal(path, path_to_find) || !is_equal(node.value, value_to_find)) {
+    if (!is_equal(path, path_to_find) || !is_equal(held_value_of(node), value_to_find)) {
         return false;
     }
     YMAP_TRACE(function, ctx, "data found !");
@@ -100,12 +100,12 @@ int find_data(const Function &function, yfw_map_ctx ctx, const Node *node, const
         return 0;
     }
     YMAP_ASSERT_CONTEXT(function, ctx);
-    YMAP_TRACE(function, ctx, "TAG <%s>", shown(node->tag));
+    YMAP_TRACE(function, ctx, "TAG <%s>", shown(tag_of(*node)));
     append_tag(path, *node);
     if (holds_data(function, ctx, *node, path_to_find, path, value_to_find)) {
         return 1;
     }
-    YMAP_TRACE(function, ctx, "subtree_count %d", node->child_count);
+    YMAP_TRACE(function, ctx, "subtree_count %d", child_count_of(*node));
     return search_children(*node, path, [&](const Node &child) {
         return find_data(function, ctx, &child, path_to_find, path, value_to_find, depth + 1);
     });
@@ -171,29 +171,29 @@ int check_request_type(yfw_map_ctx ctx, const Node *node, const char *path_to_fi
 void print_data(yfw_map_ctx ctx) {
     static constexpr Function function{"print_data", "void print_data(yfw_map_ctx)", YMAP_SOURCE("utility")};
     if (ctx != nullptr) {
-        ctx->data_printed = 1;
+        set_data_printed(ctx, 1);
     }
     YMAP_ASSERT_CONTEXT(function, ctx);
-    YMAP_TRACE(function, ctx, " list index %d", static_cast<int>(ctx->output_count));
-    for (const yfw_map_output_entry &entry : std::span(ctx->output, ctx->output_count)) {
-        yfw_map_print_datatree_internal(ctx, entry.node, "output list node");
-        yfw_map_print_datatree_internal(ctx, entry.key, "output list key");
+    YMAP_TRACE(function, ctx, " list index %d", static_cast<int>(output_count_of(ctx)));
+    for (const OutputEntry &entry : std::span(output_of(ctx), output_count_of(ctx))) {
+        yfw_map_print_datatree_internal(ctx, node_of(entry), "output list node");
+        yfw_map_print_datatree_internal(ctx, key_of(entry), "output list key");
     }
-    const yfw_map_request &request = *ctx->request;
-    YMAP_TRACE(function, ctx, " hierarchy_len  %d", static_cast<int>(request.hierarchy_length));
+    const Request &request = *request_of(ctx);
+    YMAP_TRACE(function, ctx, " hierarchy_len  %d", static_cast<int>(hierarchy_length_of(request)));
     int iteration = 0;
-    for (const yfw_map_hierarchy_level &level : std::span(request.hierarchy, request.hierarchy_length)) {
+    for (const HierarchyLevel &level : std::span(hierarchy_of(request), hierarchy_length_of(request))) {
         YMAP_TRACE(function, ctx, "iteration %d", iteration);
-        yfw_map_print_datatree_internal(ctx, level.node, "node_data");
+        yfw_map_print_datatree_internal(ctx, node_of(level), "node_data");
         ++iteration;
     }
-    yfw_map_print_datatree_internal(ctx, ctx->root_node, "root_node");
-    yfw_map_print_datatree_internal(ctx, ctx->parent_node, "parent_node");
-    yfw_map_print_datatree_internal(ctx, ctx->current_node, "current_node");
-    yfw_map_print_datatree_internal(ctx, request.request_root, "reg_dup_datatree");
-    yfw_map_print_datatree_internal(ctx, ctx->pending_list, "plist");
+    yfw_map_print_datatree_internal(ctx, root_node_of(ctx), "root_node");
+    yfw_map_print_datatree_internal(ctx, parent_node_of(ctx), "parent_node");
+    yfw_map_print_datatree_internal(ctx, current_node_of(ctx), "current_node");
+    yfw_map_print_datatree_internal(ctx, request_root_of(request), "reg_dup_datatree");
+    yfw_map_print_datatree_internal(ctx, pending_list_of(ctx), "plist");
     int index = 0;
-    for (const char *xpath : std::span(ctx->xpaths, ctx->xpath_count)) {
+    for (const char *xpath : std::span(xpaths_of(ctx), xpath_count_of(ctx))) {
         YMAP_TRACE(function, ctx, "xpath[%d]: %s", index, shown(xpath));
         ++index;
     }

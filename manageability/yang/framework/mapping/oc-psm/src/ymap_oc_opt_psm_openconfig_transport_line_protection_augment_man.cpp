@@ -13,7 +13,7 @@ kerrno parse_augments(const Function &function, yfw_map_ctx ctx, const Node *sou
     if (yfw_map_is_request_add(ctx, source, destination) == 0) {
         return KERR_SUCCESS;
     }
-    record_error_node(ctx, source->tag, allocation_tag);
+    record_error_node(ctx, tag_of(*source), allocation_tag);
     yfw_oc_error_path(ctx);
     return YMAP_ERR_AUGMENT_UNSUPPORTED;
 }

@@ -22,7 +22,7 @@ kerrno refused(const Function &function, yfw_map_ctx ctx, const Node *source, co
         return refuse_arguments(function, ctx);
     }
     yfw_oc_error_path(ctx);
-    record_error_node(ctx, source->tag, source->tag);
+    record_error_node(ctx, tag_of(*source), tag_of(*source));
     return YMAP_ERR_UNSUPPORTED;
 }
 

@@ -118,8 +118,8 @@ kerrno name_to_low(const Function &function, yfw_map_ctx ctx, const Node *source
     if (!has_value(*source)) {
         return KERR_SUCCESS;
     }
-    NamedModule module{function, ctx, source, ModuleNames(source->value), Adds(ctx, destination)};
-    YMAP_TRACE(function, ctx, "psm_name = %s", source->value);
+    NamedModule module{function, ctx, source, ModuleNames(held_value_of(*source)), Adds(ctx, destination)};
+    YMAP_TRACE(function, ctx, "psm_name = %s", held_value_of(*source));
     steps(module);
     return module.add.result();
 }

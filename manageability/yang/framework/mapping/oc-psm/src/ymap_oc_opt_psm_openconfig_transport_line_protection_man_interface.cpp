@@ -15,7 +15,7 @@ int build_interface_key(yfw_map_ctx ctx, const char *format, char *out) {
     char path[path_size] = {};
     char key[text_size] = {};
     int slot = -1;
-    compare_path(ctx, ctx->request->list_node, "aps-module/name", path, key);
+    compare_path(ctx, list_node_of(*request_of(ctx)), "aps-module/name", path, key);
     std::sscanf(key, "0/%d-PSM-OM", &slot);
     format_number(out, text_size, format, slot);
     return slot != -1 ? 1 : 0;
@@ -29,18 +29,18 @@ void add_interface_key(yfw_map_ctx ctx, const Node *source, Node *destination, c
         YMAP_OPENCONFIG_SOURCE("man")};
     start(function, ctx);
     Node &node = writable(*source);
-    const std::uint32_t operation = node.operation;
+    const std::uint32_t operation = operation_of(node);
     if (is_delete(source)) {
-        node.operation = YFW_OPERATION_MERGE;
-        node.flags |= YFW_NODE_OPERATION_REWRITTEN;
+        set_operation(node, operation_merge);
+        add_flag(node, flag_operation_rewritten);
     }
     Adds add(ctx, destination);
     add(ifmgr_cfg, YMAP_INTERFACE, nullptr, source, opens);
     add(ifmgr_cfg, YMAP_INTERFACE "/interface-name", controller, source, belongs);
     add(ifmgr_cfg, YMAP_INTERFACE "/active", active, nullptr, belongs);
     add(optics_cfg, YMAP_OPTICS, nullptr, source, belongs);
-    node.operation = operation;
-    node.flags |= YFW_NODE_OPERATION_REWRITTEN;
+    set_operation(node, operation);
+    add_flag(node, flag_operation_rewritten);
     end(function, ctx, add.result());
 }
 

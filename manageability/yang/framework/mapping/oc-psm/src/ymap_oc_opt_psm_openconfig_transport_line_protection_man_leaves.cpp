@@ -52,7 +52,7 @@ public:
 private:
     void scale(const Node &leaf, int multiplier) {
         if (has_value(leaf)) {
-            convert_data_to_low(leaf.value, buffer_, sizeof buffer_, multiplier);
+            convert_data_to_low(held_value_of(leaf), buffer_, sizeof buffer_, multiplier);
         }
     }
 
@@ -62,9 +62,9 @@ private:
         if (!has_value(leaf)) {
             return;
         }
-        if (std::strcmp(leaf.value, "PRIMARY") == 0) {
+        if (std::strcmp(held_value_of(leaf), "PRIMARY") == 0) {
             yfw_strcpy_s(buffer_, lockout_size, "protected");
-        } else if (std::strcmp(leaf.value, "SECONDARY") == 0) {
+        } else if (std::strcmp(held_value_of(leaf), "SECONDARY") == 0) {
             yfw_strcpy_s(buffer_, lockout_size, "working");
         }
     }
@@ -103,7 +103,7 @@ void trace_slot(const Leaf &leaf) {
     char path[path_size] = {};
     char key[text_size] = {};
     int slot = -1;
-    compare_path(leaf.ctx, leaf.ctx->request->list_node, "aps-module/name", path, key);
+    compare_path(leaf.ctx, list_node_of(*request_of(leaf.ctx)), "aps-module/name", path, key);
     std::sscanf(key, "0/%d-PSM-OM", &slot);
     YMAP_TRACE(leaf.row.function, leaf.ctx, "psm_slot = %d", slot);
 }

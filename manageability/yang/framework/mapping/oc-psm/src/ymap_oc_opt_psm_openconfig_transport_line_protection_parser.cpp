@@ -10,7 +10,7 @@ using namespace ymap;
 
 bool has_content_in_delete(const Visit &visit) {
     return visit.self.access == Access::configuration && !visit.whole && visit.has_children() &&
-           visit.request.delete_walk == 0 && is_delete(&visit.node);
+           delete_walk_of(visit.request) == 0 && is_delete(&visit.node);
 }
 
 // A container stands for its whole subtree when nothing below it is named, or nothing but content matches; in an edit
@@ -23,7 +23,7 @@ bool selects_whole_subtree(const Visit &visit) {
 }
 
 Outcome container_pass(Visit &visit) {
-    const bool stands_in = visit.request.whole_subtree_walk != 0 && visit.only_content_matches();
+    const bool stands_in = whole_subtree_walk_of(visit.request) && visit.only_content_matches();
     const kerrno called = visit.self.container_callback(
         visit.ctx, &visit.node, stands_in ? 0 : static_cast<unsigned int>(visit.children().size()), visit.destination);
     if (called != KERR_SUCCESS) {
@@ -56,7 +56,7 @@ kerrno walk_container(const Walker &self, yfw_map_ctx ctx, const Node *source, N
         return refuse_arguments(self.function, ctx);
     }
     Visit visit(self, ctx, *source, destination);
-    if (lacks_children(visit.node) && visit.node.child_count > 0) {
+    if (lacks_children(visit.node) && child_count_of(visit.node) > 0) {
         return end(self.function, ctx, refuse_malformed(self.function, ctx));
     }
     if (has_content_in_delete(visit)) {
@@ -93,7 +93,7 @@ bool checks_keys(yfw_map_ctx ctx) {
 // Fills `keys`; fails with the framework's code when a key breaks its leafref.
 kerrno scan_keys(const Visit &visit, EntryKeys &keys) {
     for (Node &child : visit.children()) {
-        if (!match(child.tag, "name")) {
+        if (!match(tag_of(child), "name")) {
             keys.other_children = true;
             continue;
         }
@@ -104,7 +104,7 @@ kerrno scan_keys(const Visit &visit, EntryKeys &keys) {
             }
         }
         ++keys.count;
-        keys.valued += (child.flags & YFW_NODE_HAS_VALUE) != 0 ? 1 : 0;
+        keys.valued += has_flag(child, flag_has_value) ? 1 : 0;
         consume(child);
     }
     return KERR_SUCCESS;
@@ -122,24 +122,24 @@ kerrno refuse_key_count(const Visit &visit) {
 }
 
 // Calls the list callback and keeps what it has pushed on the instance-tree stack in `pushed`.
-kerrno call_list_callback(const Visit &visit, yfw_map_itree_entry &pushed) {
+kerrno call_list_callback(const Visit &visit, StackEntry &pushed) {
     const std::uint16_t before = yfw_map_util_itree_stack_size(visit.ctx);
     const kerrno result = visit.self.callback(visit.ctx, &visit.node, visit.destination);
     if (yfw_map_util_itree_stack_size(visit.ctx) > before) {
         yfw_map_util_itree_stack_peak(visit.ctx, &pushed);
     }
     if (result == KERR_SUCCESS) {
-        const bool rewritten = (visit.node.flags & YFW_NODE_OPERATION_REWRITTEN) != 0;
-        visit.ctx->list_operation = rewritten ? visit.node.operation : 0;
+        const bool rewritten = has_flag(visit.node, flag_operation_rewritten);
+        set_list_operation(visit.ctx, rewritten ? operation_of(visit.node) : 0);
     }
     return result;
 }
 
 kerrno walk_key(const Visit &visit, Node &key) {
     if (checks_keys(visit.ctx)) {
-        if ((key.flags & YFW_NODE_HAS_VALUE) == 0) {
+        if (!has_flag(key, flag_has_value)) {
             YMAP_ERROR(visit.self.function, visit.ctx, "Empty list key specified.");
-            record_error_node(visit.ctx, key.tag, allocation_tag);
+            record_error_node(visit.ctx, tag_of(key), allocation_tag);
             yfw_oc_error_path(visit.ctx);
             return YMAP_ERR_LIST_KEY;
         }
@@ -156,7 +156,7 @@ kerrno walk_key(const Visit &visit, Node &key) {
 
 kerrno walk_entry_children(Visit &visit, Pass pass) {
     for (Node &child : visit.children()) {
-        const Walker *known = child.tag != nullptr ? visit.known_child(child.tag) : nullptr;
+        const Walker *known = tag_of(child) != nullptr ? visit.known_child(tag_of(child)) : nullptr;
         kerrno result = KERR_SUCCESS;
         if (known == nullptr) {
             result = visit.dispatch_unknown(child);
@@ -178,7 +178,7 @@ kerrno walk_entry_children(Visit &visit, Pass pass) {
 void spread_keyed_entry(Visit &visit, bool removes) {
     const WholeSubtree whole(visit.request);
     const RemoveOperation remove(visit.node, removes);
-    yfw_map_util_itree_stack_push(visit.ctx, visit.node.children, visit.node.child_count, 0);
+    yfw_map_util_itree_stack_push(visit.ctx, held_children_of(visit.node), child_count_of(visit.node), 0);
     {
         const HiddenChildren hidden(visit.node);
         for (const NodeId child : children_of(visit.self.id)) {
@@ -195,9 +195,9 @@ void spread_keyed_entry(Visit &visit, bool removes) {
 void spread_bare_entry(Visit &visit, bool removes) {
     const WholeSubtree whole(visit.request);
     const RemoveOperation remove(visit.node, removes);
-    const bool begins_delete = removes && visit.request.delete_walk == 0;
+    const bool begins_delete = removes && delete_walk_of(visit.request) == 0;
     if (begins_delete) {
-        visit.request.delete_walk = 1;
+        set_delete_walk(visit.request, 1);
     }
     for (const Access access : {Access::configuration, Access::state}) {
         for (const NodeId child : children_of(visit.self.id)) {
@@ -208,39 +208,39 @@ void spread_bare_entry(Visit &visit, bool removes) {
     }
     visit.self.hook(visit.ctx, &visit.node, visit.destination);
     if (begins_delete) {
-        visit.request.delete_walk = 0;
+        set_delete_walk(visit.request, 0);
     }
 }
 
-Outcome entry_pass(Visit &visit, Pass pass, const EntryKeys &keys, yfw_map_itree_entry &pushed) {
-    yfw_map_request &request = visit.request;
+Outcome entry_pass(Visit &visit, Pass pass, const EntryKeys &keys, StackEntry &pushed) {
+    Request &request = visit.request;
     const bool removes = is_delete(&visit.node);
-    const bool keyed_delete = removes && keys.stand_alone() && request.delete_walk == 0;
-    const bool bare_delete = removes && visit.whole && !visit.has_children() && request.delete_walk == 0;
+    const bool keyed_delete = removes && keys.stand_alone() && delete_walk_of(request) == 0;
+    const bool bare_delete = removes && visit.whole && !visit.has_children() && delete_walk_of(request) == 0;
     if (keyed_delete) {
-        request.delete_walk = 2;
+        set_delete_walk(request, 2);
     } else if (bare_delete) {
-        request.delete_walk = 1;
+        set_delete_walk(request, 1);
     }
     const kerrno called = call_list_callback(visit, pushed);
     if (keyed_delete) {
-        request.delete_walk = 0;
+        set_delete_walk(request, 0);
     }
     kerrno result = called == YMAP_ERR_SKIP ? KERR_SUCCESS : called;
     if (called == KERR_SUCCESS) {
         result = walk_entry_children(visit, pass);
         const bool stands_for_content = is_read(visit.ctx) || removes;
         if (result == KERR_SUCCESS && keys.stand_alone() && keys.valued == keys.count && stands_for_content) {
-            request.delete_walk = keyed_delete ? 1 : request.delete_walk;
+            set_delete_walk(request, keyed_delete ? 1 : delete_walk_of(request));
             spread_keyed_entry(visit, removes);
-            request.delete_walk = keyed_delete ? 0 : request.delete_walk;
+            set_delete_walk(request, keyed_delete ? 0 : delete_walk_of(request));
         }
         if (!visit.has_children() && stands_for_content) {
             spread_bare_entry(visit, removes);
         }
     }
     if (bare_delete) {
-        request.delete_walk = 0;
+        set_delete_walk(request, 0);
     }
     return {result};
 }
@@ -248,7 +248,7 @@ Outcome entry_pass(Visit &visit, Pass pass, const EntryKeys &keys, yfw_map_itree
 // A read that names leaves of an entry but not its key gets the key added, so that it is part of the answer.
 kerrno add_missing_key(const Visit &visit) {
     Node *key = nullptr;
-    const kerrno result = yfw_map_datatree_add_path_flagged(visit.ctx, &visit.node, "name", visit.node.namespace_uri,
+    const kerrno result = yfw_map_datatree_add_path_flagged(visit.ctx, &visit.node, "name", namespace_of(visit.node),
                                                             nullptr, nullptr, &key, 0, 0);
     if (key != nullptr) {
         consume(*key);
@@ -257,7 +257,7 @@ kerrno add_missing_key(const Visit &visit) {
 }
 
 // The entry of a request of key-checked kind, or of a read, once it is on the hierarchy.
-kerrno walk_entry(Visit &visit, const EntryKeys &keys, bool scanned, yfw_map_itree_entry &pushed) {
+kerrno walk_entry(Visit &visit, const EntryKeys &keys, bool scanned, StackEntry &pushed) {
     if (scanned && !is_key_count_right(visit.ctx, keys)) {
         return refuse_key_count(visit);
     }
@@ -277,12 +277,12 @@ kerrno walk_list(const Walker &self, yfw_map_ctx ctx, const Node *source, Node *
         return refuse_arguments(self.function, ctx);
     }
     Visit visit(self, ctx, *source, destination);
-    if (lacks_children(visit.node) && visit.node.child_count > 0) {
+    if (lacks_children(visit.node) && child_count_of(visit.node) > 0) {
         return end(self.function, ctx, refuse_malformed(self.function, ctx));
     }
     if (!visit.has_children()) {
         YMAP_ERROR(self.function, ctx, "No keys specified with a list node.");
-        if (!visit.whole && checks_keys(ctx) && visit.request.delete_walk == 0) {
+        if (!visit.whole && checks_keys(ctx) && delete_walk_of(visit.request) == 0) {
             YMAP_ERROR(self.function, ctx, "No keys specified with a list node.");
             return end(self.function, ctx, YMAP_ERR_BAD_TREE);
         }
@@ -290,11 +290,11 @@ kerrno walk_list(const Walker &self, yfw_map_ctx ctx, const Node *source, Node *
     if (!visit.whole) {
         visit.enter();
     }
-    yfw_map_itree_entry pushed{};
+    StackEntry pushed{};
     kerrno result = yfw_map_update_current_list_node(ctx, YMAP_MODULE);
     if (result == KERR_SUCCESS) {
         EntryKeys keys;
-        const bool scanned = visit.has_children() && !visit.whole && visit.request.delete_walk == 0;
+        const bool scanned = visit.has_children() && !visit.whole && delete_walk_of(visit.request) == 0;
         const kerrno checked = scanned ? scan_keys(visit, keys) : KERR_SUCCESS;
         if (checked != KERR_SUCCESS) {
             YMAP_TRACE(self.function, ctx, "leafref value check fail");
@@ -303,7 +303,7 @@ kerrno walk_list(const Walker &self, yfw_map_ctx ctx, const Node *source, Node *
         }
         result = walk_entry(visit, keys, scanned, pushed);
     }
-    if (pushed.children != nullptr) {
+    if (held_children_of(pushed) != nullptr) {
         yfw_map_util_itree_stack_pop(ctx);
     }
     if (!visit.whole) {
@@ -316,11 +316,11 @@ kerrno walk_list(const Walker &self, yfw_map_ctx ctx, const Node *source, Node *
 
 // What a leaf of a read asks for: a value is a content match, no value a selection.
 void note_read_selection(Visit &visit) {
-    if ((visit.node.flags & YFW_NODE_HAS_VALUE) != 0) {
-        visit.node.hierarchy_kind = YFW_KIND_CONTENT_MATCH;
-        visit.request.read_selection |= YFW_READ_CONTENT_MATCH_LEAF | YFW_READ_CONTENT_MATCH_ANYWHERE;
+    if (has_flag(visit.node, flag_has_value)) {
+        set_hierarchy_kind(visit.node, kind_content_match);
+        add_read_selection(visit.request, read_content_match_leaf | read_content_match_anywhere);
     } else {
-        visit.request.read_selection |= YFW_READ_SELECTION_LEAF;
+        add_read_selection(visit.request, read_selection_leaf);
     }
 }
 
@@ -331,8 +331,8 @@ kerrno walk_leaf(const Walker &self, yfw_map_ctx ctx, const Node *source, Node *
     }
     const kerrno result = self.callback(ctx, source, destination);
     Visit visit(self, ctx, *source, destination);
-    if (!visit.whole && visit.request.delete_walk == 0) {
-        visit.set_hierarchy_kind(YFW_KIND_LEAF);
+    if (!visit.whole && delete_walk_of(visit.request) == 0) {
+        visit.set_hierarchy_kind(kind_leaf);
         if (self.kind != RowKind::key && is_read(ctx)) {
             note_read_selection(visit);
         }

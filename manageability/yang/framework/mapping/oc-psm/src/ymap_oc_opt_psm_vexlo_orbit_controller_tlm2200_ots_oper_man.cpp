@@ -16,18 +16,18 @@ kerrno threshold(const AnswerRow &row, yfw_map_ctx ctx, const Node *source, Node
     YMAP_TRACE(row.function, ctx, "controller_name: %s", shown(name));
     char path[path_size] = {};
     char requested[200] = {};
-    compare_path(ctx, ctx->request->request_root, "aps/aps-modules/aps-module/name", path, requested);
+    compare_path(ctx, request_root_of(*request_of(ctx)), "aps/aps-modules/aps-module/name", path, requested);
     YMAP_TRACE(row.function, ctx, "key: %s", requested);
     if (has_value(*source)) {
         write_native({row, ctx, destination, module, Told::all}, rows_of(row.leaves, line_source(controller.port)),
-                     source->value, KERR_SUCCESS);
+                     held_value_of(*source), KERR_SUCCESS);
     }
     return lookup;
 }
 
 // The leaf is the key itself.
 kerrno module_name(const AnswerRow &row, yfw_map_ctx ctx, const Node *source, Node *destination) {
-    yfw_map_print_datatree_internal(ctx, ctx->request->request_root, "reg_dup_datatree");
+    yfw_map_print_datatree_internal(ctx, request_root_of(*request_of(ctx)), "reg_dup_datatree");
     char module[psm_key_size] = {};
     const char *name = value_of(*source);
     if (check_controller_name_ots_is_good(ctx, name, module) != 1) {

@@ -28,7 +28,7 @@ bool is_primary_answered(yfw_map_ctx ctx, const char *secondary) {
     char primary[text_size] = {};
     char path[path_size] = {};
     std::snprintf(primary, sizeof primary, "Ots0/%d/0/1", LineController(secondary).slot);
-    return search_data_in_response(ctx, ctx->request->answer_root,
+    return search_data_in_response(ctx, answer_root_of(*request_of(ctx)),
                                    "interface-configurations/interface-configuration/interface-name", path,
                                    primary) == 1;
 }
@@ -36,15 +36,15 @@ bool is_primary_answered(yfw_map_ctx ctx, const char *secondary) {
 // True when the entry on top of the hierarchy makes a module, whose key then stands in `module`. A secondary controller
 // makes one only in a read of configuration in which its primary controller is missing.
 bool makes_module(yfw_map_ctx ctx, char *module) {
-    const yfw_map_request &request = *ctx->request;
+    const Request &request = *request_of(ctx);
     char path[path_size] = {};
     char name[text_size] = {};
-    compare_path(ctx, request.hierarchy[request.hierarchy_length - 1].node, "interface-configuration/interface-name",
-                 path, name);
+    compare_path(ctx, node_of(hierarchy_of(request)[hierarchy_length_of(request) - 1]),
+                 "interface-configuration/interface-name", path, name);
     if (check_controller_name_ots_is_good(ctx, name, module) == 1) {
         return true;
     }
-    if (operation_kind(ctx) != YFW_KIND_GET_CONFIG ||
+    if (operation_kind(ctx) != kind_get_config ||
         check_controller_name_ots_is_good_by_port(ctx, name, module, 2) != 1) {
         return false;
     }
@@ -55,14 +55,14 @@ bool makes_module(yfw_map_ctx ctx, char *module) {
 bool is_another_requested(yfw_map_ctx ctx, const char *module) {
     char path[path_size] = {};
     char requested[text_size] = {};
-    compare_path(ctx, ctx->request->request_root, "aps/aps-modules/aps-module/name", path, requested);
+    compare_path(ctx, request_root_of(*request_of(ctx)), "aps/aps-modules/aps-module/name", path, requested);
     return requested[0] != '\0' && std::strcmp(requested, module) != 0;
 }
 
 // The first row opens the module, the others tell its key.
 kerrno list_to_high(const AnswerRow &row, yfw_map_ctx ctx, const Node *source, Node *destination) {
     char module[text_size] = {};
-    if (ctx->request->hierarchy_length >= 2 && !makes_module(ctx, module)) {
+    if (hierarchy_length_of(*request_of(ctx)) >= 2 && !makes_module(ctx, module)) {
         return KERR_SUCCESS;
     }
     if (is_another_requested(ctx, module)) {
