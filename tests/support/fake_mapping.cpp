@@ -111,7 +111,9 @@ int yfw_map_is_request_add(yfw_map_ctx ctx, const kidl_yfw_datatree *node, const
 void yfw_map_add_to_node_hierarchy(yfw_map_ctx ctx, const kidl_yfw_datatree *node, uint32_t kind) {
     Platform &platform = Platform::current();
     platform.record(fake::Walk, "add_to_hierarchy", joined(named(ctx), named(node), number(kind)));
-    platform.hierarchy.push_back({node, kind});
+    yfw_map_hierarchy_level &level = platform.hierarchy.emplace_back();
+    level.node = node;
+    level.kind = kind;
     show_hierarchy(ctx);
 }
 
@@ -173,7 +175,8 @@ void yfw_map_util_itree_stack_peak(yfw_map_ctx ctx, yfw_map_itree_entry *top) {
     Platform &platform = Platform::current();
     platform.record(fake::Walk, "itree_peak", named(ctx));
     if (!platform.itree_stack.empty()) {
-        *top = {platform.itree_stack.back().children, platform.itree_stack.back().count};
+        top->children = platform.itree_stack.back().children;
+        top->child_count = platform.itree_stack.back().count;
     }
 }
 

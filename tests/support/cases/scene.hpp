@@ -60,7 +60,6 @@ private:
     [[nodiscard]] kidl_yfw_datatree *node_at(const Line &line, const std::string &path);
     [[nodiscard]] fake::Node described(const Line &line, const Words &all) const;
     [[nodiscard]] fake::Node root_of(const Line &line, const Words &all, std::size_t of_step) const;
-    [[nodiscard]] std::uint32_t *member(const Line &line, const std::string &record, const std::string &name);
     void settle(); // what the last call left behind, unless it was said
     void play_below(const Line &line);
 

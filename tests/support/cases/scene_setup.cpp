@@ -1,5 +1,7 @@
 // The steps of a scene that set up the request, the trees and the platform, and those that look at them.
 #include <algorithm>
+#include <concepts>
+#include <functional>
 
 #include "records.hpp"
 #include "scene.hpp"
@@ -30,6 +32,52 @@ Rule rule_of(const Line &line, const std::vector<std::string> &all) {
         }
     }
     return rule;
+}
+
+// A number in a structure of the platform, whatever its width.
+struct Number {
+    template <std::integral Integer>
+    Number(Integer &place) // NOLINT(google-explicit-constructor): tables of members read better without
+        : get([&place] { return static_cast<std::uint32_t>(place); }),
+          set([&place](std::uint32_t number) { place = static_cast<Integer>(number); }) {}
+
+    std::function<std::uint32_t()> get;
+    std::function<void(std::uint32_t)> set;
+};
+
+Number member(const Line &line, const std::map<std::string, Number> &members, const std::string &name) {
+    const auto found = members.find(name);
+    demand(found != members.end(), line, "a member that is a number");
+    return found->second;
+}
+
+Number member(const Line &line, fake::Request &request, const std::string &name) {
+    yfw_map_request &state = request.state;
+    return member(line,
+                  {{"request whole_subtree_walk", state.whole_subtree_walk},
+                   {"request delete_walk", state.delete_walk},
+                   {"request replace_flags", state.replace_flags},
+                   {"request replace_marker", state.replace_marker},
+                   {"request read_selection", state.read_selection},
+                   {"request xpath_error", state.xpath_error},
+                   {"request output_depth", state.output_depth},
+                   {"request hierarchy_length", state.hierarchy_length},
+                   {"context list_operation", request.context.list_operation},
+                   {"context data_printed", request.context.data_printed},
+                   {"context trace_enabled", request.context.trace_enabled},
+                   {"context enabled_levels", request.context.debug_log_filter.enabled_levels}},
+                  name);
+}
+
+Number member(const Line &line, kidl_yfw_datatree &node, const std::string &name) {
+    return member(line,
+                  {{"operation", node.operation},
+                   {"flags", node.flags},
+                   {"second_flags", node.second_flags},
+                   {"hierarchy_kind", node.hierarchy_kind},
+                   {"consumed_mark", node.consumed_mark},
+                   {"child_count", node.child_count}},
+                  name);
 }
 
 } // namespace
@@ -73,39 +121,15 @@ void Scene::error_node(const Line &line, const Words &all) {
     stage_.request.set_error_node(text_of(line, all[1]).c_str());
 }
 
-// A member of the request or of the context that is a number of 32 bits.
-std::uint32_t *Scene::member(const Line &line, const std::string &record, const std::string &name) {
-    yfw_map_request &state = stage_.request.state;
-    yfw_map_context &context = stage_.request.context;
-    const std::map<std::string, std::uint32_t *> members{
-        {"request whole_subtree_walk", &state.whole_subtree_walk},
-        {"request delete_walk", &state.delete_walk},
-        {"request replace_marker", &state.replace_marker},
-        {"request read_selection", &state.read_selection},
-        {"request xpath_error", &state.xpath_error},
-        {"request output_depth", &state.output_depth},
-        {"request hierarchy_length", &state.hierarchy_length},
-        {"context list_operation", &context.list_operation},
-        {"context data_printed", &context.data_printed},
-        {"context trace_enabled", &context.trace_enabled},
-        {"context enabled_levels", &context.debug_log_filter.enabled_levels}};
-    const auto found = members.find(record + " " + name);
-    demand(found != members.end(), line, "a member of request or context");
-    return found->second;
-}
-
 void Scene::record(const Line &line, const Words &all) {
     if (all.size() == 2 && all[0] == "context" && all[1] == "without-request") {
         stage_.request.context.request = nullptr;
-    } else if (all.size() == 4 && all[1] == "replace_flags") {
-        compare(line, all[1], {all[3]}, {std::to_string(stage_.request.state.replace_flags)});
-    } else if (all.size() == 3 && all[1] == "replace_flags") {
-        stage_.request.state.replace_flags = static_cast<std::uint8_t>(number(line, all[2]));
     } else if (all.size() == 4 && all[2] == "is") {
-        compare(line, all[1], {std::to_string(code(line, all[3]))}, {std::to_string(*member(line, all[0], all[1]))});
+        compare(line, all[1], {std::to_string(code(line, all[3]))},
+                {std::to_string(member(line, stage_.request, all[0] + " " + all[1]).get())});
     } else {
         demand(all.size() == 3, line, "request|context MEMBER [is] NUMBER");
-        *member(line, all[0], all[1]) = code(line, all[2]);
+        member(line, stage_.request, all[0] + " " + all[1]).set(code(line, all[2]));
     }
 }
 
@@ -201,26 +225,13 @@ void Scene::node(const Line &line, const Words &all) {
     demand(all.size() >= 4, line, "node PATH [is] MEMBER NUMBER...");
     kidl_yfw_datatree &node = *node_at(line, all[1]);
     const bool asked = all[2] == "is";
-    const std::map<std::string, std::uint32_t *> members{
-        {"operation", &node.operation},
-        {"flags", &node.flags},
-        {"second_flags", &node.second_flags},
-        {"hierarchy_kind", &node.hierarchy_kind},
-        {"child_count", reinterpret_cast<std::uint32_t *>(&node.child_count)}};
     for (std::size_t i = asked ? 3 : 2; i + 1 < all.size(); i += 2) {
-        const auto found = members.find(all[i]);
-        std::string actual;
-        if (found != members.end()) {
-            actual = std::to_string(*found->second);
-        } else {
-            demand(all[i] == "consumed_mark", line, "a member of a node");
-            actual = std::to_string(node.consumed_mark);
-        }
+        const Number number = member(line, node, all[i]);
         if (asked) {
-            compare(line, all[1] + " " + all[i], {std::to_string(code(line, all[i + 1]))}, {actual});
+            compare(line, all[1] + " " + all[i], {std::to_string(code(line, all[i + 1]))},
+                    {std::to_string(number.get())});
         } else {
-            demand(found != members.end(), line, "a member that can be set");
-            *found->second = code(line, all[i + 1]);
+            number.set(code(line, all[i + 1]));
         }
     }
 }
