@@ -64,16 +64,13 @@ public:
     static const std::vector<int> &example_slots();
 
     // Makes a line system in a directory, with the directories on the way, or opens the one that is there: data-missing
-    // where there is none. `stand_in` is the database client's stand-in (simulator/database/client_library.hpp); empty:
-    // where the build has put it.
+    // where there is none.
     static SimulatedLineSystem make(const std::filesystem::path &directory,
-                                    const std::vector<int> &slots = example_slots(),
-                                    const std::filesystem::path &stand_in = {});
-    static SimulatedLineSystem open(const std::filesystem::path &directory, const std::filesystem::path &stand_in = {});
+                                    const std::vector<int> &slots = example_slots());
+    static SimulatedLineSystem open(const std::filesystem::path &directory);
 
     // In a fresh directory below TMPDIR (else /tmp), which is removed at the end.
-    static SimulatedLineSystem temporary(const std::vector<int> &slots = example_slots(),
-                                         const std::filesystem::path &stand_in = {});
+    static SimulatedLineSystem temporary(const std::vector<int> &slots = example_slots());
 
     // For a service (framework/service.hpp); the database client is loaded by now.
     std::shared_ptr<Device> device() const;

@@ -8,7 +8,7 @@
 namespace ocpsm {
 
 std::filesystem::path Program::plugin_file() const {
-    return plugin.empty() ? library_directory() / "oc-psm.so" : plugin;
+    return plugin.empty() ? own_plugin() : plugin;
 }
 
 CLI::Validator one_of(const std::vector<std::string> &values) {

@@ -26,7 +26,7 @@ int coverage_command(const std::filesystem::path &plugin_file, std::ostream &out
                               [&](const std::string &name) { return service.find(name) != nullptr; },
                               is_native_node};
     CoverageResult result = check_coverage(input);
-    if (load_database_client().installed()) {
+    if (missing_database(plugin_file).empty()) {
         PluginHost host(service);
         check_conversions(input, host, result);
     } else {

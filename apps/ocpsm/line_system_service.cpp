@@ -7,24 +7,25 @@
 #include "simulator/line_system.hpp"
 
 namespace ocpsm {
+
 Service open_service(const RequestOptions &options) {
-    return Service(options.plugin, open_line_system(*options.state).device());
+    const SimulatedLineSystem line_system = open_line_system(*options.state);
+    if (const std::string missing = missing_database(options.plugin); !missing.empty()) {
+        throw Error(Error::Source::input, {}, {}, missing,
+                    "name the plug-in that belongs to this line system, or leave --plugin out");
+    }
+    return Service(options.plugin, line_system.device());
 }
 
 Service open_service_to_translate(const RequestOptions &options, std::ostream &errors) {
-    const sysdb::Client client = load_database_client();
-    if (!client.installed()) {
-        print_warning(errors,
-                      "the system database's client library " + sysdb::client_library().string() +
-                          " is not there, so the plug-in reads no database: it finds no module that is not named");
+    if (const std::string missing = missing_database(options.plugin); !missing.empty()) {
+        print_warning(errors, missing + ", so the plug-in reads no database: it finds no module that is not named");
         return Service(options.plugin);
     }
     if (options.state) {
         return open_service(options);
     }
-    const SimulatedLineSystem example =
-        SimulatedLineSystem::temporary(SimulatedLineSystem::example_slots(), database_stand_in());
-    return Service(options.plugin, example.device());
+    return Service(options.plugin, SimulatedLineSystem::temporary().device());
 }
 
 } // namespace ocpsm

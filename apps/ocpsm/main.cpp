@@ -11,7 +11,9 @@
 
 #include "command_line.hpp"
 #include "commands.hpp"
+#include "completion.hpp"
 #include "framework/error.hpp"
+#include "libraries.hpp"
 #include "messages.hpp"
 
 namespace ocpsm {
@@ -32,6 +34,9 @@ struct CommandLine {
         app.footer("Exit codes: 0 done, 1 refused (nothing has changed), 2 bad usage or unreadable input.");
         app.add_option("--plugin", program.plugin, "The mapping plug-in, else oc-psm.so beside the program's libraries")
             ->type_name("FILE");
+        app.set_version_flag(
+            "--version", [this] { return version_text(program.plugin_file()); },
+            "Print the versions of program and plug-in and exit");
         app.fallthrough();
         add_client_commands(app, program);
         add_device_commands(app, program);
@@ -123,6 +128,10 @@ int run_command(CommandLine &line, int argc, char **argv) {
 int run_program(int argc, char **argv) {
     try {
         CommandLine line;
+        if (argc > 1 && std::string_view(argv[1]) == "--complete") {
+            print_completions(line.app, {argv + 2, argv + argc}, std::cout);
+            return exit_done;
+        }
         return run_command(line, argc, argv);
     } catch (const std::bad_alloc &) {
         end_without_memory();

@@ -1,13 +1,12 @@
 #include "open_line_system.hpp"
 
 #include "framework/error.hpp"
-#include "libraries.hpp"
 
 namespace ocpsm {
 
 SimulatedLineSystem open_line_system(const std::filesystem::path &state) {
     try {
-        return SimulatedLineSystem::open(state, database_stand_in());
+        return SimulatedLineSystem::open(state);
     } catch (const Error &error) {
         if (error.tag != "data-missing") {
             throw;
@@ -18,7 +17,7 @@ SimulatedLineSystem open_line_system(const std::filesystem::path &state) {
 }
 
 SimulatedLineSystem make_line_system(const std::filesystem::path &state, const std::vector<int> &slots) {
-    return SimulatedLineSystem::make(state, slots, database_stand_in());
+    return SimulatedLineSystem::make(state, slots);
 }
 
 } // namespace ocpsm

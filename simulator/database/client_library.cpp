@@ -1,5 +1,6 @@
 #include "simulator/database/client_library.hpp"
 
+#include <stdexcept>
 #include <string>
 
 #include <dlfcn.h>
@@ -28,12 +29,24 @@ void *load(const std::filesystem::path &library) {
 
 } // namespace
 
+std::filesystem::path library_directory() {
+    static const std::filesystem::path directory = [] {
+        static constexpr char own = 0;
+        Dl_info library{};
+        if (dladdr(&own, &library) == 0) {
+            throw std::logic_error("the simulator's library has no file");
+        }
+        return std::filesystem::canonical(library.dli_fname).parent_path();
+    }();
+    return directory;
+}
+
 std::filesystem::path client_library() {
-    return SYSDB_CLIENT_LIBRARY;
+    return library_directory() / "libsysdb_client.so";
 }
 
 std::filesystem::path absent_library() {
-    return SYSDB_ABSENT_LIBRARY;
+    return library_directory() / "libsysdb_absent.so";
 }
 
 Client::Client(const std::filesystem::path &library, const std::filesystem::path &stand_in) : library_(library) {

@@ -9,7 +9,10 @@
 
 namespace ocpsm::sysdb {
 
-// The file whose presence says that the client is installed, and the stand-in's, as configured at build time.
+// Where the simulator's library is, and beside it all that comes with it.
+std::filesystem::path library_directory();
+
+// The file whose presence says that the client is installed, and the stand-in's.
 std::filesystem::path client_library();
 std::filesystem::path absent_library();
 

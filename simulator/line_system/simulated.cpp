@@ -38,8 +38,8 @@ std::shared_ptr<const SimulatedLineSystem::Parts> keep(std::unique_ptr<sysdb::St
     return parts;
 }
 
-sysdb::Client load_client(const std::filesystem::path &stand_in) {
-    sysdb::Client client(sysdb::client_library(), stand_in.empty() ? sysdb::absent_library() : stand_in);
+sysdb::Client load_client() {
+    sysdb::Client client;
     if (!client.installed()) {
         throw Error(Error::Source::input, "", "",
                     "the system database's client library " + sysdb::client_library().string() +
@@ -85,9 +85,8 @@ const std::vector<int> &SimulatedLineSystem::example_slots() {
     return slots;
 }
 
-SimulatedLineSystem SimulatedLineSystem::make(const std::filesystem::path &directory, const std::vector<int> &slots,
-                                              const std::filesystem::path &stand_in) {
-    const sysdb::Client client = load_client(stand_in);
+SimulatedLineSystem SimulatedLineSystem::make(const std::filesystem::path &directory, const std::vector<int> &slots) {
+    const sysdb::Client client = load_client();
     const LineSystem made = line_system::example_in(slots);
     std::error_code failure;
     std::filesystem::create_directories(directory, failure);
@@ -98,15 +97,13 @@ SimulatedLineSystem SimulatedLineSystem::make(const std::filesystem::path &direc
     return SimulatedLineSystem(keep(line_system::create(client, directory, made)));
 }
 
-SimulatedLineSystem SimulatedLineSystem::open(const std::filesystem::path &directory,
-                                              const std::filesystem::path &stand_in) {
-    return SimulatedLineSystem(keep(line_system::open(load_client(stand_in), directory)));
+SimulatedLineSystem SimulatedLineSystem::open(const std::filesystem::path &directory) {
+    return SimulatedLineSystem(keep(line_system::open(load_client(), directory)));
 }
 
-SimulatedLineSystem SimulatedLineSystem::temporary(const std::vector<int> &slots,
-                                                   const std::filesystem::path &stand_in) {
+SimulatedLineSystem SimulatedLineSystem::temporary(const std::vector<int> &slots) {
     const auto parts = std::make_shared<Parts>();
-    parts->temporary.emplace(load_client(stand_in), line_system::example_in(slots));
+    parts->temporary.emplace(load_client(), line_system::example_in(slots));
     return SimulatedLineSystem(parts);
 }
 

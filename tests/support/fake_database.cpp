@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 #include <bag_generic.h>
 #include <hvs_libc.h>
@@ -372,7 +373,7 @@ char *inet_ntoa_r(uint32_t address, char *buffer, size_t size) {
 // Stands in front of the C library's: the presence of the client library is the test's to say.
 int access(const char *path, // NOLINT(readability-inconsistent-declaration-parameter-name): the header's are reserved
            int mode) noexcept {
-    if (std::strcmp(path, SYSDB_CLIENT_LIBRARY) != 0) {
+    if (!std::string_view(path).ends_with("/libsysdb_client.so")) {
         return ::faccessat(AT_FDCWD, path, mode, 0);
     }
     Platform &platform = Platform::current();

@@ -1,19 +1,38 @@
 // Access to the system database: one item, one key. Every call binds and unbinds; no handle is kept.
 #include "utility_bounded.hpp"
 
+#include <climits>
 #include <cstdio>
 #include <cstring>
+#include <string_view>
 
+#include <dlfcn.h>
 #include <unistd.h>
 
 using namespace ymap;
+
+namespace {
+
+// Whether the client's file can be read. A relative path counts from the plug-in's own directory.
+bool is_client_readable() {
+    static constexpr char own = 0;
+    char path[PATH_MAX] = SYSDB_CLIENT_LIBRARY;
+    Dl_info plugin{};
+    if (path[0] != '/' && dladdr(&own, &plugin) != 0) {
+        const std::size_t directory = std::string_view(plugin.dli_fname).rfind('/') + 1;
+        std::snprintf(path, sizeof path, "%.*s" SYSDB_CLIENT_LIBRARY, static_cast<int>(directory), plugin.dli_fname);
+    }
+    return access(path, R_OK) == 0;
+}
+
+} // namespace
 
 namespace ymap {
 
 bool is_sysdb_client_present() {
     static bool present = false;
     if (!present) {
-        present = access(SYSDB_CLIENT_LIBRARY, R_OK) == 0;
+        present = is_client_readable();
     }
     return present;
 }
