@@ -22,7 +22,7 @@ LineSettings line_settings(int low, std::optional<int> delta, int rx_attenuation
 // On its primary line, both lines well above their thresholds; it goes back there ten seconds after a failure.
 Slot first_slot() {
     const Module module{.attenuators = {Attenuators{250, 100}, Attenuators{150, 100}},
-                        .histories = {history({104, 98, 111}, {-1480, -1495, -1471}),
+                        .histories = {history({404, 398, 411}, {-1480, -1495, -1471}),
                                       history({-1230, -1251, -1218}, {-214, -220, -209}),
                                       history({-1590, -1612, -1577}, {-222, -231, -217})}};
     return {.provisioned = true,
@@ -33,9 +33,9 @@ Slot first_slot() {
                          .relative_offset = 0,
                          .lockout_from = ""},
             .lines = {line_settings(-250, 10, 25, 10), line_settings(-280, std::nullopt, 15, 10)},
-            .cabling = {.client_light = 105,
+            .cabling = {.client_light = 405,
                         .fibres = {Fibre{.light = -1234}, Fibre{.light = -1587}},
-                        .transmit_offsets = {2, -220, -228}}};
+                        .transmit_offsets = {2, -520, -528}}};
 }
 
 // Its primary fibre is cut; it compares the two lines, and would stay where it is were the fibre spliced. The receiving

@@ -70,11 +70,11 @@ inline const std::vector<std::string> first_answer = module_answer("1", {
 }, "PRIMARY", {                              // where a module begins
     // 25 tenths, 250; the whole fibre delivers -1234; history of port 1, received: -1230
     {"line-primary-in", "2.5", "2.5", "-12.34", "-12.3", "-12.51", "-12.18"},
-    // 10 tenths, 100; client 105 - 100, offset -220: -215; history of port 1, transmitted: -214
+    // 10 tenths, 100; client 405 - 100, offset -520: -215; history of port 1, transmitted: -214
     {"line-primary-out", "1.0", "1.0", "-2.15", "-2.14", "-2.2", "-2.09"},
     // 15 tenths, 150; fibre: -1587; history of port 2, received: -1590
     {"line-secondary-in", "1.5", "1.5", "-15.87", "-15.9", "-16.12", "-15.77"},
-    // 10 tenths, 100; client 105 - 100, offset -228: -223; history of port 2, transmitted: -222
+    // 10 tenths, 100; client 405 - 100, offset -528: -223; history of port 2, transmitted: -222
     {"line-secondary-out", "1.0", "1.0", "-2.23", "-2.22", "-2.31", "-2.17"},
     // primary -1234 - 250, offset 2: -1482; history of port 0, transmitted: -1480
     {"common-output", "", "", "-14.82", "-14.8", "-14.95", "-14.71"},

@@ -188,15 +188,15 @@ Model Model::example() {
     first = {.used = true,
              .module = PlugIn{.attenuators = {250, 100, 150, 100}},
              .settings = {1, 10'000, -250, 10, -280, 0, 0, 0, 25, 10, 15, 10},
-             .client = 105,
+             .client = 405,
              .light = {-1234, -1587},
-             .offsets = {2, -220, -228}};
+             .offsets = {2, -520, -528}};
     const auto measured = [](PlugIn &module, const std::array<Statistics, 6> &values) {
         for (std::size_t index = 0; index < values.size(); ++index) {
             module.meters.at(index).last = values.at(index);
         }
     };
-    measured(*first.module, {{{104, 98, 111},
+    measured(*first.module, {{{404, 398, 411},
                               {-1480, -1495, -1471},
                               {-1230, -1251, -1218},
                               {-214, -220, -209},

@@ -1,5 +1,6 @@
 #include "simulator/line_system/controllers.hpp"
 
+#include <cmath>
 #include <limits>
 #include <stdexcept>
 
@@ -22,6 +23,20 @@ Slot fitted() {
 
 TEST(Powers, AreThoseOfTheFibresAndOfTheClient) {
     EXPECT_EQ(powers(fitted()), (Powers{{{100, -1210}, {-1200, -200}, {-1400, -250}}}));
+}
+
+// With the attenuators open, what a slot's splitter passes on is no more than what it is given.
+TEST(Powers, OfASplitterNeverSumToMoreThanItsInput) {
+    const auto milliwatts = [](int hundredths_of_dbm) { return std::pow(10.0, hundredths_of_dbm / 1000.0); };
+    const int slots[] = {1, 2, 3};
+    const LineSystem system = example_in(slots);
+    for (const int number : slots) {
+        Slot open = slot(system, number);
+        open.module->attenuators = {};
+        const Powers all = powers(open);
+        EXPECT_LE(milliwatts(all[1].transmitted) + milliwatts(all[2].transmitted), milliwatts(all[0].received))
+            << number;
+    }
 }
 
 TEST(Powers, FollowTheActiveLine) {
@@ -77,9 +92,9 @@ TEST(Powers, OfAnEmptySlotAreDark) {
 
 TEST(Readings, OfTheExampleAreWhatItsFibresDeliver) {
     const Slot &first = slot(example(), 1);
-    EXPECT_EQ(readings(first, 0), (Readings{.receive_power = 105,
+    EXPECT_EQ(readings(first, 0), (Readings{.receive_power = 405,
                                             .transmit_power = -1482,
-                                            .received = Statistics{104, 98, 111},
+                                            .received = Statistics{404, 398, 411},
                                             .transmitted = Statistics{-1480, -1495, -1471}}));
     EXPECT_EQ(readings(first, 1), (Readings{.receive_power = -1234,
                                             .transmit_power = -215,

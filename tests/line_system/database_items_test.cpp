@@ -33,10 +33,10 @@ TEST(ExampleLineSystem, StoresTheItemsOfItsControllers) {
     EXPECT_THAT(
         shown(database_items(example())),
         UnorderedElementsAre(
-            "/oper/ots/if/Ots0_1_0_0/ots_info: ots_info 1.0 ots_edm_info{ LaneData[ { ReceivePower=105 "
-            "ReceivePowerDbm=105 TransmitPower=-1482 TransmitPowerDbm=-1482 } ] }",
+            "/oper/ots/if/Ots0_1_0_0/ots_info: ots_info 1.0 ots_edm_info{ LaneData[ { ReceivePower=405 "
+            "ReceivePowerDbm=405 TransmitPower=-1482 TransmitPowerDbm=-1482 } ] }",
             "/oper/perfmgmt/gl/periodic/optics/interface/Ots0_1_0_0/30sec/optics/1/timeline_rev/0x1: pm_optics_paras "
-            "1.0 pm_optics_paras{ OPR{ Average='     1.04 ' Minimum='     0.98 ' Maximum='     1.11 ' } OPT{ "
+            "1.0 pm_optics_paras{ OPR{ Average='     4.04 ' Minimum='     3.98 ' Maximum='     4.11 ' } OPT{ "
             "Average='   -14.80 ' Minimum='   -14.95 ' Maximum='   -14.71 ' } }",
 
             "/oper/ots/if/Ots0_1_0_1/optics_info: optics_info 1.0 optics_edm_info{ RxLowThreshold=-250 }",

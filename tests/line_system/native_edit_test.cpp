@@ -420,7 +420,7 @@ TEST(NativeEdit, ShowsInPowersAndDatabaseItems) {
     const LineSystem edited = after(example(), request);
     const auto now = powers(slot(edited, 1));
     EXPECT_EQ(now[1].received, -1234);
-    EXPECT_EQ(now[1].transmitted, -115);  // 105 - 0 - 220
+    EXPECT_EQ(now[1].transmitted, -115);  // 405 - 0 - 520
     EXPECT_EQ(now[0].transmitted, -1582); // -1234 - 350 + 2
     std::vector<std::string> items = shown(database_items(edited));
     std::erase_if(items, [](const std::string &item) { return item.find("Ots0_1_0_1") == std::string::npos; });
