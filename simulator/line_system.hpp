@@ -36,11 +36,27 @@ struct LineRow {
     bool operator==(const LineRow &) const = default;
 };
 
+enum class Line { primary, secondary };
+
+// What decides which line of a module is active. What is not set is absent.
+struct ProtectionRow {
+    std::optional<bool> revertive = {};
+    std::optional<std::uint32_t> wait_to_restore = {}; // milliseconds
+    std::optional<std::uint64_t> left_to_restore = {}; // milliseconds; absent: the traffic is not about to go back
+    std::optional<int> hysteresis = {};                // of the primary line, hundredths of a dB
+    std::optional<int> relative_threshold = {};        // hundredths of a dB
+    std::optional<int> relative_offset = {};           // hundredths of a dB
+    std::optional<Line> forced_to = {};
+
+    bool operator==(const ProtectionRow &) const = default;
+};
+
 struct ModuleRow {
     int slot = 0;
     std::string name;
     std::string protection;            // what decides which line is active, in words
     std::array<LineRow, 2> lines = {}; // primary, secondary
+    ProtectionRow settings = {};
 
     bool operator==(const ModuleRow &) const = default;
 };
@@ -52,8 +68,6 @@ struct LineTable {
     bool operator==(const LineTable &) const = default;
 };
 
-enum class Line { primary, secondary };
-
 // Copies are the same line system; it stays open for as long as one of them, or a device, lives.
 class SimulatedLineSystem {
 public:
@@ -63,8 +77,8 @@ public:
     // line system without modules.
     static const std::vector<int> &example_slots();
 
-    // Makes a line system in a directory, with the directories on the way, or opens the one that is there: data-missing
-    // where there is none.
+    // Makes a line system in a directory without other files, with those on the way, or opens the one that is there:
+    // data-missing where there is none.
     static SimulatedLineSystem make(const std::filesystem::path &directory,
                                     const std::vector<int> &slots = example_slots());
     static SimulatedLineSystem open(const std::filesystem::path &directory);

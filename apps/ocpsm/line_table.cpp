@@ -61,6 +61,34 @@ std::size_t active_line(const ModuleRow &module) {
     return module.lines[0].active ? 0 : 1;
 }
 
+// A member of a module beside its lines.
+struct Detail {
+    std::string_view name;
+    std::string value;
+};
+
+// As JSON and XML name and write them; none needs quotes.
+std::vector<Detail> details(const ProtectionRow &row) {
+    std::vector<Detail> list;
+    const auto add = [&list](std::string_view name, const auto &value, auto text_of) {
+        if (value) {
+            list.push_back({name, text_of(*value)});
+        }
+    };
+    const auto number = [](auto value) { return std::to_string(value); };
+    add("revertive", row.revertive, [](bool value) { return std::string(value ? "true" : "false"); });
+    add("wait-to-restore-time", row.wait_to_restore, number);
+    add("time-left-to-restore", row.left_to_restore, number);
+    add("primary-switch-hysteresis", row.hysteresis, hundredths);
+    add("relative-switch-threshold", row.relative_threshold, hundredths);
+    add("relative-switch-threshold-offset", row.relative_offset, hundredths);
+    return list;
+}
+
+std::string_view forced_path(const ModuleRow &module) {
+    return module.settings.forced_to ? path_names.at(*module.settings.forced_to == Line::primary ? 0 : 1) : "NONE";
+}
+
 } // namespace
 
 std::vector<TableText> to_text(const LineTable &table) {
@@ -94,7 +122,11 @@ std::string to_json(const LineTable &table) {
         text += &module == &table.modules.front() ? "\n" : ",\n";
         text += "    {\n      \"slot\": " + std::to_string(module.slot) + ",\n      \"name\": \"" + module.name +
                 "\",\n      \"active-path\": \"" + std::string(path_names.at(active_line(module))) +
-                "\",\n      \"lines\": [";
+                "\",\n      \"force-to-port\": \"" + std::string(forced_path(module)) + "\"";
+        for (const Detail &detail : details(module.settings)) {
+            text += ",\n      \"" + std::string(detail.name) + "\": " + detail.value;
+        }
+        text += ",\n      \"lines\": [";
         for (std::size_t line = 0; line < module.lines.size(); ++line) {
             const LineRow &row = module.lines.at(line);
             text += std::string(line == 0 ? "\n" : ",\n") + "        {\"name\": \"" + std::string(line_names.at(line)) +
@@ -116,7 +148,11 @@ std::string to_xml(const LineTable &table) {
     std::string text = "<line-system>\n  " + element("clock", std::to_string(table.clock));
     for (const ModuleRow &module : table.modules) {
         text += "  <module>\n    " + element("slot", std::to_string(module.slot)) + "    " +
-                element("name", module.name) + "    " + element("active-path", path_names.at(active_line(module)));
+                element("name", module.name) + "    " + element("active-path", path_names.at(active_line(module))) +
+                "    " + element("force-to-port", forced_path(module));
+        for (const Detail &detail : details(module.settings)) {
+            text += "    " + element(detail.name, detail.value);
+        }
         for (std::size_t line = 0; line < module.lines.size(); ++line) {
             const LineRow &row = module.lines.at(line);
             text += "    <line>\n      " + element("name", line_names.at(line));

@@ -21,8 +21,8 @@ struct TableText {
 // The table in columns, for a terminal of 80 characters; units stand in the heading.
 std::vector<TableText> to_text(const LineTable &table);
 
-// The same as a JSON object and as an XML document; powers in dBm and attenuations in dB, with two decimal places, the
-// clock in milliseconds. What is absent is left out.
+// The same as a JSON object and as an XML document; powers in dBm and ratios in dB, with two decimal places, times in
+// milliseconds. What is absent is left out.
 std::string to_json(const LineTable &table);
 std::string to_xml(const LineTable &table);
 

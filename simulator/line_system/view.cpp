@@ -10,6 +10,35 @@ namespace ocpsm {
 namespace line_system {
 namespace {
 
+std::optional<int> in_hundredths(const std::optional<int> &tenths) {
+    return tenths ? std::optional(*tenths * 10) : std::nullopt;
+}
+
+// Milliseconds until the traffic goes back, when it is about to.
+std::optional<std::uint64_t> left_to_restore(const Slot &slot, const SwitchSettings &settings, std::uint64_t now) {
+    const SwitchState &protection = slot.module->protection;
+    const bool counts = settings.lockout == Lockout::none && settings.relative_threshold == 0 && settings.revertive;
+    if (!counts || protection.active == Path::primary || !protection.restorable_since) {
+        return std::nullopt;
+    }
+    return settings.wait_to_restore -
+           std::min<std::uint64_t>(now - *protection.restorable_since, settings.wait_to_restore);
+}
+
+ProtectionRow protection_row(const Slot &slot, std::uint64_t now) {
+    const SwitchSettings settings = switch_settings(slot);
+    ProtectionRow row{.revertive = slot.settings.revertive,
+                      .wait_to_restore = slot.settings.wait_to_restore,
+                      .left_to_restore = left_to_restore(slot, settings, now),
+                      .hysteresis = in_hundredths(slot.lines[0].rx_low_threshold_delta),
+                      .relative_threshold = in_hundredths(slot.settings.relative_threshold),
+                      .relative_offset = in_hundredths(slot.settings.relative_offset)};
+    if (settings.lockout != Lockout::none) {
+        row.forced_to = settings.lockout == Lockout::working ? Line::secondary : Line::primary;
+    }
+    return row;
+}
+
 std::string describe_protection(const Slot &slot, std::uint64_t now) {
     const SwitchSettings settings = switch_settings(slot);
     if (settings.lockout != Lockout::none) {
@@ -22,12 +51,8 @@ std::string describe_protection(const Slot &slot, std::uint64_t now) {
     if (!settings.revertive) {
         return "not revertive";
     }
-    const std::optional<std::uint64_t> since = slot.module->protection.restorable_since;
-    if (slot.module->protection.active == Path::secondary && since) {
-        const std::uint64_t passed = std::min<std::uint64_t>(now - *since, settings.wait_to_restore);
-        return "reverts in " + seconds(settings.wait_to_restore - passed);
-    }
-    return "reverts after " + seconds(settings.wait_to_restore);
+    const auto left = left_to_restore(slot, settings, now);
+    return left ? "reverts in " + seconds(*left) : "reverts after " + seconds(settings.wait_to_restore);
 }
 
 template <class Visit>
@@ -62,7 +87,8 @@ LineTable view(const LineSystem &system) {
         table.modules.push_back({number,
                                  module_name(number),
                                  describe_protection(fitted, system.clock),
-                                 {line_row(fitted, Path::primary), line_row(fitted, Path::secondary)}});
+                                 {line_row(fitted, Path::primary), line_row(fitted, Path::secondary)},
+                                 protection_row(fitted, system.clock)});
     }
     return table;
 }

@@ -30,11 +30,22 @@ std::string protection(const line_system::LineSystem &system) {
     return view(system).modules.at(0).protection;
 }
 
+ProtectionRow settings_of(const line_system::LineSystem &system, std::size_t module) {
+    return view(system).modules.at(module).settings;
+}
+
 LineTable one_module() {
     LineTable table;
     table.clock = 61'234;
     table.modules.push_back({2, "0/2-PSM-OM", "not revertive", {}});
     table.modules[0].lines[0].active = true;
+    table.modules[0].settings = {.revertive = false,
+                                 .wait_to_restore = 10'000,
+                                 .left_to_restore = 9'850,
+                                 .hysteresis = 150,
+                                 .relative_threshold = -5,
+                                 .relative_offset = 0,
+                                 .forced_to = Line::secondary};
     table.modules[0].lines[1] = {.active = false, .measured = {-4000, -5, 0, 12345, 100}, .cut = true};
     return table;
 }
@@ -77,6 +88,17 @@ TEST(LineTable, SaysWhatDecidesAboutTheLine) {
     EXPECT_EQ(protection(system), "reverts in 10.0 s");
     system = line_system::tick(system, 2500);
     EXPECT_EQ(protection(system), "reverts in 7.5 s");
+    EXPECT_EQ(settings_of(system, 0), (ProtectionRow{.revertive = true,
+                                                     .wait_to_restore = 10'000,
+                                                     .left_to_restore = 7'500,
+                                                     .hysteresis = 100,
+                                                     .relative_threshold = 0,
+                                                     .relative_offset = 0}));
+    EXPECT_EQ(settings_of(system, 1), (ProtectionRow{.revertive = false,
+                                                     .wait_to_restore = 300'000,
+                                                     .hysteresis = 150,
+                                                     .relative_threshold = 300,
+                                                     .relative_offset = 50}));
     system = line_system::tick(system, 7500);
     EXPECT_EQ(protection(system), "reverts after 10.0 s");
 
@@ -88,6 +110,7 @@ TEST(LineTable, SaysWhatDecidesAboutTheLine) {
     EXPECT_EQ(protection(system), "relative threshold -2.50 dB, offset -0.50 dB");
     settings.lockout_from = "working";
     EXPECT_EQ(protection(system), "forced to SECONDARY");
+    EXPECT_EQ(settings_of(system, 0).forced_to, Line::secondary);
     settings.lockout_from = "protected";
     EXPECT_EQ(protection(system), "forced to PRIMARY");
 }
@@ -100,6 +123,13 @@ TEST(LineTable, PrintsJson) {
       "slot": 2,
       "name": "0/2-PSM-OM",
       "active-path": "PRIMARY",
+      "force-to-port": "SECONDARY",
+      "revertive": false,
+      "wait-to-restore-time": 10000,
+      "time-left-to-restore": 9850,
+      "primary-switch-hysteresis": 1.50,
+      "relative-switch-threshold": -0.05,
+      "relative-switch-threshold-offset": 0.00,
       "lines": [
         {"name": "primary", "fibre": "whole"},
         {"name": "secondary", "receive-power": -40.00, "switch-threshold": -0.05, "receive-attenuation": 0.00, "transmit-power": 123.45, "transmit-attenuation": 1.00, "fibre": "cut"}
@@ -118,6 +148,13 @@ TEST(LineTable, PrintsXml) {
     <slot>2</slot>
     <name>0/2-PSM-OM</name>
     <active-path>PRIMARY</active-path>
+    <force-to-port>SECONDARY</force-to-port>
+    <revertive>false</revertive>
+    <wait-to-restore-time>10000</wait-to-restore-time>
+    <time-left-to-restore>9850</time-left-to-restore>
+    <primary-switch-hysteresis>1.50</primary-switch-hysteresis>
+    <relative-switch-threshold>-0.05</relative-switch-threshold>
+    <relative-switch-threshold-offset>0.00</relative-switch-threshold-offset>
     <line>
       <name>primary</name>
       <fibre>whole</fibre>
