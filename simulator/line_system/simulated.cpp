@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -31,6 +32,21 @@ struct SimulatedLineSystem::Parts {
 };
 
 namespace {
+
+// What a line system that is there, or was about to be made, has left in its directory begins so.
+constexpr std::string_view own_files[] = {"line-system.store", "clock.lock"};
+
+bool holds_other_files(const std::filesystem::path &directory, std::error_code &failure) {
+    std::filesystem::directory_iterator entry(directory, failure);
+    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
+        const std::string name = entry->path().filename().string();
+        if (std::none_of(std::begin(own_files), std::end(own_files),
+                         [&name](std::string_view own) { return name.starts_with(own); })) {
+            return true;
+        }
+    }
+    return false;
+}
 
 std::shared_ptr<const SimulatedLineSystem::Parts> keep(std::unique_ptr<sysdb::Store> store) {
     const auto parts = std::make_shared<SimulatedLineSystem::Parts>();
@@ -90,6 +106,10 @@ SimulatedLineSystem SimulatedLineSystem::make(const std::filesystem::path &direc
     const LineSystem made = line_system::example_in(slots);
     std::error_code failure;
     std::filesystem::create_directories(directory, failure);
+    if (!failure && holds_other_files(directory, failure)) {
+        throw Error(Error::Source::input, "", "", "the directory " + directory.string() + " holds other files",
+                    "name one for the line system alone");
+    }
     if (failure) {
         throw Error(Error::Source::input, "", "", "cannot make " + directory.string() + ": " + failure.message(),
                     "name another directory");
