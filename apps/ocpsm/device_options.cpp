@@ -136,7 +136,8 @@ void add_device_commands(CLI::App &app, Program &program) {
             add_light(*command, *line);
         }
     }
-    add_device_command(*device, program, "tick", "Let time pass: the switches act in steps of 100 milliseconds", line,
+    add_device_command(*device, program, "tick",
+                       "Let time pass: the switches act every 100 milliseconds, and at its end", line,
                        run_change<DeviceChange::tick>)
         ->add_option("milliseconds", line->options.milliseconds, "How long, in milliseconds, a day (86400000) at most")
         ->type_name("MILLISECONDS")
