@@ -92,6 +92,7 @@ private:
             if (error.source != Error::Source::refused) {
                 throw;
             }
+            screen_.update(system_.view());
             screen_.note(error.what());
         }
     }

@@ -11,6 +11,11 @@ constexpr std::string_view keys = "up/down choose a line   c cut its fibre   s s
 
 void WatchScreen::update(LineTable table) {
     const std::optional<ChosenLine> before = chosen();
+    const auto same_slot = [](const ModuleRow &one, const ModuleRow &other) { return one.slot == other.slot; };
+    if (!std::equal(table.modules.begin(), table.modules.end(), table_.modules.begin(), table_.modules.end(),
+                    same_slot)) {
+        note_.clear();
+    }
     table_ = std::move(table);
     choice_ = 0;
     for (std::size_t i = 0; before && i < table_.modules.size(); ++i) {

@@ -32,7 +32,7 @@ public:
     // None when no module is fitted.
     std::optional<ChosenLine> chosen() const;
 
-    // Stands below the table until the next note; empty: nothing.
+    // Stands below the table until the next note, or until modules come or go: it says which there are. Empty: nothing.
     void note(std::string text) { note_ = std::move(text); }
 
     // The whole screen; one line that says what is needed when it does not fit.

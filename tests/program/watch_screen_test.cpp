@@ -50,6 +50,10 @@ TEST_F(Watching, ShowsTheTableTheKeysAndWhatIsToBeNoted) {
     EXPECT_EQ(lines.at(7), "* primary      -12.34     -25.00         2.50     -2.15         1.00  whole");
     EXPECT_EQ(lines.at(14), "slot 1 holds no module");
     EXPECT_EQ(lines.at(15), "up/down choose a line   c cut its fibre   s splice it   q quit");
+    screen.update(view(line_system::tick(line_system::example(), 100)));
+    EXPECT_EQ(texts({24, 80}).at(14), "slot 1 holds no module");
+    screen.update(view(line_system::pull(line_system::example(), 1)));
+    EXPECT_EQ(texts({24, 80}).at(10), "");
 }
 
 TEST_F(Watching, MovesTheChoiceThroughAllLinesAndRound) {
