@@ -52,7 +52,7 @@ int run_edit(const RequestOptions &options, const Edit &edit, std::ostream &outp
         output << "OpenConfig changes:\n";
     }
     print_changes(result.changes, options.request.dry_run ? "  " : "", output);
-    return exit_done;
+    return options.request.dry_run || result.changes.empty() ? exit_done : exit_changed;
 }
 
 } // namespace

@@ -80,14 +80,14 @@ int device_init_command(const DeviceOptions &options, std::ostream &output) {
     const LineTable table = make_line_system(options.state, options.slots).view();
     if (options.format) {
         print_table(table, options.format, output);
-        return exit_done;
+        return exit_changed;
     }
     output << "made a line system in " << options.state.string() << " with ";
     for (const ModuleRow &module : table.modules) {
         output << (&module == &table.modules.front() ? "" : ", ") << module.name;
     }
     output << (table.modules.empty() ? "no module\n" : "\n");
-    return exit_done;
+    return exit_changed;
 }
 
 int device_show_command(const DeviceOptions &options, std::ostream &output) {
@@ -108,7 +108,7 @@ int device_change_command(const DeviceOptions &options, DeviceChange change, std
     } else {
         output << action.describe(options, after) << '\n';
     }
-    return exit_done;
+    return exit_changed;
 }
 
 } // namespace ocpsm

@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -31,7 +32,8 @@ struct CommandLine {
     CommandLine() {
         app.require_subcommand(1);
         app.set_help_all_flag("--help-all", "Print the help of every subcommand and exit");
-        app.footer("Exit codes: 0 done, 1 refused (nothing has changed), 2 bad usage or unreadable input.");
+        app.footer("Exit codes: 0 done, 1 refused (nothing has changed), 2 bad usage or unreadable input, 3 changed "
+                   "(output not written).");
         app.add_option("--plugin", program.plugin, "The mapping plug-in, else oc-psm.so beside the program's libraries")
             ->type_name("FILE");
         app.set_version_flag(
@@ -108,14 +110,29 @@ Error usage_error(const CLI::App &app, const CLI::ParseError &error) {
     });
 }
 
+// A file that is opened must not take the place of a standard one that whoever started the program has closed: what is
+// printed would be written to it. Writing to this one fails.
+void fill_standard_files() {
+    for (const int file : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(file, F_GETFD) == -1 &&
+            open("/dev/null", file == STDIN_FILENO ? O_WRONLY : O_RDONLY) != file) { // NOLINT
+            _exit(exit_bad_input);
+        }
+    }
+}
+
 int run_command(CommandLine &line, int argc, char **argv) {
     try {
         line.app.parse(argc, argv);
         const int result = line.program.chosen(std::cout, std::cerr);
-        if (!std::cout.flush()) {
-            throw std::runtime_error("the output cannot be written");
+        if (std::cout.flush()) {
+            return result == exit_changed ? exit_done : result;
         }
-        return result;
+        if (result == exit_changed) {
+            std::cerr << "ocpsm: error: the change was made, but the output cannot be written\n";
+            return result;
+        }
+        throw std::runtime_error("the output cannot be written");
     } catch (const CLI::Success &help) {
         return line.app.exit(help);
     } catch (const CLI::ParseError &error) {
@@ -145,5 +162,6 @@ int run_program(int argc, char **argv) {
 } // namespace ocpsm
 
 int main(int argc, char **argv) {
+    ocpsm::fill_standard_files();
     return ocpsm::run_program(argc, argv);
 }

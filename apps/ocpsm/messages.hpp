@@ -15,6 +15,7 @@ namespace ocpsm {
 inline constexpr int exit_done = 0;
 inline constexpr int exit_refused = 1;   // by the plug-in, the model or the device; nothing has changed
 inline constexpr int exit_bad_input = 2; // bad usage or unreadable input
+inline constexpr int exit_changed = 3;   // of a command: something has changed; of the program: and it could not say so
 
 // "ocpsm: error: TAG: MESSAGE (native: NATIVE PATH) at PATH (node NODE); ADVICE", what is empty left out. Returns the
 // exit code of a program that ends with this error.
