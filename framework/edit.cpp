@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "framework/kept.hpp"
 #include "framework/models/models.hpp"
 #include "framework/native_origin.hpp"
 #include "framework/openconfig.hpp"
@@ -99,13 +100,17 @@ void apply_default(Tree &tops, DefaultOperation operation) {
 }
 
 // The native request, carried out in the transaction.
-native::NetRequest apply_all(Callback root, const std::vector<HandedOver> &all, DeviceTransaction &device) {
+native::NetRequest apply_all(Callback root, const std::vector<HandedOver> &all, DeviceTransaction &device,
+                             std::vector<std::string> &warnings) {
     native::NetRequest request{native::RequestKind::edit, {}};
     for (const HandedOver &handed : all) {
         request = handed.native.net();
         try {
+            require_in_range(handed, request);
             request.check();
             device.apply(request);
+            const std::vector<std::string> cut = cut_numbers(handed, request);
+            warnings.insert(warnings.end(), cut.begin(), cut.end());
         } catch (Error &error) {
             if (!error.native_path.empty()) {
                 error.path = openconfig_origin(root, handed.origins, request, error.native_path);
@@ -137,8 +142,8 @@ EditResult carry_out(const Plugin &plugin, Tree tops, DeviceTransaction &device,
         if (result.error) {
             return result;
         }
-        result.native =
-            DeviceRequest(std::make_shared<native::NetRequest>(apply_all(root, translation.handed_over, device)));
+        result.native = DeviceRequest(
+            std::make_shared<native::NetRequest>(apply_all(root, translation.handed_over, device, result.warnings)));
         if (options.report_changes) {
             const Answer after = configuration(plugin, device, modules);
             result.changes = changes_between(tree_of(before), tree_of(after));

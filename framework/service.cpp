@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "framework/host/codes.hpp"
+#include "framework/kept.hpp"
 #include "framework/request/existence.hpp"
 #include "framework/request/hand_over.hpp"
 #include "framework/request/parse.hpp"
@@ -141,7 +142,12 @@ TranslateResult Service::translate(const Text &request, Kind kind, const Options
     TranslateResult result;
     result.result = framework::name_of(translation.result);
     for (framework::HandedOver &handed : translation.handed_over) {
-        result.requests.emplace_back(std::make_shared<native::NetRequest>(handed.native.net()));
+        auto net = std::make_shared<native::NetRequest>(handed.native.net());
+        if (kind == Kind::edit) {
+            std::vector<std::string> cut = framework::cut_numbers(handed, *net);
+            std::move(cut.begin(), cut.end(), std::back_inserter(translation.warnings));
+        }
+        result.requests.emplace_back(std::move(net));
         std::transform(std::make_move_iterator(handed.adds.begin()), std::make_move_iterator(handed.adds.end()),
                        std::back_inserter(result.additions), addition_of);
     }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "answer_table.hpp"
+#include "framework/native/scale.hpp"
 #include "mapping_table.hpp"
 #include "native_entries.hpp"
 #include "openconfig_model.hpp"
@@ -54,6 +55,12 @@ bool is_answered(const std::string &path) {
                        [&](const AnswerRow &row) { return row.path == path; });
 }
 
+std::string describe_limits(const ConversionRow &row) {
+    const lysc_node *leaf = models::Schema::native().find(row.path);
+    const std::string limits = leaf == nullptr ? std::string() : native::allowed(*leaf);
+    return limits.empty() ? limits : "; allowed: " + limits;
+}
+
 // Containers add nothing and get no line.
 std::vector<Line> lines_of_rows(const Units &units) {
     std::vector<Line> lines;
@@ -69,6 +76,9 @@ std::vector<Line> lines_of_rows(const Units &units) {
             const auto unit = units.find(path);
             line.native = std::string(conversion->model) + ":" + std::string(conversion->path);
             line.value = describe_value(*conversion, unit == units.end() ? std::string_view() : unit->second);
+            if (row.is_configuration) {
+                line.value += describe_limits(*conversion);
+            }
             line.port = conversion->port == "none" ? std::string() : std::string(conversion->port);
             line.additions = describe_steps(conversion->steps);
         } else if (row.conversion.empty()) {

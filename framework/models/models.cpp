@@ -69,6 +69,18 @@ std::vector<std::string_view> choices_of(const lysc_type &type) {
     return names;
 }
 
+// Signed and unsigned numbers share a place; no model here has one that fits only the latter.
+std::optional<Range> range_of(const lysc_type &type) {
+    if (type.basetype != LY_TYPE_INT32 && type.basetype != LY_TYPE_UINT32) {
+        return std::nullopt;
+    }
+    const lysc_range *range = reinterpret_cast<const lysc_type_num &>(type).range;
+    if (range == nullptr) {
+        return std::nullopt;
+    }
+    return Range{range->parts[0].min_64, range->parts[LY_ARRAY_COUNT(range->parts) - 1].max_64};
+}
+
 void describe_leaf(const lysc_node_leaf &leaf, NodeInfo &info) {
     info.type = type_name(*leaf.type);
     info.units = text_of(leaf.units);
@@ -76,6 +88,7 @@ void describe_leaf(const lysc_node_leaf &leaf, NodeInfo &info) {
     if (leaf.type->basetype == LY_TYPE_DEC64) {
         info.fraction_digits = reinterpret_cast<const lysc_type_dec &>(*leaf.type).fraction_digits;
     }
+    info.range = range_of(*leaf.type);
     if (leaf.dflt != nullptr) {
         info.default_value = lyd_value_get_canonical(leaf.module->ctx, leaf.dflt);
     }

@@ -3,6 +3,7 @@
 #ifndef OCPSM_FRAMEWORK_MODELS_MODELS_HPP
 #define OCPSM_FRAMEWORK_MODELS_MODELS_HPP
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
@@ -26,6 +27,14 @@ std::span<const ModuleText> embedded_modules();
 
 enum class NodeKind { container, list, leaf };
 
+// The numbers that a leaf may hold, both ends among them.
+struct Range {
+    std::int64_t minimum;
+    std::int64_t maximum;
+
+    bool operator==(const Range &) const = default;
+};
+
 // What is asked about a schema node. The texts belong to the schema's context.
 struct NodeInfo {
     const lysc_node *node;
@@ -40,6 +49,7 @@ struct NodeInfo {
     std::vector<std::string_view> keys;            // of a list, in the order of its key statement
     std::vector<std::string_view> choices;         // of an enumeration or identityref leaf: its values
     unsigned fraction_digits;                      // of a decimal64 leaf; else 0
+    std::optional<Range> range;                    // of an integer leaf that its model restricts
 };
 
 // Facts about a schema node; the node must be a container, a list or a leaf.

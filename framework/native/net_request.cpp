@@ -4,6 +4,7 @@
 
 #include "framework/native/native_path.hpp"
 #include "framework/native/refuse.hpp"
+#include "framework/native/scale.hpp"
 #include "framework/text.hpp"
 
 namespace ocpsm::native {
@@ -27,7 +28,9 @@ void require_configuration(const std::string &path, const NativeNode &node) {
 
 void require_valid(const std::string &path, const lysc_node &leaf, const std::string &text) {
     if (lyd_value_validate(nullptr, &leaf, text.data(), text.size(), nullptr, nullptr, nullptr) != LY_SUCCESS) {
-        refuse("invalid-value", path, "'" + one_line(text) + "' is no value of this leaf");
+        const std::string range = allowed(leaf);
+        refuse("invalid-value", path, "'" + one_line(text) + "' is no value of this leaf",
+               range.empty() ? range : "allowed: " + range);
     }
 }
 

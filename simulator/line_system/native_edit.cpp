@@ -1,7 +1,6 @@
 #include <libyang/libyang.h>
 
 #include <algorithm>
-#include <charconv>
 #include <utility>
 
 #include "framework/native/native_path.hpp"
@@ -107,23 +106,9 @@ private:
         if (!value) {
             refuse("invalid-value", path, "'" + one_line(*node.value) + "' is no value of this leaf");
         }
-        require_in_range(row, *value, path);
         require_known_line(row, *value, path);
         set_value(row.field, system_, place, value);
         set_.push_back({path, row.field, place, *value});
-    }
-
-    static void require_in_range(const LeafRow &row, const std::string &value, const std::string &path) {
-        if (!row.range) {
-            return;
-        }
-        std::int64_t number = 0;
-        std::from_chars(value.data(), value.data() + value.size(), number);
-        if (number < row.range->minimum || number > row.range->maximum) {
-            refuse("invalid-value", path,
-                   value + " is not within " + std::to_string(row.range->minimum) + " to " +
-                       std::to_string(row.range->maximum) + " " + std::string(row.unit));
-        }
     }
 
     static void require_known_line(const LeafRow &row, const std::string &value, const std::string &path) {

@@ -198,7 +198,7 @@ struct Set {
 std::vector<LeafRow> make_leaf_rows() {
     std::vector<LeafRow> rows;
     for (const SettingRow &row : setting_rows) {
-        rows.push_back({row.native, row.member, row.unit, row.range});
+        rows.push_back({row.native, row.member});
     }
     for (const ReadingRow &row : reading_rows) {
         rows.push_back({row.native, row.member});

@@ -31,8 +31,6 @@ using Field = std::variant<SettingMember, ReadingMember>;
 struct LeafRow {
     std::string_view path; // the schema paths of its leaves end so
     Field field;
-    std::string_view unit = {};
-    std::optional<Range> range = {}; // none: whatever the model allows
 };
 
 enum class ListKind {

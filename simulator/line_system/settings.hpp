@@ -16,37 +16,29 @@
 
 namespace ocpsm::line_system {
 
-// The numbers that a controller can be set to.
-struct Range {
-    std::int64_t minimum;
-    std::int64_t maximum;
-};
-
 using SettingMember = std::variant<std::optional<bool> SlotSettings::*, std::optional<std::uint32_t> SlotSettings::*,
                                    std::optional<int> SlotSettings::*, std::optional<std::string> SlotSettings::*,
                                    std::optional<int> LineSettings::*, Thresholds LineSettings::*>;
 
 struct SettingRow {
     SettingMember member;
-    std::string_view record; // in the store, below what is kept of its slot or line
-    std::string_view native; // the schema paths of its leaves end so
-    std::string_view unit;
-    std::optional<Range> range = {}; // none: whatever the model allows
-    std::string_view item = {};      // of the system database, below the controller's configuration; empty: none
+    std::string_view record;    // in the store, below what is kept of its slot or line
+    std::string_view native;    // the schema paths of its leaves end so
+    std::string_view item = {}; // of the system database, below the controller's configuration; empty: none
 };
 
 inline constexpr std::array setting_rows{
     // clang-format off
-    SettingRow{&SlotSettings::revertive,              "revertive",              "/psm/revertive/enable",                     ""},
-    SettingRow{&SlotSettings::wait_to_restore,        "wait-to-restore",        "/psm/revertive/wtr",                        "milliseconds"},
-    SettingRow{&SlotSettings::relative_threshold,     "relative-threshold",     "/psm-relative-switch-threshold",            "tenths of a dB",  Range{-400, 400}},
-    SettingRow{&SlotSettings::relative_offset,        "relative-offset",        "/psm-relative-switch-threshold-offset",     "tenths of a dB",  Range{-400, 400}},
-    SettingRow{&SlotSettings::lockout_from,           "lockout-from",           "/psm/lockout-from",                         ""},
+    SettingRow{&SlotSettings::revertive,              "revertive",              "/psm/revertive/enable"},
+    SettingRow{&SlotSettings::wait_to_restore,        "wait-to-restore",        "/psm/revertive/wtr"},
+    SettingRow{&SlotSettings::relative_threshold,     "relative-threshold",     "/psm-relative-switch-threshold"},
+    SettingRow{&SlotSettings::relative_offset,        "relative-offset",        "/psm-relative-switch-threshold-offset"},
+    SettingRow{&SlotSettings::lockout_from,           "lockout-from",           "/psm/lockout-from"},
 
-    SettingRow{&LineSettings::rx_attenuation,         "rx-attenuation",         "/optics/optics-ots-rx-voa-attenuation",     "tenths of a dB",  Range{0, 300},    "/Optics/rx_attenuation"},
-    SettingRow{&LineSettings::tx_attenuation,         "tx-attenuation",         "/optics/optics-ots-tx-voa-attenuation",     "tenths of a dB",  Range{0, 300},    "/Optics/tx_attenuation"},
-    SettingRow{&LineSettings::rx_thresholds,          "rx-threshold",           "/rx-threshold/rx-threshold",                "tenths of a dBm", Range{-400, 300}, "/Optics/rx_threshold/0x1"},
-    SettingRow{&LineSettings::rx_low_threshold_delta, "rx-low-threshold-delta", "/optics/optics-ots-rx-low-threshold-delta", "tenths of a dB",  Range{0, 300}},
+    SettingRow{&LineSettings::rx_attenuation,         "rx-attenuation",         "/optics/optics-ots-rx-voa-attenuation",     "/Optics/rx_attenuation"},
+    SettingRow{&LineSettings::tx_attenuation,         "tx-attenuation",         "/optics/optics-ots-tx-voa-attenuation",     "/Optics/tx_attenuation"},
+    SettingRow{&LineSettings::rx_thresholds,          "rx-threshold",           "/rx-threshold/rx-threshold",                "/Optics/rx_threshold/0x1"},
+    SettingRow{&LineSettings::rx_low_threshold_delta, "rx-low-threshold-delta", "/optics/optics-ots-rx-low-threshold-delta"},
     // clang-format on
 };
 

@@ -329,8 +329,8 @@ std::set<std::string> Model::faults(const SettingEdit &edit) const {
     if (edit.operation == Operation::create && is_set) {
         tags.insert("data-exists");
     }
-    const bool in_range = setting.type != Type::decimal ||
-                          (edit.value && *edit.value >= setting.minimum && *edit.value <= setting.maximum);
+    const bool in_range =
+        setting.type != Type::decimal || (edit.uncut >= setting.minimum * 10 && edit.uncut <= setting.maximum * 10);
     if (!takes_away(edit.operation) && (!edit.value || !in_range)) {
         tags.insert("invalid-value");
     }

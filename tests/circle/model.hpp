@@ -54,6 +54,7 @@ struct SettingEdit {
     ocpsm::Operation operation = ocpsm::Operation::merge;
     std::string text = {};        // as the client writes it; empty when it is taken away
     std::optional<int> value = 0; // what that is, decimals cut towards zero to tenths; none: no value of its type
+    int uncut = 0;                // of a decimal: what it was, hundredths
 };
 
 struct Statistics {

@@ -177,6 +177,7 @@ void choose_value(Random &random, SettingEdit &edit) {
     }
     const int value = random_decimal(random, edit.setting);
     edit.value = value / 10;
+    edit.uncut = value;
     edit.text = hundredths_text(value);
     return wrong ? is_none("1.234") : void();
 }

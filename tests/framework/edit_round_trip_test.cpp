@@ -1,4 +1,5 @@
 // What is set is what is read, to the step of the native model.
+#include <algorithm>
 #include <cmath>
 #include <random>
 
@@ -14,9 +15,10 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 struct Setting {
-    const char *leaf;  // below the module
-    const char *value; // as it is set
-    const char *read;  // as it is read then
+    const char *leaf;      // below the module
+    const char *value;     // as it is set
+    const char *read;      // as it is read then
+    const char *step = ""; // in which it is kept, where it is cut
 };
 
 // Tenths are what the native models hold: what is finer is cut off, towards zero.
@@ -26,23 +28,23 @@ constexpr Setting settings[] = {
     {"/config/wait-to-restore-time", "0", "0"},
     {"/config/wait-to-restore-time", "4294967295", "4294967295"},
     {"/config/primary-switch-threshold", "-20.5", "-20.5"},
-    {"/config/primary-switch-threshold", "-12.39", "-12.3"},
+    {"/config/primary-switch-threshold", "-12.39", "-12.3", "tenths of a dBm"},
     {"/config/primary-switch-threshold", "0", "0.0"},
-    {"/config/primary-switch-hysteresis", "1.59", "1.5"},
+    {"/config/primary-switch-hysteresis", "1.59", "1.5", "tenths of a dB"},
     {"/config/secondary-switch-threshold", "12.5", "12.5"},
-    {"/config/secondary-switch-threshold", "-0.05", "0.0"},
+    {"/config/secondary-switch-threshold", "-0.05", "0.0", "tenths of a dBm"},
     {"/config/relative-switch-threshold", "3", "3.0"},
-    {"/config/relative-switch-threshold", "-3.99", "-3.9"},
+    {"/config/relative-switch-threshold", "-3.99", "-3.9", "tenths of a dB"},
     {"/config/relative-switch-threshold-offset", "-0.5", "-0.5"},
-    {"/config/relative-switch-threshold-offset", "-0.05", "0.0"},
+    {"/config/relative-switch-threshold-offset", "-0.05", "0.0", "tenths of a dB"},
     {"/config/force-to-port", "NONE", "NONE"},
     {"/config/force-to-port", "PRIMARY", "PRIMARY"},
     {"/config/force-to-port", "SECONDARY", "SECONDARY"},
     {"/ports/line-primary-in/config/target-attenuation", "3.5", "3.5"},
-    {"/ports/line-primary-in/config/target-attenuation", "-0.05", "0.0"},
-    {"/ports/line-primary-out/config/target-attenuation", "0.19", "0.1"},
+    {"/ports/line-primary-in/config/target-attenuation", "0.05", "0.0", "tenths of a dB"},
+    {"/ports/line-primary-out/config/target-attenuation", "0.19", "0.1", "tenths of a dB"},
     {"/ports/line-secondary-in/config/target-attenuation", "30", "30.0"},
-    {"/ports/line-secondary-out/config/target-attenuation", "-0.05", "0.0"},
+    {"/ports/line-secondary-out/config/target-attenuation", "29.99", "29.9", "tenths of a dB"},
     {"/ports/line-secondary-out/config/target-attenuation", "7.70", "7.7"},
 };
 
@@ -50,8 +52,14 @@ class RoundTrip : public SessionFixture {
 protected:
     void SetUp() override { use(bare({1, 2})); }
 
-    void set(const std::string &leaf, const std::string &value) {
-        successful(requests::set_leaf(plugin(), module_path(2, leaf), value, device()));
+    // What is said of its being cut; empty: nothing.
+    std::string set(const std::string &leaf, const std::string &value) {
+        const EditResult result = requests::set_leaf(plugin(), module_path(2, leaf), value, device());
+        EXPECT_EQ(refusal_of(result), "none");
+        const auto cut = std::find_if(result.warnings.begin(), result.warnings.end(), [](const std::string &warning) {
+            return warning.find("is kept in") != std::string::npos;
+        });
+        return cut == result.warnings.end() ? "" : *cut;
     }
 
     void remove(const std::string &leaf) {
@@ -73,10 +81,39 @@ protected:
 
 const Lines bare_module{"2: name = 0/2-PSM-OM", "2/config: name = 0/2-PSM-OM"};
 
+// What is cut towards zero was beyond the end of the range.
+TEST_F(RoundTrip, ARangeHoldsForTheValueBeforeItIsCut) {
+    constexpr struct {
+        const char *leaf;
+        const char *value;
+        const char *allowed;
+    } rows[] = {
+        {"/ports/line-primary-in/config/target-attenuation", "-0.05", "0.0 to 30.0 dB"},
+        {"/ports/line-primary-in/config/target-attenuation", "30.01", "0.0 to 30.0 dB"},
+        {"/ports/line-secondary-out/config/target-attenuation", "-3.0", "0.0 to 30.0 dB"},
+        {"/config/primary-switch-threshold", "-40.05", "-40.0 to 30.0 dBm"},
+        {"/config/secondary-switch-threshold", "30.09", "-40.0 to 30.0 dBm"},
+        {"/config/primary-switch-hysteresis", "-0.01", "0.0 to 30.0 dB"},
+        {"/config/relative-switch-threshold", "300000000.0", "-40.0 to 40.0 dB"},
+        {"/config/relative-switch-threshold-offset", "-40.01", "-40.0 to 40.0 dB"},
+    };
+    for (const auto &row : rows) {
+        const EditResult result = requests::set_leaf(plugin(), module_path(2, row.leaf), row.value, device());
+        ASSERT_TRUE(result.error) << row.leaf << " " << row.value;
+        EXPECT_EQ(
+            result.error->tag + "|" + result.error->path + "|" + result.error->message() + "|" + result.error->advice,
+            "invalid-value|" + module_path(2, row.leaf) + "|" + row.value + " is out of range|allowed: " + row.allowed);
+        EXPECT_EQ(value_of(row.leaf), std::nullopt);
+    }
+}
+
 TEST_F(RoundTrip, EveryLeafIsSetReadDeletedAndSetAgain) {
     for (const Setting &setting : settings) {
         SCOPED_TRACE(std::string(setting.leaf) + " " + setting.value);
-        set(setting.leaf, setting.value);
+        EXPECT_EQ(set(setting.leaf, setting.value),
+                  *setting.step == '\0' ? ""
+                                        : std::string(setting.value) + " is kept in " + setting.step + ": " +
+                                              setting.read + " at " + module_path(2, setting.leaf));
         EXPECT_EQ(value_of(setting.leaf), setting.read);
         EXPECT_EQ(value_of(setting.leaf, Kind::get), setting.read);
         remove(setting.leaf);
@@ -174,11 +211,12 @@ TEST_F(WholeModule, ReplacedWithWhatWasReadStaysAsItIs) {
 TEST_F(WholeModule, ReplacedWithTwoLeavesLosesAllOthers) {
     const ReadResult other = configuration(3);
     successful(edit(module_text(
-        1, "<config><revertive>false</revertive><secondary-switch-threshold>-1.5</secondary-switch-threshold></config>",
+        1,
+        "<config><revertive>false</revertive><secondary-switch-threshold>-20.5</secondary-switch-threshold></config>",
         " nc:operation='replace'")));
     EXPECT_THAT(get_config("1"),
                 ElementsAre("1: name = 0/1-PSM-OM",
-                            "1/config: name = 0/1-PSM-OM, revertive = false, secondary-switch-threshold = -1.5"));
+                            "1/config: name = 0/1-PSM-OM, revertive = false, secondary-switch-threshold = -20.5"));
     EXPECT_EQ(configuration(3).answer.leaves(), other.answer.leaves());
 }
 
@@ -207,9 +245,9 @@ TEST_F(WholeModule, AllModulesReplacedWithWhatWasReadStayAsTheyAre) {
 TEST_F(WholeModule, AllModulesReplacedWithOneLeafLoseAllOthers) {
     successful(edit("<aps xmlns=\"http://openconfig.net/yang/optical-transport-line-protection\" "
                     "xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\"><aps-modules nc:operation='replace'>" +
-                    module_text(3, "<config><revertive>true</revertive></config>") + "</aps-modules></aps>"));
+                    module_text(3, "<config><revertive>false</revertive></config>") + "</aps-modules></aps>"));
     EXPECT_THAT(get_config("/"), ElementsAre("1: name = 0/1-PSM-OM", "1/config: name = 0/1-PSM-OM",
-                                             "3: name = 0/3-PSM-OM", "3/config: name = 0/3-PSM-OM, revertive = true"));
+                                             "3: name = 0/3-PSM-OM", "3/config: name = 0/3-PSM-OM, revertive = false"));
 }
 
 TEST_F(WholeModule, ReplacedWithItsKeyAloneLosesEverything) {

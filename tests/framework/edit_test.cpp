@@ -34,25 +34,27 @@ const std::string node = "/active-nodes/active-node[node-name='0/RP0/CPU0']";
 const std::string slot_path = node + "/slot[slot-id='1']";
 
 TEST_F(EditOfALineSystem, TellsTheNativeOperationsAndWhatTheyAmountTo) {
-    const EditResult result =
-        successful(edit(config_text("<primary-switch-threshold>-12.34</primary-switch-threshold>")));
+    const EditResult result = edit(config_text("<primary-switch-threshold>-14.34</primary-switch-threshold>"));
+    EXPECT_EQ(refusal_of(result), "none");
+    EXPECT_THAT(result.warnings, ElementsAre("-14.34 is kept in tenths of a dBm: -14.3 at " +
+                                             module_path(1, "/config/primary-switch-threshold")));
     EXPECT_THAT(operations_of(result),
-                ElementsAre("merge " + primary, "merge " + threshold, "merge " + threshold + "/rx-threshold = -123",
+                ElementsAre("merge " + primary, "merge " + threshold, "merge " + threshold + "/rx-threshold = -143",
                             "merge " + node, "merge " + slot_path));
     ASSERT_EQ(result.changes.size(), 1U);
-    EXPECT_EQ(result.changes[0], (ocpsm::Change{module_path(1, "/config/primary-switch-threshold"), "-25.0", "-12.3"}));
+    EXPECT_EQ(result.changes[0], (ocpsm::Change{module_path(1, "/config/primary-switch-threshold"), "-25.0", "-14.3"}));
     EXPECT_THAT(result.log, IsEmpty());
     EXPECT_THAT(result.trace, IsEmpty());
 }
 
 TEST_F(EditOfALineSystem, ChangesStandInTheOrderOfTheModel) {
-    EXPECT_THAT(changes(module_text(3, "<config><force-to-port>PRIMARY</force-to-port></config>") +
+    EXPECT_THAT(changes(module_text(3, "<config><force-to-port>SECONDARY</force-to-port></config>") +
                         module_text(1, "<ports><line-primary-in><config><target-attenuation>3</target-attenuation>"
                                        "</config></line-primary-in></ports><config><revertive>false</revertive>"
                                        "<wait-to-restore-time nc:operation='delete'/></config>")),
                 ElementsAre("1/config/revertive: true -> false", "1/config/wait-to-restore-time: 10000 -> -",
                             "1/ports/line-primary-in/config/target-attenuation: 2.5 -> 3.0",
-                            "3/config/force-to-port: NONE -> PRIMARY"));
+                            "3/config/force-to-port: NONE -> SECONDARY"));
 }
 
 TEST_F(EditOfALineSystem, AnEditThatSaysNothingDoesNothing) {
@@ -94,9 +96,9 @@ TEST_F(EditOfALineSystem, TenLeavesOfWhichTheDeviceRefusesTheLast) {
         refused(module_text(1, six + "<ports>" + port("line-primary-in", "1") + port("line-primary-out", "1") +
                                    port("line-secondary-in", "1") + port("line-secondary-out", "30.1") + "</ports>")),
         "invalid-value|" + module_path(1, "/ports/line-secondary-out/config/target-attenuation") +
-            "|301 is not within 0 to 300 tenths of a dB (native: "
+            "|30.1 is out of range (native: "
             "/interface-configurations/interface-configuration[active='act'][interface-name='Ots0/1/0/2']/optics/"
-            "optics-ots-tx-voa-attenuation)||");
+            "optics-ots-tx-voa-attenuation)|allowed: 0.0 to 30.0 dB|");
 }
 
 TEST_F(EditOfALineSystem, AValueThatTheModelDoesNotAllowNeverReachesThePlugin) {

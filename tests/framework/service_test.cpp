@@ -188,7 +188,7 @@ TEST(Service, TellsErrorsAsData) {
               "invalid-value|" + threshold +
                   "|/interface-configurations/interface-configuration[active='act'][interface-name='Ots0/1/0/1']/"
                   "optics/rx-thresholds/rx-threshold[rx-threshold-type='low']/rx-threshold|"
-                  "990 is not within -400 to 300 tenths of a dBm||");
+                  "99.0 is out of range||");
     EXPECT_EQ(error_of(system.service.edit(Text{config(entry(1, "<config><name>other</name></config>"))})),
               "data-missing|" + module(1, "/name") +
                   "||the key and the leaf that it refers to differ (instance-required)||instance-required");

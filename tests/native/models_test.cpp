@@ -15,7 +15,7 @@ using ocpsm::models::NodeInfo;
 using ocpsm::models::NodeKind;
 using ocpsm::models::Schema;
 
-// A line per node: path, access, then "container", "list" with its keys, or a leaf's type, units and default.
+// A line per node: path, access, then "container", "list" with its keys, or a leaf's type, units, range and default.
 void print_nodes(const Schema &schema, const lysc_node *parent, std::string &out) {
     for (const lysc_node *node : schema.children(parent)) {
         const NodeInfo info = describe(*node);
@@ -31,6 +31,9 @@ void print_nodes(const Schema &schema, const lysc_node *parent, std::string &out
             out.append(" ").append(info.type);
             out.append(info.fraction_digits == 0 ? "" : std::to_string(info.fraction_digits));
             out.append(info.units.empty() ? "" : " [" + std::string(info.units) + "]");
+            if (info.range) {
+                out += " " + std::to_string(info.range->minimum) + ".." + std::to_string(info.range->maximum);
+            }
             out.append(info.default_value ? " =" + std::string(*info.default_value) : "");
             for (const std::string_view choice : info.choices) {
                 out.append(" ").append(choice);
@@ -129,8 +132,8 @@ std::string nodes_of_kind(const std::string &kind) {
 /slot/slot-id rw uint32
 /slot/psm rw container
 /slot/psm/relative-switch-threshold rw container
-/slot/psm/relative-switch-threshold/psm-relative-switch-threshold rw int32 [0.1 dB]
-/slot/psm/relative-switch-threshold/psm-relative-switch-threshold-offset rw int32 [0.1 dB]
+/slot/psm/relative-switch-threshold/psm-relative-switch-threshold rw int32 [0.1 dB] -400..400
+/slot/psm/relative-switch-threshold/psm-relative-switch-threshold-offset rw int32 [0.1 dB] -400..400
 /slot/psm/revertive rw container
 /slot/psm/revertive/enable rw boolean
 /slot/psm/revertive/wtr rw uint32 [milliseconds]
@@ -148,10 +151,10 @@ TEST(NativeModels, HaveEveryNode) {
 /interface-configurations/interface-configuration/optics/rx-thresholds rw container
 /interface-configurations/interface-configuration/optics/rx-thresholds/rx-threshold rw list rx-threshold-type
 /interface-configurations/interface-configuration/optics/rx-thresholds/rx-threshold/rx-threshold-type rw string
-/interface-configurations/interface-configuration/optics/rx-thresholds/rx-threshold/rx-threshold rw int32 [0.1 dBm]
-/interface-configurations/interface-configuration/optics/optics-ots-rx-voa-attenuation rw int32 [0.1 dB]
-/interface-configurations/interface-configuration/optics/optics-ots-rx-low-threshold-delta rw int32 [0.1 dB]
-/interface-configurations/interface-configuration/optics/optics-ots-tx-voa-attenuation rw int32 [0.1 dB]
+/interface-configurations/interface-configuration/optics/rx-thresholds/rx-threshold/rx-threshold rw int32 [0.1 dBm] -400..300
+/interface-configurations/interface-configuration/optics/optics-ots-rx-voa-attenuation rw int32 [0.1 dB] 0..300
+/interface-configurations/interface-configuration/optics/optics-ots-rx-low-threshold-delta rw int32 [0.1 dB] 0..300
+/interface-configurations/interface-configuration/optics/optics-ots-tx-voa-attenuation rw int32 [0.1 dB] 0..300
 )" + below("/active-nodes", nodes_of_kind("active")) +
                   below("/preconfigured-nodes", nodes_of_kind("preconfigured")) + R"(/ots-oper ro container
 /ots-oper/ots-ports ro container
