@@ -4,6 +4,8 @@
 #define OCPSM_FRAMEWORK_DEVICE_HPP
 
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "framework/native/native_data.hpp"
 #include "framework/native/net_request.hpp"
@@ -21,9 +23,10 @@ public:
 
     virtual native::NativeData answer(const native::NetRequest &read) = 0;
 
-    // Carries out an edit that NetRequest::check has passed, whole or not at all; later answers show it. Throws Error
-    // with the native path of the node that is refused. A transaction that reads only takes none (std::logic_error).
-    virtual void apply(const native::NetRequest &edit) = 0;
+    // Carries out an edit that NetRequest::check has passed, whole or not at all; later answers show it. Returns what
+    // its user should know before it is committed: a text for each danger, a few at most. Throws Error with the native
+    // path of the node that is refused. A transaction that reads only takes none (std::logic_error).
+    virtual std::vector<std::string> apply(const native::NetRequest &edit) = 0;
 
     // Makes what was applied last and ends the transaction; without it nothing has happened.
     virtual void commit() = 0;

@@ -108,9 +108,10 @@ native::NetRequest apply_all(Callback root, const std::vector<HandedOver> &all, 
         try {
             require_in_range(handed, request);
             request.check();
-            device.apply(request);
+            const std::vector<std::string> dangers = device.apply(request);
             const std::vector<std::string> cut = cut_numbers(handed, request);
             warnings.insert(warnings.end(), cut.begin(), cut.end());
+            warnings.insert(warnings.end(), dangers.begin(), dangers.end());
         } catch (Error &error) {
             if (!error.native_path.empty()) {
                 error.path = openconfig_origin(root, handed.origins, request, error.native_path);

@@ -18,7 +18,6 @@ namespace ocpsm::line_system {
 inline constexpr int slot_count = 3;           // slots 1 to 3
 inline constexpr std::size_t port_count = 3;   // ports 0 common, 1 primary line, 2 secondary line
 inline constexpr std::size_t line_count = 2;   // 0 primary, 1 secondary: port - 1
-inline constexpr int dark = -4000;             // what a receiver reads without light, hundredths of a dBm
 inline constexpr char low_threshold[] = "low"; // the type of the threshold that counts for the switch
 
 inline constexpr std::size_t line_of(Path path) {

@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "simulator/line_system/native_side.hpp"
+#include "simulator/line_system/risks.hpp"
 #include "simulator/line_system/storage.hpp"
 
 namespace ocpsm::line_system {
@@ -11,14 +12,16 @@ native::NativeData LineSystemDevice::answer(const native::NetRequest &read) {
     return native::answer(native_data(system()), read);
 }
 
-void LineSystemDevice::apply(const native::NetRequest &edit) {
+std::vector<std::string> LineSystemDevice::apply(const native::NetRequest &edit) {
     if (transaction_ == nullptr) {
         throw std::logic_error("an edit needs a write transaction");
     }
     const Edited edited = carry_out(system(), edit);
+    std::vector<std::string> dangers = risks(system(), edited.system);
     save(*transaction_, edited.system);
     system_ = load(*transaction_);
     require_kept(edited, *system_);
+    return dangers;
 }
 
 const LineSystem &LineSystemDevice::system() {

@@ -25,7 +25,7 @@ public:
 
     // Throws Error with the native path of the node that is refused, operation-failed for one whose value is not there
     // afterwards. After a refusal of that kind the transaction must not be committed; any other leaves it as it was.
-    void apply(const native::NetRequest &edit) override;
+    std::vector<std::string> apply(const native::NetRequest &edit) override;
 
     void commit() override;
 

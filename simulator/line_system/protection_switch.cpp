@@ -12,12 +12,16 @@ std::int64_t imbalance(const SwitchSettings &settings, const LineLight &light) {
     return std::int64_t{light.primary} - light.secondary - settings.relative_offset;
 }
 
+// No offset makes a line that is dark better than another that is not worse.
+bool is_worth_a_move(Path to, const LineLight &light) {
+    const int power = to == Path::primary ? light.primary : light.secondary;
+    const int other = to == Path::primary ? light.secondary : light.primary;
+    return power > dark || other < power;
+}
+
 Path compare_lines(Path active, const SwitchSettings &settings, const LineLight &light) {
-    const std::int64_t difference = imbalance(settings, light);
-    if (difference < -std::int64_t{settings.relative_threshold}) {
-        return Path::secondary;
-    }
-    return difference > settings.relative_threshold ? Path::primary : active;
+    const std::optional<Path> better = better_line(settings, light);
+    return better && is_worth_a_move(*better, light) ? *better : active;
 }
 
 bool is_restorable(const SwitchSettings &settings, const LineLight &light) {
@@ -48,6 +52,14 @@ SwitchState leave_secondary(const SwitchState &before, const SwitchSettings &set
 }
 
 } // namespace
+
+std::optional<Path> better_line(const SwitchSettings &settings, const LineLight &light) {
+    const std::int64_t difference = imbalance(settings, light);
+    if (difference < -std::int64_t{settings.relative_threshold}) {
+        return Path::secondary;
+    }
+    return difference > settings.relative_threshold ? std::optional(Path::primary) : std::nullopt;
+}
 
 SwitchState evaluate(const SwitchState &before, const SwitchSettings &settings, const LineLight &light,
                      std::uint64_t now) {

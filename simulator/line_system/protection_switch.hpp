@@ -7,6 +7,8 @@
 
 namespace ocpsm::line_system {
 
+inline constexpr int dark = -4000; // what a receiver reads without light, hundredths of a dBm
+
 enum class Path { primary, secondary };
 
 enum class Lockout { none, working, protection };
@@ -35,6 +37,9 @@ struct SwitchState {
 
     bool operator==(const SwitchState &) const = default;
 };
+
+// The line that a relative threshold prefers, be it dark; none: neither.
+std::optional<Path> better_line(const SwitchSettings &settings, const LineLight &light);
 
 // The state at `now`, milliseconds on the line system's own clock, from the state at the evaluation before.
 SwitchState evaluate(const SwitchState &before, const SwitchSettings &settings, const LineLight &light,

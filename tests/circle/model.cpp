@@ -85,7 +85,9 @@ bool is_on_secondary(ModelSlot &slot, int primary, int secondary, std::uint64_t 
     }
     if (const int r = set[relative_threshold].value_or(0) * 10; r != 0) {
         const int d = primary - secondary - set[relative_offset].value_or(0) * 10;
-        return d < -r || (was && d <= r);
+        const int target = d < -r ? secondary : primary;
+        const bool never = target <= dark && std::min(primary, secondary) == target;
+        return never ? was : d < -r || (was && d <= r);
     }
     const bool primary_bad = below(primary, primary_threshold);
     const bool secondary_bad = below(secondary, secondary_threshold);

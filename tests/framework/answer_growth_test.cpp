@@ -99,7 +99,7 @@ public:
     }
 
     ocpsm::native::NativeData answer(const ocpsm::native::NetRequest & /*read*/) override { return held_; }
-    void apply(const ocpsm::native::NetRequest & /*edit*/) override {}
+    std::vector<std::string> apply(const ocpsm::native::NetRequest & /*edit*/) override { return {}; }
     void commit() override {}
 
 private:

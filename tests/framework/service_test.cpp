@@ -233,7 +233,7 @@ private:
     struct Transaction : ocpsm::DeviceTransaction {
         explicit Transaction(std::unique_ptr<ocpsm::DeviceTransaction> behind) : held(std::move(behind)) {}
         ocpsm::native::NativeData answer(const ocpsm::native::NetRequest &read) override { return held->answer(read); }
-        void apply(const ocpsm::native::NetRequest &edit) override { held->apply(edit); }
+        std::vector<std::string> apply(const ocpsm::native::NetRequest &edit) override { return held->apply(edit); }
         void commit() override {
             throw ocpsm::Error(ocpsm::Error::Source::refused, "resource-denied", {}, "the device is full");
         }

@@ -158,11 +158,12 @@ ocpsm::native::NativeData HeldDevice::answer(const ocpsm::native::NetRequest &re
     return answers_everything ? held_ : ocpsm::native::answer(held_, read);
 }
 
-void HeldDevice::apply(const ocpsm::native::NetRequest &edit) {
+std::vector<std::string> HeldDevice::apply(const ocpsm::native::NetRequest &edit) {
     if (refusal) {
         throw ocpsm::Error(*refusal);
     }
     for (const auto &operation : edit.operations()) {
         edits.push_back(operation.path);
     }
+    return {};
 }

@@ -142,7 +142,7 @@ public:
     explicit HeldDevice(const std::string &held) : held_(native_test::read_net(held)) {}
 
     ocpsm::native::NativeData answer(const ocpsm::native::NetRequest &read) override;
-    void apply(const ocpsm::native::NetRequest &edit) override;
+    std::vector<std::string> apply(const ocpsm::native::NetRequest &edit) override;
     void commit() override {}
 
     // How an edit is refused; none: it is accepted, and changes nothing.

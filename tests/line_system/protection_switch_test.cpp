@@ -103,6 +103,12 @@ TEST(ProtectionSwitch, ARelativeThresholdComparesTheLines) {
         {"both dark", relative(300, 0), {-4000, -4000}, 0, on_primary, on_primary},
         {"both dark, on secondary", relative(300, 0), {-4000, -4000}, 0, on_secondary, on_secondary},
         {"primary dark", relative(300, 0), {-4000, -2900}, 0, on_primary, on_secondary},
+        {"both dark, an offset for secondary", relative(300, 500), {-4000, -4000}, 0, on_primary, on_primary},
+        {"both dark, an offset for primary", relative(300, -500), {-4000, -4000}, 0, on_secondary, on_secondary},
+        {"both dark, a negative threshold", relative(-300, 0), {-4000, -4000}, 0, on_primary, on_primary},
+        {"an offset for secondary, dark", relative(300, 3600), {-1000, -4000}, 0, on_primary, on_primary},
+        {"an offset for primary, dark", relative(300, -3600), {-4000, -1000}, 0, on_secondary, on_secondary},
+        {"the same, a hundredth of light", relative(300, 3600), {-1000, -3999}, 0, on_primary, on_secondary},
     });
 }
 
