@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "framework/answer/cut.hpp"
+#include "framework/answer/left_out.hpp"
 #include "framework/answer/walk.hpp"
 #include "framework/request/hand_over.hpp"
 #include "framework/request/instance_read.hpp"
@@ -58,6 +59,9 @@ void answer_all(const Plugin &plugin, Kind kind, const Translation &translation,
             }
         }
         AnswerTree tree = join(std::move(parts));
+        for (std::string &warning : left_out(translation.handed_over, tree, kind)) {
+            result.warnings.push_back(std::move(warning));
+        }
         if (!tree.empty()) {
             result.answer = Answer(std::make_shared<Answer::Data>(std::move(tree)));
         }

@@ -7,6 +7,7 @@
 #include "framework/host/codes.hpp"
 #include "framework/host/data_tree.hpp"
 #include "framework/models/models.hpp"
+#include "framework/request/companions.hpp"
 #include "framework/request/instance_path.hpp"
 
 namespace ocpsm::framework {
@@ -43,6 +44,10 @@ Error unsupported(const MappingContext &context, const std::string &location, co
     if (is_edit(context) && !models::describe(*schema).config) {
         return refused("operation-not-supported", location, name + " is operational state and cannot be edited",
                        "leave it out, or read it");
+    }
+    if (const std::string read = read_with(location); !read.empty()) {
+        return refused("operation-not-supported", location, name + " cannot be asked for by itself",
+                       "a read of " + read + " has it");
     }
     return refused("operation-not-supported", location, name + " is not served by this device", "leave it out");
 }

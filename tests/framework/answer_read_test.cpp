@@ -154,17 +154,40 @@ TEST_F(AnswerRead, WhatIsNotConfiguredIsNotAnswered) {
     EXPECT_THAT(get("1/config/primary-switch-hysteresis"), ElementsAre("1: name = 0/1-PSM-OM"));
 }
 
-TEST_F(AnswerRead, RefusedLeavesAreAnsweredWithWhatIsAroundThemAndRefusedWhenNamed) {
-    // The attenuation itself is asked for with that of the primary line only.
+TEST_F(AnswerRead, LeavesThatCannotBeAskedForByThemselvesAreLeftOutInWords) {
+    const std::string ports = module_path(1, "/ports");
+    const std::string in = ports + "/line-secondary-in/state/attenuation (a read of " + ports + " has it)";
     EXPECT_THAT(get("1/ports/line-secondary-in/state"),
                 ElementsAre("1: name = 0/1-PSM-OM", "1/ports/line-secondary-in/state: target-attenuation = 1.5",
                             "1/ports/line-secondary-in/state/optical-power: instant = -15.87, avg = -15.9, min = "
                             "-16.12, max = -15.77"));
-    const std::string path = module_path(1, "/ports/line-secondary-in/state/attenuation");
+    const auto warnings = [this](const std::vector<std::string> &paths, Kind kind) {
+        return requests::read_paths(plugin(), paths, kind, device()).warnings;
+    };
+    EXPECT_THAT(warnings({ports + "/line-secondary-in/state"}, Kind::get),
+                ElementsAre("what cannot be asked for by itself is left out: " + in));
+    const std::string third = module_path(3, "/ports");
+    EXPECT_THAT(warnings({ports + "/line-secondary-in", third + "/line-secondary-in/state"}, Kind::get),
+                ElementsAre("what cannot be asked for by itself is left out: " + in + ", " + third +
+                            "/line-secondary-in/state/attenuation (a read of " + third + " has it)"));
+    // Where it is in the answer, where it is not selected, and where the device has no such value.
+    for (const char *below : {"", "/line-secondary-in/state/optical-power", "/line-secondary-out", "/common-output"}) {
+        EXPECT_THAT(warnings({ports + below}, Kind::get), IsEmpty()) << below;
+    }
+    EXPECT_THAT(warnings({ports + "/line-secondary-in"}, Kind::get_config), IsEmpty());
+    EXPECT_THAT(warnings({module_path(2, "/ports/line-secondary-in")}, Kind::get), IsEmpty());
+
+    const std::string path = ports + "/line-secondary-in/state/attenuation";
     const ReadResult refused = read(path);
-    EXPECT_EQ(refusal_of(refused),
-              "operation-not-supported|" + path + "|attenuation is not served by this device|leave it out|attenuation");
+    EXPECT_EQ(refusal_of(refused), "operation-not-supported|" + path +
+                                       "|attenuation cannot be asked for by itself|a read of " + ports +
+                                       " has it|attenuation");
     EXPECT_TRUE(refused.answer.empty());
+    // The target comes with the setting beside it.
+    const std::string target = ports + "/line-secondary-out/state/target-attenuation";
+    EXPECT_EQ(refusal_of(read(target)), "operation-not-supported|" + target +
+                                            "|target-attenuation cannot be asked for by itself|a read of " + ports +
+                                            "/line-secondary-out has it|target-attenuation");
 }
 
 TEST_F(AnswerRead, OnlyUnsupportedNodesAreAnsweredWithNothingAndOneWarning) {

@@ -194,7 +194,7 @@ TEST(Service, TellsErrorsAsData) {
                   "||the key and the leaf that it refers to differ (instance-required)||instance-required");
     const std::string attenuation = module(1, "/ports/line-secondary-in/state/attenuation");
     EXPECT_EQ(error_of(system.service.read(Paths{{attenuation}}, Kind::get)),
-              "operation-not-supported|" + attenuation + "||attenuation is not served by this device|attenuation|");
+              "operation-not-supported|" + attenuation + "||attenuation cannot be asked for by itself|attenuation|");
 }
 
 // Each thread has a line system of its own, and all of them one that they share.
