@@ -6,7 +6,7 @@
 
 extern "C" {
 
-typedef uint16_t bag_token_type_td;
+typedef uint64_t bag_token_type_td;
 
 CONSTANT(BAG_I8, BAG_TOKEN_INT8, 0)
 CONSTANT(BAG_U8, BAG_TOKEN_UINT8, 1)
@@ -29,8 +29,8 @@ CONSTANT(BAG_OVER, BAG_TOKEN_END, 18)
 CONSTANT(BAG_NAME_LENGTH, BAG_TYPE_NAME_SIZE, 96)
 
 typedef struct bag_header_td {
-    uint16_t NAMED(minor, version_minor);
-    uint16_t NAMED(major, version_major);
+    int64_t NAMED(minor, version_minor);
+    int64_t NAMED(major, version_major);
     char NAMED(record, type_name)[96];
 } bag_header_td;
 
@@ -38,8 +38,8 @@ typedef struct bag_token_td {
     char *NAMED(other_string, second_text);
     union {
         char *NAMED(string, text);
-        uint8_t NAMED(truth, boolean);
-        int16_t NAMED(word, enumeration);
+        uint64_t NAMED(truth, boolean);
+        int64_t NAMED(word, enumeration);
         uint32_t NAMED(address, ipv4);
         uint64_t NAMED(u64, uint64);
         int64_t NAMED(i64, int64);

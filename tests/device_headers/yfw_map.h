@@ -108,7 +108,7 @@ struct yfw_debug_filter {
 struct NAMED(ym_ctx, yfw_map_context) {
     uint64_t NAMED(dumped, data_printed);
     uint8_t NAMED(entry_operation, list_operation);
-    uint8_t NAMED(traces, trace_enabled);
+    uint64_t NAMED(traces, trace_enabled);
     hvs_trace_handle NAMED(trace, trace_buffer);
     hvs_dt_handle NAMED(traces_to, trace_log);
     hvs_dt_handle NAMED(errors_to, error_log);

@@ -2,6 +2,7 @@
 #ifndef TESTS_SUPPORT_CASES_ARGUMENTS_HPP
 #define TESTS_SUPPORT_CASES_ARGUMENTS_HPP
 
+#include <concepts>
 #include <deque>
 #include <functional>
 #include <map>
@@ -32,12 +33,13 @@ public:
     void take(yfw_map_ctx &ctx) const { ctx = scenery_.ctx; } // no word
     void take(kidl_yfw_datatree *&node) { node = scenery_.node(next()); }
     void take(const kidl_yfw_datatree *&node) { node = scenery_.node(next()); }
-    void take(int &value) { value = static_cast<int>(number(line_, next())); }
-    void take(std::uint32_t &value) { value = static_cast<std::uint32_t>(number(line_, next())); }
+    template <std::integral Number>
+    void take(Number &value) {
+        value = static_cast<Number>(number(line_, next()));
+    }
     void take(const void *&bag) { bag = next() == "null" ? nullptr : scenery_.bag; }
     void take(const char *&text);
-    void
-    take(char *&buffer); // [SIZE], filled with '#'; [SIZE=TEXT], zeros behind the text; [fit], of the expected text
+    void take(char *&buffer); // [SIZE], full of '#'; [SIZE=TEXT], zeros behind the text; [fit], of the expected text
     void take(const bag_token_td *&token); // in quotes
     void take(void **&item);               // item: what the plug-in hands over, released with the arguments
     void take(std::uint32_t *&length);     // of the item

@@ -64,7 +64,8 @@ fake::Token token_of(const Line &line, std::string_view text) {
     const std::vector<std::string> all = words(line, text);
     demand(!all.empty(), line, "a token");
     const auto named = types.find(all[0]);
-    fake::Token token{named != types.end() ? named->second : code(line, all[0]), std::nullopt, 0, std::nullopt};
+    fake::Token token;
+    token.type = named != types.end() ? named->second : static_cast<bag_token_type_td>(code(line, all[0]));
     const bool is_mark = token.type >= BAG_TOKEN_ARRAY_START && token.type <= BAG_TOKEN_END;
     demand(is_mark ? all.size() <= 2 : all.size() == 3, line, "a token: TYPE NAME VALUE, struct NAME, end-struct, ...");
     token.name = all.size() > 1 ? meant(line, all[1]) : std::nullopt;

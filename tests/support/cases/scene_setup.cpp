@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <concepts>
 #include <functional>
+#include <type_traits>
 
 #include "records.hpp"
 #include "scene.hpp"
@@ -38,8 +39,10 @@ Rule rule_of(const Line &line, const std::vector<std::string> &all) {
 struct Number {
     template <std::integral Integer>
     Number(Integer &place) // NOLINT(google-explicit-constructor): tables of members read better without
-        : get([&place] { return static_cast<std::uint32_t>(place); }),
-          set([&place](std::uint32_t number) { place = static_cast<Integer>(number); }) {}
+        : get([&place] { return static_cast<std::uint32_t>(place); }), set([&place](std::uint32_t number) {
+              using Given = std::conditional_t<std::is_signed_v<Integer>, std::int32_t, std::uint32_t>;
+              place = static_cast<Integer>(static_cast<Given>(number));
+          }) {}
 
     std::function<std::uint32_t()> get;
     std::function<void(std::uint32_t)> set;
