@@ -2,7 +2,6 @@
 // names the program's file, OCPSM_PROGRAM, and the directory with the examples, OCPSM_EXAMPLES.
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -115,41 +114,17 @@ TEST_F(Crash, LeavesTheLineSystemAsItWasOrAMomentLater) {
     EXPECT_GE(crash_everywhere({"device", "tick", "30000"}), 30);
 }
 
-// What is in the directory beside the line system: what its owner keeps there.
-class CrashAtTheBeginning : public Crash, public testing::WithParamInterface<bool> {
-protected:
-    std::filesystem::path owners_file() const { return state() / "notes.txt"; }
-
-    void start_over() const {
-        std::filesystem::remove_all(state());
-        if (GetParam()) {
-            std::filesystem::create_directory(state());
-            std::ofstream(owners_file()) << "mine";
-        }
-    }
-
-    void expect_owners_file() const {
-        if (GetParam()) {
-            std::string text;
-            std::ifstream(owners_file()) >> text;
-            EXPECT_EQ(text, "mine");
-        }
-    }
-
-    std::vector<std::string> names() const {
-        std::vector<std::string> found;
-        for (const auto &entry : std::filesystem::directory_iterator(state())) {
-            if (entry.path() != owners_file()) {
-                found.push_back(entry.path().filename());
-            }
-        }
-        return found;
-    }
-};
-
 // Crashes pile up on a directory without a line system. The next command that makes one is not stopped by any of them,
 // and nothing of them stays.
-TEST_P(CrashAtTheBeginning, LeavesNoLineSystemOrAWholeOne) {
+TEST_F(Crash, AtTheBeginningLeavesNoLineSystemOrAWholeOne) {
+    const auto start_over = [this] { std::filesystem::remove_all(state()); };
+    const auto names = [this] {
+        std::vector<std::string> found;
+        for (const auto &entry : std::filesystem::directory_iterator(state())) {
+            found.push_back(entry.path().filename());
+        }
+        return found;
+    };
     const Records whole = records();
     const Words init = command({"device", "init"});
     start_over();
@@ -159,7 +134,6 @@ TEST_P(CrashAtTheBeginning, LeavesNoLineSystemOrAWholeOne) {
         TracedProcess child = traced(init);
         ended = !stop_at_call(child, without + with);
         child.kill_now();
-        expect_owners_file();
         if (std::filesystem::exists(state() / store_file)) {
             EXPECT_EQ(records(), whole) << "killed at call " << without + with;
             EXPECT_EQ(names(), std::vector<std::string>{store_file});
@@ -174,7 +148,5 @@ TEST_P(CrashAtTheBeginning, LeavesNoLineSystemOrAWholeOne) {
     EXPECT_GT(with, 3);
     RecordProperty("crashes", without + with);
 }
-
-INSTANTIATE_TEST_SUITE_P(, CrashAtTheBeginning, testing::Bool());
 
 } // namespace
