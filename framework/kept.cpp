@@ -19,8 +19,6 @@ namespace ocpsm::framework {
 
 namespace {
 
-constexpr std::size_t most_warnings = 16;
-
 // A number as the request has it.
 struct Asked {
     const lysc_node *leaf;
@@ -100,18 +98,19 @@ bool is_out_of(const models::Range &range, const Kept &kept) {
 } // namespace
 
 std::vector<std::string> cut_numbers(const HandedOver &handed, const native::NetRequest &net) {
-    std::vector<std::string> texts;
-    std::size_t count = 0;
-    for_each_kept(handed, net, [&](const Kept &kept) {
-        if (!kept.cut || ++count > most_warnings) {
-            return;
+    FirstTexts cut;
+    for_each_kept(handed, net, [&cut](const Kept &kept) {
+        if (kept.cut) {
+            cut.add([&kept] {
+                const native::Scale scale = native::scale_of(kept.native_leaf);
+                return one_line(kept.asked) + " is kept in " + std::string(scale.step).append(scale.unit) + ": " +
+                       native::decimal(kept.number, scale) + " at " + kept.location;
+            });
         }
-        const native::Scale scale = native::scale_of(kept.native_leaf);
-        texts.push_back(one_line(kept.asked) + " is kept in " + std::string(scale.step).append(scale.unit) + ": " +
-                        native::decimal(kept.number, scale) + " at " + kept.location);
     });
-    if (count > texts.size()) {
-        texts.push_back(std::to_string(count - texts.size()) + " more numbers are cut");
+    std::vector<std::string> texts = cut.kept();
+    if (cut.more() != 0) {
+        texts.push_back(std::to_string(cut.more()) + " more numbers are cut");
     }
     return texts;
 }

@@ -135,4 +135,12 @@ bool is_xml_text(std::string_view text) {
     return true;
 }
 
+std::string FirstTexts::in_a_row() const {
+    std::string text;
+    for (const std::string &kept : kept_) {
+        text.append(text.empty() ? "" : ", ").append(kept);
+    }
+    return more() == 0 ? text : text + " and " + std::to_string(more()) + " more";
+}
+
 } // namespace ocpsm

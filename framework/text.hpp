@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace ocpsm {
 
@@ -27,6 +28,31 @@ std::string key_predicate(std::string_view key, std::string_view value);
 // Whether a text is UTF-8, and whether it also holds nothing but characters of XML 1.0.
 bool is_utf8(std::string_view text);
 bool is_xml_text(std::string_view text);
+
+// Texts of one kind, of which the first are kept and the rest are counted.
+class FirstTexts {
+public:
+    static constexpr std::size_t most = 16;
+
+    // `make` gives the text, and is called only where the text is kept.
+    template <class Make>
+    void add(Make make) {
+        if (++count_ <= most) {
+            kept_.push_back(make());
+        }
+    }
+
+    const std::vector<std::string> &kept() const { return kept_; }
+    std::size_t count() const { return count_; }
+    std::size_t more() const { return count_ - kept_.size(); }
+
+    // "a, b and 3 more".
+    std::string in_a_row() const;
+
+private:
+    std::vector<std::string> kept_;
+    std::size_t count_ = 0;
+};
 
 } // namespace ocpsm
 

@@ -38,6 +38,9 @@ struct LineRow {
 
 enum class Line { primary, secondary };
 
+// By Line, as people type and read them.
+inline constexpr std::array<std::string_view, 2> line_names = {"primary", "secondary"};
+
 // What decides which line of a module is active. What is not set is absent.
 struct ProtectionRow {
     std::optional<bool> revertive = {};
@@ -72,6 +75,9 @@ struct LineTable {
 class SimulatedLineSystem {
 public:
     static constexpr std::uint32_t step = 100; // in which its time passes, milliseconds
+
+    // A file of the state directory that is locked by those who let time pass.
+    static constexpr char clock_lock_file[] = "clock.lock";
 
     // The modules of the example come with all their settings; further slots (1 to 3) are as new. An empty list is a
     // line system without modules.

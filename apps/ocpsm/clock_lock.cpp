@@ -8,6 +8,7 @@
 #include <string>
 
 #include "framework/error.hpp"
+#include "simulator/line_system.hpp"
 
 namespace ocpsm {
 namespace {
@@ -30,7 +31,7 @@ std::string holder(int file) {
 
 // A lock of the fcntl kind: it tells who has it.
 ClockLock::ClockLock(const std::filesystem::path &state) {
-    const std::filesystem::path name = state / "clock.lock";
+    const std::filesystem::path name = state / SimulatedLineSystem::clock_lock_file;
     file_ = open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666); // NOLINT(cppcoreguidelines-pro-type-vararg)
     if (file_ < 0) {
         const std::string reason = std::strerror(errno); // NOLINT(concurrency-mt-unsafe)

@@ -5,8 +5,9 @@
 #include <ostream>
 
 #include "framework/error.hpp"
-#include "mapping_table.hpp"
+#include "framework/mapping/request_table.hpp"
 #include "open_line_system.hpp"
+#include "simulator/line_system.hpp"
 #include "state_directory.hpp"
 
 namespace ocpsm {
@@ -167,7 +168,7 @@ std::vector<Candidate> values(const Position &position, const CLI::Option &optio
         return slots(position);
     }
     if (type == "LINE") {
-        return {{"primary", {}}, {"secondary", {}}};
+        return {{std::string(line_names[0]), {}}, {std::string(line_names[1]), {}}};
     }
     std::vector<Candidate> found;
     if (type.find('|') != std::string::npos) {

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "answer_table.hpp"
+#include "framework/mapping/answer_table.hpp"
 
 namespace ocpsm {
 

@@ -8,8 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "answer_table.hpp"
-#include "mapping_table.hpp"
+#include "framework/mapping/answer_table.hpp"
+#include "framework/mapping/request_table.hpp"
+#include "table_words.hpp"
 
 namespace ocpsm {
 

@@ -16,7 +16,7 @@ std::string slot_of(const DeviceOptions &options) {
 }
 
 std::string fibre_of(const DeviceOptions &options) {
-    return slot_of(options) + ": the " + (options.line == Line::primary ? "primary" : "secondary") + " fibre";
+    return slot_of(options) + ": the " + std::string(line_names.at(static_cast<std::size_t>(options.line))) + " fibre";
 }
 
 std::string describe_paths(const LineTable &table) {

@@ -49,7 +49,7 @@ DeviceOptions DeviceLine::finished() const {
     DeviceOptions finished = options;
     finished.state = state_directory(state, process_environment);
     finished.format = format_named(format);
-    finished.line = line == "secondary" ? Line::secondary : Line::primary;
+    finished.line = line == line_names[1] ? Line::secondary : Line::primary;
     finished.light = parse_hundredths(light).value_or(0);
     return finished;
 }
@@ -84,7 +84,7 @@ void add_line(CLI::App &command, DeviceLine &line) {
     command.add_option("line", line.line, "The line, primary or secondary")
         ->type_name("LINE")
         ->required()
-        ->check(one_of({"primary", "secondary"}));
+        ->check(one_of({line_names.begin(), line_names.end()}));
 }
 
 void add_light(CLI::App &command, DeviceLine &line) {

@@ -1,9 +1,9 @@
 #include "libraries.hpp"
 
+#include <unistd.h>
+
 #include <fstream>
 #include <iterator>
-
-#include <unistd.h>
 
 #include "messages.hpp"
 #include "simulator/database/client_library.hpp"

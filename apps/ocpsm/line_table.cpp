@@ -7,7 +7,6 @@
 namespace ocpsm {
 namespace {
 
-constexpr std::array<std::string_view, 2> line_names = {"primary", "secondary"};
 constexpr std::array<std::string_view, 2> path_names = {"PRIMARY", "SECONDARY"};
 
 constexpr std::size_t gap = 2;           // in front of a column

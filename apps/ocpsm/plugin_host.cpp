@@ -9,10 +9,10 @@
 #include "framework/host/data_tree.hpp"
 #include "framework/host/mapping_context.hpp"
 #include "framework/host/plugin.hpp"
+#include "framework/mapping/request_table.hpp"
 #include "framework/models/models.hpp"
 #include "framework/request/instance_path.hpp"
 #include "framework/request/instance_read.hpp"
-#include "mapping_table.hpp"
 #include "native_models.hpp"
 
 namespace ocpsm {

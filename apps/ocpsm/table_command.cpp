@@ -1,5 +1,3 @@
-#include "commands.hpp"
-
 #include <algorithm>
 #include <initializer_list>
 #include <map>
@@ -9,11 +7,13 @@
 #include <string_view>
 #include <vector>
 
-#include "answer_table.hpp"
+#include "commands.hpp"
+#include "framework/mapping/answer_table.hpp"
+#include "framework/mapping/request_table.hpp"
 #include "framework/native/scale.hpp"
-#include "mapping_table.hpp"
 #include "native_entries.hpp"
 #include "openconfig_model.hpp"
+#include "table_words.hpp"
 
 namespace ocpsm {
 namespace {

@@ -3,9 +3,10 @@
 #include <iostream>
 
 #include "commands.hpp"
+#include "framework/mapping/request_table.hpp"
 #include "framework/models/models.hpp"
 #include "line_system_service.hpp"
-#include "mapping_table.hpp"
+#include "table_words.hpp"
 
 namespace ocpsm {
 namespace {

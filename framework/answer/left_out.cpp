@@ -7,12 +7,11 @@
 #include "framework/request/companions.hpp"
 #include "framework/request/instance_path.hpp"
 #include "framework/request/instance_read.hpp"
+#include "framework/text.hpp"
 
 namespace ocpsm::framework {
 
 namespace {
-
-constexpr std::size_t most_paths = 16;
 
 bool is_below(const lysc_node &node, const lysc_node &above) {
     return node.parent != nullptr && (node.parent == &above || is_below(*node.parent, above));
@@ -49,10 +48,7 @@ public:
     }
 
     std::vector<std::string> take() {
-        if (count_ > most_paths) {
-            text_ += " and " + std::to_string(count_ - most_paths) + " more";
-        }
-        return count_ == 0 ? std::vector<std::string>() : std::vector{start + text_};
+        return found_.count() == 0 ? std::vector<std::string>() : std::vector{start + found_.in_a_row()};
     }
 
 private:
@@ -75,20 +71,17 @@ private:
     }
 
     void add(const Companion &companion, const std::string &name) {
-        if (++count_ > most_paths) {
-            return;
-        }
-        const std::string around =
-            instance_path(name) + models::schema_path(*companion.around).substr(openconfig::list_path.size());
-        text_.append(text_.empty() ? "" : ", ").append(around).append(companion.below);
-        text_.append(" (a read of ").append(around).append(" has it)");
+        found_.add([&] {
+            const std::string around =
+                instance_path(name) + models::schema_path(*companion.around).substr(openconfig::list_path.size());
+            return around + companion.below + " (a read of " + around + " has it)";
+        });
     }
 
     const AnswerTree &answer_;
     Kind kind_;
     std::vector<std::string> names_;
-    std::string text_;
-    std::size_t count_ = 0;
+    FirstTexts found_;
 };
 
 } // namespace

@@ -1,63 +1,22 @@
 #include "framework/request/companions.hpp"
 
 #include <algorithm>
-#include <initializer_list>
-#include <map>
 #include <vector>
 
+#include "framework/mapping/answer_table.hpp"
+#include "framework/mapping/request_table.hpp"
 #include "framework/models/models.hpp"
 #include "framework/request/instance_path.hpp"
-#include "native_models.hpp"
 
 namespace ocpsm::framework {
 
 namespace {
 
-struct Node {
-    std::string_view suffix;
-    std::string_view parent;
-    std::string_view tag;
-    bool refused;
-};
-
-constexpr Node nodes[] = {
-#define YMAP_CONTAINER(suffix, parent, tag, access) {#suffix, #parent, tag, false},
-#define YMAP_LIST(suffix, parent, tag, access, conversion) {#suffix, #parent, tag, false},
-#define YMAP_KEY(suffix, parent, tag, access, conversion) {#suffix, #parent, tag, false},
-#define YMAP_LEAF(suffix, parent, tag, access, conversion) {#suffix, #parent, tag, false},
-#define YMAP_REFUSED(suffix, parent, tag, access) {#suffix, #parent, tag, true},
-#include "ymap_oc_opt_psm_openconfig_transport_line_protection_nodes.def"
-#undef YMAP_CONTAINER
-#undef YMAP_LIST
-#undef YMAP_KEY
-#undef YMAP_LEAF
-#undef YMAP_REFUSED
-};
-
-// What one conversion writes; `answer` is the reader of the leaf whose own value it has got.
-struct Written {
-    std::string_view path;
-    std::string_view reader;
-};
-using Together = std::vector<Written>;
-
-std::vector<Together> conversions() {
-    std::vector<Together> all;
-#define YMAP_WRITES(path, source, reader, value, kinds, manner) {YMAP_MODULE path, #reader},
-#define YMAP_TO_HIGH(conversion, steps, key_list, others, ...) all.push_back({__VA_ARGS__});
-#include "to_high_tables.inc"
-#undef YMAP_WRITES
-    return all;
-}
-
 std::vector<std::string> refused_leaves() {
-    std::map<std::string_view, std::string> paths; // by suffix; a parent stands before its children
     std::vector<std::string> refused;
-    for (const Node &node : nodes) {
-        const std::string path = paths[node.parent] + "/" + std::string(node.tag);
-        paths[node.suffix] = path;
-        if (node.refused) {
-            refused.push_back(path);
+    for (const NodeRow &row : node_rows()) {
+        if (row.kind == NodeKind::leaf && row.conversion.empty()) {
+            refused.push_back(schema_path(node_rows(), row));
         }
     }
     return refused;
@@ -75,14 +34,14 @@ std::vector<Companion> make_companions() {
     const auto is_refused = [&refused](std::string_view path) {
         return std::find(refused.begin(), refused.end(), path) != refused.end();
     };
+    // A conversion gets the value of the leaf that the native answer holds, and no other's.
+    const auto gets = [](const AnswerRow &row) { return row.reader == "answer"; };
     std::vector<Companion> found;
     for (const std::string &leaf : refused) {
         std::string_view around;
-        for (const Together &together : conversions()) {
-            const bool writes_it = std::any_of(together.begin(), together.end(),
-                                               [&leaf](const Written &written) { return written.path == leaf; });
-            for (const Written &other : together) {
-                if (writes_it && other.reader == "answer" && !is_refused(other.path)) {
+        for (const AnswerRow &row : answer_rows()) {
+            for (const AnswerRow &other : answer_rows()) {
+                if (row.path == leaf && other.conversion == row.conversion && gets(other) && !is_refused(other.path)) {
                     const std::string_view common = common_node(leaf, other.path);
                     around = common.size() > around.size() ? common : around;
                 }

@@ -8,12 +8,6 @@
 
 namespace ocpsm::framework {
 
-namespace {
-
-constexpr std::size_t most_paths = 16;
-
-} // namespace
-
 // A node on the way down; its path is made only where it is shown.
 struct PassedOver::Level {
     const Level *above;
@@ -31,10 +25,7 @@ struct PassedOver::Level {
 void PassedOver::pass_over(const Level &level) {
     const lysc_node *schema = models::Schema::openconfig().find(level.schema_path());
     const bool state = kind_ == Kind::get_config && schema != nullptr && (schema->flags & LYS_CONFIG_R) != 0;
-    Paths &paths = state ? state_ : unsupported_;
-    if (++paths.count <= most_paths) {
-        paths.first.push_back(level.instance_path());
-    }
+    (state ? state_ : unsupported_).add([&level] { return level.instance_path(); });
 }
 
 std::size_t PassedOver::look(const kidl_yfw_datatree &node, const Level *above) {
@@ -65,27 +56,16 @@ std::size_t PassedOver::add(const kidl_yfw_datatree &walked) {
     return count;
 }
 
-std::string PassedOver::Paths::text() const {
-    std::string text;
-    for (const std::string &path : first) {
-        text.append(text.empty() ? "" : ", ").append(path);
-    }
-    if (count > first.size()) {
-        text.append(" and ").append(std::to_string(count - first.size())).append(" more");
-    }
-    return text;
-}
-
 std::vector<std::string> PassedOver::warnings() const {
     std::vector<std::string> texts;
-    if (state_.count != 0) {
-        texts.push_back("operational state is no part of a read of configuration and left out: " + state_.text());
+    if (state_.count() != 0) {
+        texts.push_back("operational state is no part of a read of configuration and left out: " + state_.in_a_row());
     }
-    if (unsupported_.count != 0) {
-        texts.push_back((any_walked_ || state_.count != 0
+    if (unsupported_.count() != 0) {
+        texts.push_back((any_walked_ || state_.count() != 0
                              ? "not supported and left out: "
                              : "nothing that was selected is supported, the answer is empty: ") +
-                        unsupported_.text());
+                        unsupported_.in_a_row());
     }
     return texts;
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "framework/kind.hpp"
+#include "framework/text.hpp"
 #include "yfw_map.h"
 
 namespace ocpsm::framework {
@@ -20,26 +21,19 @@ public:
     // walker for.
     std::size_t add(const kidl_yfw_datatree &walked);
 
-    // A text for each reason for which nodes were passed over, with their instance paths, the first 16 of them: the
+    // A text for each reason for which nodes were passed over, with their instance paths: the
     // model calls them operational state and the read is one of configuration, or there is no walker.
     std::vector<std::string> warnings() const;
 
 private:
-    struct Paths {
-        std::vector<std::string> first;
-        std::size_t count = 0;
-
-        std::string text() const;
-    };
-
     struct Level;
     std::size_t look(const kidl_yfw_datatree &node, const Level *above);
     void pass_over(const Level &level);
 
     Kind kind_;
     bool any_walked_ = false;
-    Paths unsupported_;
-    Paths state_;
+    FirstTexts unsupported_; // instance paths
+    FirstTexts state_;
 };
 
 } // namespace ocpsm::framework

@@ -7,7 +7,7 @@ namespace ocpsm::line_system {
 namespace {
 
 constexpr std::string_view line_name(Path line) {
-    return line == Path::primary ? "primary" : "secondary";
+    return line_names[line == Path::primary ? 0 : 1];
 }
 
 constexpr Path other(Path line) {
@@ -15,9 +15,9 @@ constexpr Path other(Path line) {
 }
 
 // One module before and after an edit.
-class Look {
+class ModuleRisks {
 public:
-    Look(const LineSystem &before, const LineSystem &after, int number)
+    ModuleRisks(const LineSystem &before, const LineSystem &after, int number)
         : was_(switch_settings(slot(before, number))), now_(switch_settings(slot(after, number))),
           protection_(slot(after, number).module->protection), clock_(after.clock), name_(module_name(number)) {
         const std::array<Power, port_count> seen = powers(slot(after, number));
@@ -114,7 +114,7 @@ private:
 std::vector<std::string> risks(const LineSystem &before, const LineSystem &after) {
     std::vector<std::string> all;
     for (const int number : fitted_slots(after)) {
-        for (std::string &text : Look(before, after, number).take()) {
+        for (std::string &text : ModuleRisks(before, after, number).take()) {
             all.push_back(std::move(text));
         }
     }

@@ -34,7 +34,7 @@ struct SimulatedLineSystem::Parts {
 namespace {
 
 // What a line system that is there, or was about to be made, has left in its directory begins so.
-constexpr std::string_view own_files[] = {"line-system.store", "clock.lock"};
+constexpr std::string_view own_files[] = {sysdb::store_file, SimulatedLineSystem::clock_lock_file};
 
 bool holds_other_files(const std::filesystem::path &directory, std::error_code &failure) {
     std::filesystem::directory_iterator entry(directory, failure);

@@ -1,9 +1,9 @@
 // The reference lists what stands in the plug-in's rows: here they lack the average power of the common output.
-#include <algorithm>
-
 #include <gtest/gtest.h>
 
-#include "answer_table.hpp"
+#include <algorithm>
+
+#include "framework/mapping/answer_table.hpp"
 
 namespace {
 

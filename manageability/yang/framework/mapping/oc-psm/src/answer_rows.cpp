@@ -36,7 +36,7 @@ bool is_answered(yfw_map_ctx ctx, Kinds kinds) {
 
 kerrno write_leaf(const Target &target, const AnswerLeaf &leaf, const char *text, kerrno result) {
     const bool stitched = leaf.manner == Manner::stitched;
-    if (target.told == Told::all || (target.told == Told::stitched && stitched)) {
+    if (target.trace == ModuleTrace::all || (target.trace == ModuleTrace::stitched && stitched)) {
         trace_module(target.row.function, target.ctx, target.module);
     }
     if (stitched) {

@@ -101,7 +101,7 @@ private:
 kerrno answer_for_others(Others others, yfw_map_ctx ctx, const char *controller, kerrno lookup);
 
 // The leaves that tell in the trace which module they are written for.
-enum class Told {
+enum class ModuleTrace {
     none,
     stitched, // a module is made by its key, which is stitched
     all,
@@ -113,7 +113,7 @@ struct Target {
     yfw_map_ctx ctx;
     Node *destination;
     const char *module; // its key; may be null where all leaves are added below the current module
-    Told told;
+    ModuleTrace trace;
 };
 
 // Writes the leaves that the read asks for. The result is that of the last addition, `result` where there was none.

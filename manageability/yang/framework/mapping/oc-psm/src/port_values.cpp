@@ -47,7 +47,7 @@ kerrno port_values(const AnswerRow &row, yfw_map_ctx ctx, const Node *source, No
         return answer_for_others(row.others, ctx, name, lookup);
     }
     if (has_value(*source)) {
-        write_ports({row, ctx, destination, module, Told::all}, held_value_of(*source));
+        write_ports({row, ctx, destination, module, ModuleTrace::all}, held_value_of(*source));
     }
     return lookup;
 }

@@ -19,8 +19,8 @@ kerrno optics_setting(const AnswerRow &row, yfw_map_ctx ctx, const Node *source,
     if (!has_value(*source)) {
         return result;
     }
-    return write_text({row, ctx, destination, module, Told::none}, rows_of(row.leaves, line_source(controller.port)),
-                      value.text(), result);
+    return write_text({row, ctx, destination, module, ModuleTrace::none},
+                      rows_of(row.leaves, line_source(controller.port)), value.text(), result);
 }
 
 } // namespace

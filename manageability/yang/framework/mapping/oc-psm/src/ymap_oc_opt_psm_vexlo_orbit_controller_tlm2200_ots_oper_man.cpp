@@ -19,8 +19,8 @@ kerrno threshold(const AnswerRow &row, yfw_map_ctx ctx, const Node *source, Node
     compare_path(ctx, request_root_of(*request_of(ctx)), "aps/aps-modules/aps-module/name", path, requested);
     YMAP_TRACE(row.function, ctx, "key: %s", requested);
     if (has_value(*source)) {
-        write_native({row, ctx, destination, module, Told::all}, rows_of(row.leaves, line_source(controller.port)),
-                     held_value_of(*source), KERR_SUCCESS);
+        write_native({row, ctx, destination, module, ModuleTrace::all},
+                     rows_of(row.leaves, line_source(controller.port)), held_value_of(*source), KERR_SUCCESS);
     }
     return lookup;
 }
@@ -33,7 +33,7 @@ kerrno module_name(const AnswerRow &row, yfw_map_ctx ctx, const Node *source, No
     if (check_controller_name_ots_is_good(ctx, name, module) != 1) {
         return answer_for_others(row.others, ctx, name, KERR_SUCCESS);
     }
-    write_text({row, ctx, destination, module, Told::all}, row.leaves, module, KERR_SUCCESS);
+    write_text({row, ctx, destination, module, ModuleTrace::all}, row.leaves, module, KERR_SUCCESS);
     return KERR_SUCCESS;
 }
 

@@ -18,7 +18,7 @@ kerrno name_to_high(const AnswerRow &row, yfw_map_ctx ctx, const Node *source, N
     char module[text_size] = {};
     const char *name = value_of(*source);
     if (check_controller_name_ots_is_good(ctx, name, module) == 1) {
-        return write_text({row, ctx, destination, module, Told::stitched}, row.leaves, module, KERR_SUCCESS);
+        return write_text({row, ctx, destination, module, ModuleTrace::stitched}, row.leaves, module, KERR_SUCCESS);
     }
     return answer_for_others(row.others, ctx, name, KERR_SUCCESS);
 }
@@ -70,7 +70,7 @@ kerrno list_to_high(const AnswerRow &row, yfw_map_ctx ctx, const Node *source, N
     }
     const kerrno opened = yfw_map_datatree_add_path_flagged(ctx, destination, YMAP_MODULE, openconfig, nullptr,
                                                             is_delete(source) ? source : nullptr, nullptr, 1, 0);
-    return write_text({row, ctx, destination, module, Told::stitched}, row.leaves.subspan(1), module, opened);
+    return write_text({row, ctx, destination, module, ModuleTrace::stitched}, row.leaves.subspan(1), module, opened);
 }
 
 kerrno interface_entry(const AnswerRow &row, yfw_map_ctx ctx, const Node *source, Node *destination) {

@@ -13,7 +13,8 @@ kerrno slot_setting(const AnswerRow &row, yfw_map_ctx ctx, const Node *source, N
     if (!has_value(*source)) {
         return result;
     }
-    return write_native({row, ctx, destination, nullptr, Told::none}, row.leaves, held_value_of(*source), result);
+    return write_native({row, ctx, destination, nullptr, ModuleTrace::none}, row.leaves, held_value_of(*source),
+                        result);
 }
 
 } // namespace

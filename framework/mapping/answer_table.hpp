@@ -1,7 +1,7 @@
 // The plug-in's tables of the way back as data: what a node of a native answer becomes in OpenConfig, and what the
 // framework must find for it in the plug-in.
-#ifndef OCPSM_ANSWER_TABLE_HPP
-#define OCPSM_ANSWER_TABLE_HPP
+#ifndef OCPSM_FRAMEWORK_ANSWER_TABLE_HPP
+#define OCPSM_FRAMEWORK_ANSWER_TABLE_HPP
 
 #include <span>
 #include <string>
@@ -47,16 +47,6 @@ std::vector<std::string> exported_names(const NativeRow &row);
 
 // The exported name of a row's node callback; the row is no augment entry.
 std::string callback_name(const NativeRow &row);
-
-// How a native value becomes the OpenConfig one, given the units of the OpenConfig leaf (may be empty), e.g.
-// "0.1 dBm, /10".
-std::string describe_answer_value(std::string_view value, std::string_view units);
-
-// Where the value comes from, in words.
-std::string describe_source(const AnswerRow &row);
-
-// Where it is written, in words; empty for everywhere.
-std::string_view describe_kinds(std::string_view kinds);
 
 } // namespace ocpsm
 

@@ -1,8 +1,7 @@
-#include "mapping_table.hpp"
+#include "framework/mapping/request_table.hpp"
 
 #include <algorithm>
 #include <array>
-#include <utility>
 
 #include "native_models.hpp"
 
@@ -41,27 +40,6 @@ constexpr ConversionRow conversion_table[] = {
 #undef YMAP_TO_LOW
 };
 
-constexpr UnsupportedRow unsupported_table[] = {
-#define OCPSM_UNSUPPORTED(path, reason) {path, reason},
-#include "unsupported_nodes.def"
-#undef OCPSM_UNSUPPORTED
-};
-
-constexpr std::pair<std::string_view, std::string_view> step_texts[] = {
-    {"revertive", "the leaf in the module's slot"},
-    {"wait_to_restore", "the leaf in the module's slot"},
-    {"slot_setting", "the leaf in the module's slot"},
-    {"force_to_port", "the leaf in the module's slot"},
-    {"attenuation", "in edits the interface entry of the port's controller; then the leaf"},
-    {"hysteresis", "the interface entry of the port's controller; then the leaf"},
-    {"primary_threshold", "the interface entry of the port's controller; threshold type \"low\" and the leaf"},
-    {"secondary_threshold", "the interface entry of the port's controller; threshold type \"low\" and the leaf"},
-    {"state_leaf", "in reads a selection of the leaf"},
-    {"state_force_to_port", "in reads a selection of the leaf"},
-    {"state_power", "in reads selections of the leaf and of its twin in dBm"},
-    {"state_history", "in reads a selection of the leaf in time-line instance 1"},
-};
-
 constexpr std::string_view name_prefix = "ymap_o2n_oc_opt_psm_openconfigtransportlineprotection_";
 
 } // namespace
@@ -74,10 +52,6 @@ std::span<const ConversionRow> conversion_rows() {
     return conversion_table;
 }
 
-std::span<const UnsupportedRow> unsupported_rows() {
-    return unsupported_table;
-}
-
 std::string schema_path(std::span<const NodeRow> rows, const NodeRow &row) {
     // A parent stands before its children, so that a row can never be above itself.
     const auto above = rows.first(static_cast<size_t>(&row - rows.data()));
@@ -85,10 +59,6 @@ std::string schema_path(std::span<const NodeRow> rows, const NodeRow &row) {
         std::find_if(above.begin(), above.end(), [&](const NodeRow &r) { return r.suffix == row.parent; });
     std::string path = parent == above.end() ? std::string() : schema_path(above, *parent);
     return path.append("/").append(row.tag);
-}
-
-std::string schema_path(const UnsupportedRow &row) {
-    return std::string(YMAP_MODULE "/").append(row.path);
 }
 
 std::vector<std::string> exported_names(const NodeRow &row) {
@@ -110,31 +80,6 @@ const ConversionRow *find_conversion(std::span<const ConversionRow> rows, std::s
     const auto row =
         std::find_if(rows.begin(), rows.end(), [&](const ConversionRow &r) { return r.conversion == conversion; });
     return row == rows.end() ? nullptr : &*row;
-}
-
-std::string describe_value(const ConversionRow &row, std::string_view units) {
-    const auto scaled = [&](std::string_view step, std::string_view factor) {
-        return std::string(step).append(units.empty() ? "" : " ").append(units).append(", ").append(factor);
-    };
-    if (row.value == "tenths") {
-        return scaled("0.1", "x10");
-    }
-    if (row.value == "hundredths") {
-        return scaled("0.01", "x100");
-    }
-    if (row.value == "lockout") {
-        return "PRIMARY: protected, SECONDARY: working, NONE: empty";
-    }
-    if (row.value == "empty") {
-        return "selection only";
-    }
-    return units.empty() ? std::string("as it stands") : std::string(units).append(", as it stands");
-}
-
-std::string_view describe_steps(std::string_view steps) {
-    const auto *const text = std::find_if(std::begin(step_texts), std::end(step_texts),
-                                          [&](const auto &pair) { return pair.first == steps; });
-    return text == std::end(step_texts) ? steps : text->second;
 }
 
 } // namespace ocpsm

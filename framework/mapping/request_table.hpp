@@ -1,7 +1,7 @@
-// The mapping tables of the plug-in as data: what a node of the OpenConfig model becomes, and what the framework must
-// find for it in the plug-in.
-#ifndef OCPSM_MAPPING_TABLE_HPP
-#define OCPSM_MAPPING_TABLE_HPP
+// The plug-in's tables of the way there as data: what a node of the OpenConfig model becomes, and what the framework
+// must find for it in the plug-in.
+#ifndef OCPSM_FRAMEWORK_REQUEST_TABLE_HPP
+#define OCPSM_FRAMEWORK_REQUEST_TABLE_HPP
 
 #include <span>
 #include <string>
@@ -28,17 +28,11 @@ struct NodeRow {
 // What the conversion of a leaf writes.
 struct ConversionRow {
     std::string_view conversion;
-    std::string_view steps; // the sequence of additions, see describe_steps
-    std::string_view value; // how the value is written, see describe_value
+    std::string_view steps; // the sequence of additions
+    std::string_view value; // how the value is written
     std::string_view port;  // the line port whose controller holds the leaf, "none" when it is none
     std::string_view model; // name of the native module
     std::string_view path;  // native path without module names
-};
-
-// One node of the published model that the system does not serve.
-struct UnsupportedRow {
-    std::string_view path; // below an aps-module
-    std::string_view reason;
 };
 
 // The name of a native module: the last step of its namespace.
@@ -48,25 +42,15 @@ constexpr std::string_view module_name(std::string_view namespace_uri) {
 
 std::span<const NodeRow> node_rows();
 std::span<const ConversionRow> conversion_rows();
-std::span<const UnsupportedRow> unsupported_rows();
 
 // The schema path of a row of `rows`, e.g. "/aps/aps-modules/aps-module/config".
 std::string schema_path(std::span<const NodeRow> rows, const NodeRow &row);
-
-std::string schema_path(const UnsupportedRow &row);
 
 // The names that a plug-in must export for a row: walker, node callback, augment hook, conversion.
 std::vector<std::string> exported_names(const NodeRow &row);
 
 // The row of a conversion, null for those that resolve the module's name and for unknown ones.
 const ConversionRow *find_conversion(std::span<const ConversionRow> rows, std::string_view conversion);
-
-// How a value is written into the native leaf, given the units of the OpenConfig leaf (may be empty), e.g.
-// "0.1 dBm, x10".
-std::string describe_value(const ConversionRow &row, std::string_view units);
-
-// What a conversion adds, in words.
-std::string_view describe_steps(std::string_view steps);
 
 } // namespace ocpsm
 

@@ -1,4 +1,4 @@
-#include "answer_table.hpp"
+#include "framework/mapping/answer_table.hpp"
 
 #include <algorithm>
 #include <initializer_list>
@@ -110,55 +110,6 @@ std::vector<std::string> exported_names(const NativeRow &row) {
         names.emplace_back(row.conversion);
     }
     return names;
-}
-
-std::string describe_answer_value(std::string_view value, std::string_view units) {
-    const auto scaled = [&](std::string_view step, std::string_view divisor) {
-        return std::string(step).append(units.empty() ? "" : " ").append(units).append(", ").append(divisor);
-    };
-    if (value == "tenths") {
-        return scaled("0.1", "/10");
-    }
-    if (value == "hundredths") {
-        return scaled("0.01", "/100");
-    }
-    if (value == "units") {
-        return scaled("1", "/1");
-    }
-    if (value == "lockout") {
-        return "protected: PRIMARY, working: SECONDARY, else NONE";
-    }
-    if (value == "status") {
-        return "active: PRIMARY, else SECONDARY";
-    }
-    if (value == "module") {
-        return "the module of the controller";
-    }
-    return units.empty() ? std::string("as it stands") : std::string(units).append(", as it stands");
-}
-
-std::string describe_source(const AnswerRow &row) {
-    if (row.reader != "answer") {
-        return std::string(row.reader)
-            .append(" of the ")
-            .append(row.source)
-            .append(" port, with the primary port's answer");
-    }
-    if (row.source == "slot") {
-        return "the answer for the slot";
-    }
-    return row.source == "controller" ? std::string("the name of the controller")
-                                      : std::string("the answer for the ").append(row.source).append(" port");
-}
-
-std::string_view describe_kinds(std::string_view kinds) {
-    if (kinds == "unless_state_only") {
-        return "not where only state leaves are named";
-    }
-    if (kinds == "with_state") {
-        return "not in a read of configuration only";
-    }
-    return kinds == "without_state" ? "only in a read of configuration" : "";
 }
 
 } // namespace ocpsm
