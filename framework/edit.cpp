@@ -64,8 +64,14 @@ struct Written {
         }
         return tops;
     }
-    Tree operator()(const Text &text) const { return parse_request(text.text, Kind::edit); }
+    Tree operator()(const Text &text) const {
+        Content content = parse_request(text.text, Kind::edit);
+        default_operation = content.default_operation.value_or(default_operation);
+        return std::move(content.tops);
+    }
     Tree operator()(const Tree &tree) const { return tree; }
+
+    DefaultOperation &default_operation;
 };
 
 bool has_own_operation(const RequestNode &node) {
@@ -125,8 +131,9 @@ native::NetRequest apply_all(Callback root, const std::vector<HandedOver> &all, 
 } // namespace
 
 Tree typed(const Edit &edit, const EditOptions &options) {
-    Tree tops = std::visit(Written{}, edit);
-    apply_default(tops, options.default_operation);
+    DefaultOperation default_operation = options.default_operation; // what the text says comes first
+    Tree tops = std::visit(Written{default_operation}, edit);
+    apply_default(tops, default_operation);
     return type_request(std::move(tops), Kind::edit, options.check_values);
 }
 
@@ -135,7 +142,8 @@ EditResult carry_out(const Plugin &plugin, Tree tops, DeviceTransaction &device,
     try {
         const auto modules = concerns_all_modules(tops) ? std::nullopt : std::optional(named_modules(tops));
         const Answer before = configuration(plugin, device, modules);
-        settle_existence(tops, tree_of(before));
+        settle_existence(tops, tree_of(before),
+                         [&] { return tree_of(configuration(plugin, device, std::nullopt)).entry_names(); });
         const Callback root = plugin.callback(openconfig_root_walker);
         Translation translation = translate_trees(root, hand_over_edit(std::move(tops), tree_of(before).entry_names()),
                                                   Kind::edit, options, Adds::dropped);

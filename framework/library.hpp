@@ -30,6 +30,13 @@ struct FreeNode {
 // A data node with all that is below it. Where it stands in a tree, it leaves that when it is freed.
 using OwnedNode = std::unique_ptr<lyd_node, FreeNode>;
 
+struct FreeSet {
+    void operator()(ly_set *set) const noexcept { ly_set_free(set, nullptr); }
+};
+
+// Nodes that were found; they stay where they are.
+using OwnedSet = std::unique_ptr<ly_set, FreeSet>;
+
 // For operations that only fail without memory: throws std::bad_alloc then, std::logic_error for any other failure.
 inline void require(LY_ERR result) {
     if (result == LY_EMEM) {

@@ -12,27 +12,34 @@
 #include "framework/request/node_path.hpp"
 #include "framework/request/parse.hpp"
 #include "framework/request/type.hpp"
+#include "framework/request/xpath.hpp"
 #include "framework/requests.hpp"
 
 namespace ocpsm::framework {
 
 namespace {
 
-// The nodes of a selection as it was written.
+// What is selected, as it was written.
 struct Written {
     Kind kind;
+    std::vector<std::string> &xpaths;
 
-    Tree operator()(const Paths &selection) const {
+    Content operator()(const Paths &selection) const {
         check_number_of_paths(selection.paths.size());
-        Tree tops;
+        Content content{{}, kind};
         for (const std::string &path : selection.paths) {
+            if (auto xpath = xpath_of(path)) {
+                xpaths.push_back(std::move(*xpath));
+                continue;
+            }
             Tree selected = read_of(path);
-            std::move(selected.begin(), selected.end(), std::back_inserter(tops));
+            std::move(selected.begin(), selected.end(), std::back_inserter(content.tops));
         }
-        return selection.paths.empty() ? read_of("/") : tops;
+        content.whole = selection.paths.empty();
+        return content;
     }
-    Tree operator()(const Text &text) const { return parse_request(text.text, kind); }
-    Tree operator()(const Tree &tree) const { return tree; }
+    Content operator()(const Text &text) const { return parse_request(text.text, kind); }
+    Content operator()(const Tree &tree) const { return {tree, kind}; }
 };
 
 void append_texts(std::vector<LogLine> lines, std::vector<std::string> &texts) {
@@ -48,50 +55,88 @@ AnswerTree answer_one(const Plugin &plugin, Kind kind, const HandedOver &handed,
     return cut(walk_answer(plugin, kind, handed.request, data, channels, options), {handed.request});
 }
 
-void answer_all(const Plugin &plugin, Kind kind, const Translation &translation, DeviceTransaction &device,
-                const Options &options, ReadResult &result) {
+struct Answered {
+    std::vector<HandedOver> handed_over;
+    AnswerTree tree;
+};
+
+// Has the plug-in translate a read, and answers it; no tree, with an error in `result`, when that fails.
+Answered answer_all(const Plugin &plugin, Tree tops, Kind kind, DeviceTransaction &device, const Options &options,
+                    ReadResult &result) {
+    Translation translation = translate_trees(plugin.callback(openconfig_root_walker), hand_over_read(std::move(tops)),
+                                              kind, options, Adds::dropped);
+    take_messages(result, translation);
     Channels channels;
-    std::vector<AnswerTree> parts;
+    Answered answered{std::move(translation.handed_over), {}};
     try {
-        for (const HandedOver &handed : translation.handed_over) {
-            if (!handed.nothing_supported) {
+        std::vector<AnswerTree> parts;
+        for (const HandedOver &handed : answered.handed_over) {
+            if (!result.error && !handed.nothing_supported) {
                 parts.push_back(answer_one(plugin, kind, handed, device, channels, options));
             }
         }
-        AnswerTree tree = join(std::move(parts));
-        for (std::string &warning : left_out(translation.handed_over, tree, kind)) {
-            result.warnings.push_back(std::move(warning));
-        }
-        if (!tree.empty()) {
-            result.answer = Answer(std::make_shared<Answer::Data>(std::move(tree)));
-        }
+        answered.tree = join(std::move(parts));
     } catch (const Error &error) {
         result.error = error;
     }
     append_texts(channels.take_log(), result.log);
     append_texts(channels.take_trace(), result.trace);
+    return answered;
+}
+
+// Expressions are applied to the answer that has everything.
+AnswerTree answer_xpaths(const Plugin &plugin, const TypedRead &read, DeviceTransaction &device, const Options &options,
+                         ReadResult &result) {
+    AnswerTree all = answer_all(plugin, typed(Paths{}, read.kind).tops, read.kind, device, options, result).tree;
+    try {
+        return cut_to_xpaths(std::move(all), read.xpaths);
+    } catch (const Error &error) {
+        result.error = error;
+        return {};
+    }
 }
 
 } // namespace
 
-Tree typed(const Selection &selection, Kind kind) {
-    return type_request(std::visit(Written{kind}, selection), kind, true);
+TypedRead typed(const Selection &selection, Kind kind) {
+    TypedRead read{{}, kind};
+    Content content = std::visit(Written{kind, read.xpaths}, selection);
+    if (content.whole) {
+        content.tops = read_of("/");
+    }
+    read.kind = content.kind;
+    read.warnings = leave_out_other_models(content.tops);
+    read.tops = type_request(std::move(content.tops), content.kind, true);
+    return read;
 }
 
 void take_messages(Outcome &outcome, Translation &translation) {
-    outcome.warnings = std::move(translation.warnings);
+    std::move(translation.warnings.begin(), translation.warnings.end(), std::back_inserter(outcome.warnings));
     append_texts(std::move(translation.log), outcome.log);
     append_texts(std::move(translation.trace), outcome.trace);
     outcome.error = std::move(translation.error);
 }
 
-ReadResult answer_read(const Plugin &plugin, Tree tops, Kind kind, DeviceTransaction &device, const Options &options) {
-    Translation translation = translate_trees(plugin.callback(openconfig_root_walker), hand_over_read(std::move(tops)),
-                                              kind, options, Adds::dropped);
+ReadResult answer_read(const Plugin &plugin, TypedRead read, DeviceTransaction &device, const Options &options) {
     ReadResult result;
-    take_messages(result, translation);
-    if (!result.error) {
-        answer_all(plugin, kind, translation, device, options, result);
+    result.warnings = std::move(read.warnings);
+    Answered selected;
+    std::vector<AnswerTree> parts;
+    if (!read.tops.empty() || read.xpaths.empty()) {
+        selected = answer_all(plugin, std::move(read.tops), read.kind, device, options, result);
+        parts.push_back(std::move(selected.tree));
+    }
+    if (!read.xpaths.empty() && !result.error) {
+        parts.push_back(answer_xpaths(plugin, read, device, options, result));
+    }
+    if (result.error) {
+        return result;
+    }
+    AnswerTree tree = join(std::move(parts));
+    std::vector<std::string> missing = left_out(selected.handed_over, tree, read.kind);
+    std::move(missing.begin(), missing.end(), std::back_inserter(result.warnings));
+    if (!tree.empty()) {
+        result.answer = Answer(std::make_shared<Answer::Data>(std::move(tree)));
     }
     return result;
 }
@@ -102,9 +147,9 @@ Answer configuration(const Plugin &plugin, DeviceTransaction &device,
     if (modules) {
         std::transform(modules->begin(), modules->end(), std::back_inserter(selected), read_of_instance);
     } else {
-        selected = typed(Paths{}, Kind::get_config);
+        selected = typed(Paths{}, Kind::get_config).tops;
     }
-    ReadResult result = answer_read(plugin, std::move(selected), Kind::get_config, device, {});
+    ReadResult result = answer_read(plugin, {std::move(selected), Kind::get_config}, device, {});
     if (result.error) {
         throw Error(*result.error);
     }

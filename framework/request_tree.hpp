@@ -50,20 +50,27 @@ struct RequestAttribute {
     std::string value;
 };
 
-// How a node was written; it decides what a value may stand for (RFC 7951, 6) and whether an empty one was meant.
+// How a node was written; it decides what it may stand for (RFC 7951, 5 and 6) and whether an empty value was meant.
 enum class ValueForm : std::uint8_t {
-    none,          // a ready tree's node; JSON [null], null or {}
+    none,          // a ready tree's node, or JSON metadata without the node that it is about
     empty_element, // XML <leaf/>
     text,          // XML
     json_string,
-    json_number,
+    json_number, // the value is its text
     json_boolean,
+    json_null,
+    json_empty,      // [null]
+    json_object,     // a member's value
+    json_entry,      // an object in an array
+    json_item,       // anything else in an array
+    json_no_entries, // []
 };
 
 /*
- * A node with what is below it. A ready tree leaves out `form` and `attributes`: a leaf that is given has a value, one
- * that is selected or taken away has none, and `operation` is what the edit says of the node; it is not inherited
- * (RFC 6241, 7.2). Values are the lexical representations of the model (RFC 7950, 9); no text may hold a byte 0.
+ * A node with what is below it. A ready tree leaves out what stands behind `children`: a leaf that is given has a
+ * value, one that is selected or taken away has none, and `operation` is what the edit says of the node; it is not
+ * inherited (RFC 6241, 7.2). Values are the lexical representations of the model (RFC 7950, 9), a prefix in them the
+ * name of a module; no text may hold a byte 0. In a read no namespace stands for any (RFC 6241, 6.2.1).
  */
 struct RequestNode {
     std::string tag; // without prefix
@@ -73,6 +80,7 @@ struct RequestNode {
     std::vector<RequestNode> children = {};
 
     ValueForm form = ValueForm::none;
+    NamespaceName value_namespace = {};            // XML: what the prefix that the value begins with stands for
     std::vector<RequestAttribute> attributes = {}; // what the text says beside the value; empty once they are read
 };
 

@@ -25,12 +25,20 @@ struct Answer::Data {
 
 namespace framework {
 
+// What a read selects.
+struct TypedRead {
+    Tree tops;
+    Kind kind; // get_config also where the text says so
+    std::vector<std::string> warnings = {};
+    std::vector<std::string> xpaths = {}; // beside `tops`, which are none where nothing else is selected
+};
+
 // The typed nodes of a read, and of an edit. Throw Error for what cannot be read and what the model does not allow.
-Tree typed(const Selection &selection, Kind kind);
+TypedRead typed(const Selection &selection, Kind kind);
 Tree typed(const Edit &edit, const EditOptions &options);
 
 // Answers a typed read.
-ReadResult answer_read(const Plugin &plugin, Tree tops, Kind kind, DeviceTransaction &device, const Options &options);
+ReadResult answer_read(const Plugin &plugin, TypedRead read, DeviceTransaction &device, const Options &options);
 
 // Carries out a typed edit in a transaction: without an error the caller may commit it, or show it and drop it; with
 // one it has to drop it.
@@ -43,7 +51,7 @@ Answer configuration(const Plugin &plugin, DeviceTransaction &device,
 // What an answer holds; an empty tree when it is empty.
 const AnswerTree &tree_of(const Answer &answer);
 
-// Takes over what a translation says, but its result.
+// Takes over what a translation says, behind the warnings that are there, but not its result.
 void take_messages(Outcome &outcome, Translation &translation);
 
 } // namespace framework

@@ -7,10 +7,9 @@
 
 #include "framework/host/codes.hpp"
 #include "framework/kept.hpp"
+#include "framework/request/envelope.hpp"
 #include "framework/request/existence.hpp"
 #include "framework/request/hand_over.hpp"
-#include "framework/request/parse.hpp"
-#include "framework/request/type.hpp"
 #include "framework/requests.hpp"
 
 namespace ocpsm {
@@ -71,12 +70,11 @@ struct Service::Parts {
         return *device;
     }
 
-    // The trees that a request is handed over as.
-    Tree trees_of(const Text &request, Kind kind, const Options &options, DeviceTransaction *transaction) const {
-        Tree tops = framework::type_request(framework::parse_request(request.text, kind), kind, options.check_values);
-        if (kind != Kind::edit) {
-            return framework::hand_over_read(std::move(tops));
-        }
+    // The trees that an edit is handed over as.
+    Tree trees_of(const Text &request, const Options &options, DeviceTransaction *transaction) const {
+        EditOptions with;
+        static_cast<Options &>(with) = options;
+        Tree tops = framework::typed(Edit(request), with);
         std::vector<std::string> modules;
         if (transaction != nullptr && framework::concerns_all_modules(tops)) {
             const Answer standing = framework::configuration(plugin, *transaction, std::nullopt);
@@ -113,9 +111,9 @@ Service::Service(const std::filesystem::path &plugin, std::shared_ptr<Device> de
 Service::~Service() = default;
 
 ReadResult Service::read(const Selection &selection, Kind kind, const Options &options) const {
-    Tree tops = framework::typed(selection, kind);
+    framework::TypedRead read = framework::typed(selection, kind);
     const auto transaction = parts_->required_device().read();
-    return framework::answer_read(parts_->plugin, std::move(tops), kind, *transaction, options);
+    return framework::answer_read(parts_->plugin, std::move(read), *transaction, options);
 }
 
 EditResult Service::edit(const Edit &edit, const EditOptions &options) const {
@@ -135,11 +133,19 @@ EditResult Service::edit(const Edit &edit, const EditOptions &options) const {
 
 TranslateResult Service::translate(const Text &request, Kind kind, const Options &options) const {
     const auto transaction = parts_->device ? parts_->device->read() : nullptr;
-    framework::Translation translation =
-        framework::translate_trees(parts_->plugin.callback(framework::openconfig_root_walker),
-                                   parts_->trees_of(request, kind, options, transaction.get()), kind, options,
-                                   options.trace ? framework::Adds::kept : framework::Adds::dropped);
     TranslateResult result;
+    Tree trees;
+    if (kind == Kind::edit) {
+        trees = parts_->trees_of(request, options, transaction.get());
+    } else {
+        framework::TypedRead read = framework::typed(Selection(request), kind);
+        kind = read.kind;
+        result.warnings = std::move(read.warnings);
+        trees = framework::hand_over_read(std::move(read.tops));
+    }
+    framework::Translation translation =
+        framework::translate_trees(parts_->plugin.callback(framework::openconfig_root_walker), std::move(trees), kind,
+                                   options, options.trace ? framework::Adds::kept : framework::Adds::dropped);
     result.result = framework::name_of(translation.result);
     for (framework::HandedOver &handed : translation.handed_over) {
         auto net = std::make_shared<native::NetRequest>(handed.native.net());
@@ -153,6 +159,10 @@ TranslateResult Service::translate(const Text &request, Kind kind, const Options
     }
     framework::take_messages(result, translation);
     return result;
+}
+
+std::optional<Kind> Service::kind_of(const Text &request) noexcept {
+    return framework::kind_named(request.text);
 }
 
 void *Service::find(const std::string &name) const {

@@ -57,8 +57,9 @@ struct Paths {
     std::vector<std::string> paths;
 };
 
-// A text in XML (the content of a NETCONF <filter> or <config>, with or without that element) or JSON (RFC 7951),
-// within the limits of docs/bench.md.
+// A text in XML (the content of a NETCONF <filter> or <config>, with or without what stands around it in a message) or
+// JSON (RFC 7951), within the limits of docs/bench.md. A <get-config> reads no operational state; the default-operation
+// of an <edit-config> comes before the options.
 struct Text {
     std::string text;
 };
@@ -213,6 +214,9 @@ public:
 
     // What a request becomes, without doing it.
     TranslateResult translate(const Text &request, Kind kind, const Options &options = {}) const;
+
+    // What a text itself says about its kind: nothing where it may be any.
+    static std::optional<Kind> kind_of(const Text &request) noexcept;
 
     // The exported object or function of the plug-in, null when there is none.
     void *find(const std::string &name) const;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <iterator>
+#include <numeric>
+#include <vector>
 
 namespace ocpsm {
 namespace {
@@ -68,6 +70,21 @@ void append_escaped(std::string &line, std::string_view bytes) {
     }
 }
 
+// How many bytes are to be put in, taken out or changed to make one text of the other (Levenshtein).
+std::size_t distance(std::string_view one, std::string_view other) {
+    std::vector<std::size_t> row(other.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (const char c : one) {
+        std::size_t diagonal = row.front()++;
+        for (std::size_t index = 0; index < other.size(); ++index) {
+            const std::size_t changed = diagonal + (c == other[index] ? 0 : 1);
+            diagonal = row[index + 1];
+            row[index + 1] = std::min({changed, diagonal + 1, row[index] + 1});
+        }
+    }
+    return row.back();
+}
+
 } // namespace
 
 std::string one_line(std::string_view text, std::size_t longest) {
@@ -92,10 +109,31 @@ std::string one_line(std::string_view text, std::size_t longest) {
 }
 
 std::string quoted(std::string_view text, std::size_t longest) {
-    constexpr std::string_view blanks = " \t\r\n";
-    const std::size_t first = std::min(text.find_first_not_of(blanks), text.size());
-    const std::string_view inner = text.substr(first, text.find_last_not_of(blanks) + 1 - first);
-    return "\"" + one_line(inner, longest) + "\"";
+    return "\"" + one_line(text, longest) + "\"";
+}
+
+std::optional<std::string_view> nearest(std::string_view text, std::span<const std::string> known) {
+    constexpr std::size_t longest = 64;
+    std::optional<std::string_view> found;
+    std::size_t least = 2 * longest;
+    for (const std::string &each : known) {
+        const std::size_t away = distance(text.substr(0, longest), std::string_view(each).substr(0, longest));
+        if (away < least) {
+            least = away;
+            found = each;
+        } else if (away == least) {
+            found.reset();
+        }
+    }
+    return found;
+}
+
+std::string listed(std::span<const std::string> texts, std::size_t most) {
+    std::string list;
+    for (const std::string &text : texts.first(std::min(most, texts.size()))) {
+        list.append(list.empty() ? "" : ", ").append(one_line(text));
+    }
+    return texts.size() > most ? list + " and " + std::to_string(texts.size() - most) + " more" : list;
 }
 
 std::string xpath_literal(std::string_view text) {

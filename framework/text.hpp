@@ -3,6 +3,8 @@
 #define OCPSM_FRAMEWORK_TEXT_HPP
 
 #include <cstddef>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,8 +18,15 @@ inline constexpr std::size_t whole_text = std::string_view::npos;
 // no UTF-8 are written as \xNN, byte by byte. A text of more than about `longest` bytes is cut and ends in "...".
 std::string one_line(std::string_view text, std::size_t longest = 80);
 
-// The same in double quotes, without the blanks around the text.
+// The same in double quotes, which show the blanks around the text.
 std::string quoted(std::string_view text, std::size_t longest = 60);
+
+// The one of these that a mistyped text was most probably meant to be, by the number of bytes that differ, of the first
+// 64; none where several are as near.
+std::optional<std::string_view> nearest(std::string_view text, std::span<const std::string> known);
+
+// These, behind each other: "a, b and 3 more".
+std::string listed(std::span<const std::string> texts, std::size_t most = 16);
 
 // A text as an XPath 1.0 literal: in single quotes, in double ones where it holds single ones, else as a concat().
 std::string xpath_literal(std::string_view text);

@@ -1,6 +1,7 @@
 // What a management client does with a line system: reads and edits in OpenConfig.
 #include <algorithm>
 #include <iostream>
+#include <iterator>
 
 #include "commands.hpp"
 #include "framework/text.hpp"
@@ -55,6 +56,34 @@ int run_edit(const RequestOptions &options, const Edit &edit, std::ostream &outp
     return options.request.dry_run || result.changes.empty() ? exit_done : exit_changed;
 }
 
+// Where the path of PATH=VALUE ends: at the first = that is in no predicate.
+std::size_t sign_of_equality(std::string_view word) {
+    char quote = '\0';
+    bool in_predicate = false;
+    for (std::size_t at = 0; at < word.size(); ++at) {
+        const char c = word[at];
+        if (quote != '\0') {
+            quote = c == quote ? '\0' : quote;
+        } else if (in_predicate && (c == '\'' || c == '"')) {
+            quote = c;
+        } else if (c == '[' || c == ']') {
+            in_predicate = c == '[';
+        } else if (c == '=' && !in_predicate) {
+            return at;
+        }
+    }
+    return std::string::npos;
+}
+
+PathEdit setting_in(const std::string &word) {
+    const std::size_t sign = sign_of_equality(word);
+    if (sign == std::string::npos) {
+        throw Error(Error::Source::input, {}, {}, "there is no value in " + word,
+                    "write PATH VALUE, or PATH=VALUE for each of several leaves");
+    }
+    return {word.substr(0, sign), Operation::merge, word.substr(sign + 1)};
+}
+
 } // namespace
 
 int get_command(const RequestOptions &options, std::ostream &output, std::ostream &errors) {
@@ -85,12 +114,21 @@ int edit_command(const RequestOptions &options, std::ostream &output, std::ostre
 }
 
 int set_command(const RequestOptions &options, std::ostream &output, std::ostream &errors) {
-    return run_edit(options, PathEdits{{options.path, Operation::merge, options.value}}, output, errors);
+    if (options.more.size() == 1 && sign_of_equality(options.setting) == std::string::npos) {
+        return run_edit(options, PathEdits{{options.setting, Operation::merge, options.more.front()}}, output, errors);
+    }
+    PathEdits edits{setting_in(options.setting)};
+    std::transform(options.more.begin(), options.more.end(), std::back_inserter(edits), setting_in);
+    return run_edit(options, edits, output, errors);
 }
 
 int delete_command(const RequestOptions &options, std::ostream &output, std::ostream &errors) {
     const Operation operation = options.if_there ? Operation::remove : Operation::delete_existing;
-    return run_edit(options, PathEdits{{options.path, operation}}, output, errors);
+    PathEdits edits;
+    for (const std::string &path : options.paths) {
+        edits.push_back({path, operation});
+    }
+    return run_edit(options, edits, output, errors);
 }
 
 } // namespace ocpsm

@@ -77,15 +77,17 @@ void add_client_commands(CLI::App &app, Program &program) {
         ->required();
     add_dry_run(edit, *line);
 
-    CLI::App &set = add_client_command(app, program, "set", "Set one leaf of the configuration", line, set_command);
-    set.add_option("path", options.path, "The leaf")->type_name("PATH")->required();
-    set.add_option("value", options.value, "Its value, in the units of the model")->type_name("VALUE")->required();
+    CLI::App &set = add_client_command(app, program, "set", "Set leaves of the configuration", line, set_command);
+    set.add_option("setting", options.setting, "A leaf, or PATH=VALUE; values are in the units of the model")
+        ->type_name("PATH")
+        ->required();
+    set.add_option("more", options.more, "The value of the leaf, or more of PATH=VALUE")->type_name("VALUE");
     add_dry_run(set, *line);
 
     CLI::App &erase = add_client_command(app, program, "delete",
-                                         "Delete a leaf, a container or a module's settings with all that is below",
-                                         line, delete_command);
-    erase.add_option("path", options.path, "What to delete")->type_name("PATH")->required();
+                                         "Delete leaves, containers or modules' settings with all that is below", line,
+                                         delete_command);
+    erase.add_option("path", options.paths, "What to delete")->type_name("PATH")->required();
     erase.add_flag("--if-there", options.if_there, "With the operation remove: what is not there is no error");
     add_dry_run(erase, *line);
 }

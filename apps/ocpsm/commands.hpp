@@ -23,10 +23,10 @@ struct RequestOptions {
     std::optional<Format> format; // of the output; absent: as the request came
     std::optional<Kind> kind;     // absent: what the text says
 
-    std::vector<std::string> paths; // of get: what to read, none: everything
+    std::vector<std::string> paths; // of get: what to read, none: everything; of delete: what to take away
+    std::string setting;            // of set: PATH, with VALUE as all of `more`; or PATH=VALUE, with others of these
+    std::vector<std::string> more;  // of set
     std::string file;               // of the others, and of a filter: the text of the request; "-": standard input
-    std::string path;               // of set and delete: an instance path
-    std::string value;              // of set
     bool if_there = false;          // of delete: what is not there is no error
 };
 

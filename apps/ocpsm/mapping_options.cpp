@@ -8,8 +8,9 @@ namespace ocpsm {
 namespace {
 
 constexpr char request_footer[] =
-    "The request is the content of a NETCONF <filter> or <config>, with or without that element, or JSON (RFC 7951).\n"
-    "A <filter> is taken for --get and a <config> for --edit; anything else needs one of the three options.\n"
+    "The request is the content of a NETCONF <filter> or <config>, with or without the message around it, or JSON (RFC "
+    "7951).\n"
+    "A <filter> is taken for --get and a <config> for --edit; what no element says needs one of the three options.\n"
     "Values are in the units of the OpenConfig model: dBm, dB, milliseconds.";
 
 // A subcommand that takes a request, as its options leave it.

@@ -54,15 +54,4 @@ Format format_of(std::string_view text) {
     return opening_of(text).syntax == Syntax::json ? Format::json : Format::xml;
 }
 
-std::optional<Kind> kind_of(std::string_view text) {
-    const std::string_view element = opening_of(text).element;
-    if (element == "filter") {
-        return Kind::get;
-    }
-    if (element == "config") {
-        return Kind::edit;
-    }
-    return std::nullopt;
-}
-
 } // namespace ocpsm

@@ -3,7 +3,6 @@
 #define OCPSM_REQUEST_INPUT_HPP
 
 #include <istream>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -20,9 +19,6 @@ bool looks_like_request(std::string_view text);
 
 // JSON when the first character that is no blank opens an object, else XML.
 Format format_of(std::string_view text);
-
-// What the text itself says about its kind: an XML <filter> is a get, a <config> an edit; nothing else says it.
-std::optional<Kind> kind_of(std::string_view text);
 
 } // namespace ocpsm
 

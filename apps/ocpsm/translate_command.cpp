@@ -17,9 +17,9 @@ struct Run {
     TranslateResult result;
 };
 
-Kind kind_of_request(const RequestOptions &options, std::string_view text) {
-    const std::optional<Kind> kind = options.kind ? options.kind : kind_of(text);
-    if (!kind && !looks_like_request(text)) {
+Kind kind_of_request(const RequestOptions &options, const Text &request) {
+    const std::optional<Kind> kind = options.kind ? options.kind : Service::kind_of(request);
+    if (!kind && !looks_like_request(request.text)) {
         return Kind::get; // the parser says what is wrong with it
     }
     if (!kind) {
@@ -32,7 +32,7 @@ Kind kind_of_request(const RequestOptions &options, std::string_view text) {
 // `traced`: the additions are to bear the names of the functions that made them.
 Run run(const RequestOptions &options, bool traced, std::ostream &errors) {
     const Text request{read_request(options.file, std::cin)};
-    const Kind kind = kind_of_request(options, request.text);
+    const Kind kind = kind_of_request(options, request);
     const Service service = open_service_to_translate(options, errors);
     Options with = options.request;
     with.trace = with.trace || traced;

@@ -6,9 +6,12 @@
 #include <unordered_set>
 #include <utility>
 
+#include "framework/error.hpp"
+#include "framework/library.hpp"
 #include "framework/models/models.hpp"
 #include "framework/request/instance_path.hpp"
 #include "framework/request/selection.hpp"
+#include "framework/text.hpp"
 
 namespace ocpsm::framework {
 
@@ -40,6 +43,28 @@ public:
             }
         }
         return any;
+    }
+
+    // True when the expression selects anything of a tree.
+    bool select(const lyd_node &top, const std::string &xpath) {
+        const QuietLibrary quiet;
+        ly_set *found = nullptr;
+        const LY_ERR result = lyd_find_xpath(&top, xpath.c_str(), &found);
+        const OwnedSet nodes(found);
+        if (result == LY_EMEM) {
+            throw std::bad_alloc();
+        }
+        if (result != LY_SUCCESS) {
+            throw Error(Error::Source::input, "invalid-value", one_line(xpath, 1000), "the XPath selects no nodes");
+        }
+        for (std::uint32_t index = 0; index < nodes->count; ++index) {
+            selected_.insert(nodes->dnodes[index]);
+            for (const lyd_node *around = lyd_parent(nodes->dnodes[index]); around != nullptr;
+                 around = lyd_parent(around)) {
+                select_keys(*around);
+            }
+        }
+        return nodes->count != 0;
     }
 
     // Frees what is not selected of a node; true when nothing of it is.
@@ -91,11 +116,15 @@ private:
         if (!select(lyd_child(&node), wanted) && beside.empty()) {
             return false;
         }
-        for (const lyd_node *key = lyd_child(&node); key != nullptr && lysc_is_key(key->schema); key = key->next) {
-            beside.push_back(key);
-        }
+        select_keys(node);
         selected_.insert(beside.begin(), beside.end());
         return true;
+    }
+
+    void select_keys(const lyd_node &entry) {
+        for (const lyd_node *key = lyd_child(&entry); key != nullptr && lysc_is_key(key->schema); key = key->next) {
+            selected_.insert(key);
+        }
     }
 
     static const lyd_node *find_match(const lyd_node &node, const RequestNode &match) {
@@ -140,6 +169,20 @@ void count(const RequestNode &selection, const lysc_node *parent, Named &named) 
 AnswerTree cut(AnswerTree answer, const std::vector<RequestNode> &selections) {
     Cut cut;
     if (!cut.select(answer.top(), pointers_to(selections))) {
+        return {};
+    }
+    OwnedNode top = answer.release();
+    cut.prune(*top);
+    return AnswerTree(std::move(top));
+}
+
+AnswerTree cut_to_xpaths(AnswerTree answer, const std::vector<std::string> &xpaths) {
+    Cut cut;
+    bool any = false;
+    for (const std::string &xpath : xpaths) {
+        any = (!answer.empty() && cut.select(*answer.top(), xpath)) || any;
+    }
+    if (!any) {
         return {};
     }
     OwnedNode top = answer.release();

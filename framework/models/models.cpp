@@ -2,6 +2,7 @@
 
 #include <libyang/libyang.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <stdexcept>
 
@@ -135,6 +136,11 @@ NodeInfo describe(const lysc_node &node) {
 std::optional<std::string> canonical(const lysc_node &leaf, std::string_view value) {
     // libyang takes a text for ended there and keeps less than it frees.
     if (value.find('\0') != std::string_view::npos) {
+        return std::nullopt;
+    }
+    // libyang takes an empty prefix for none.
+    const bool identity = reinterpret_cast<const lysc_node_leaf &>(leaf).type->basetype == LY_TYPE_IDENT;
+    if (identity && value.substr(std::min(value.find_first_not_of(" \t\r\n"), value.size())).starts_with(':')) {
         return std::nullopt;
     }
     const QuietLibrary quiet;

@@ -39,12 +39,20 @@ std::string path_of(const Place &place) {
     throw Error(Error::Source::refused, tag, path_of(place), message, std::string(advice));
 }
 
+std::string fitted_instead(std::string_view name, const std::vector<std::string> &fitted) {
+    if (fitted.empty()) {
+        return "no module is fitted";
+    }
+    const auto near = fitted.size() > 1 ? nearest(name, fitted) : std::nullopt;
+    return (fitted.size() > 1 ? "fitted are " : "fitted is ") + listed(fitted) +
+           (near ? "; the nearest is " + one_line(*near) : std::string());
+}
+
 // Modules are fitted, not configured.
-void check_entry(const Place &place) {
+void check_entry(const Place &place, const FittedModules &fitted) {
     if (place.schema.nodetype == LYS_LIST && place.standing == nullptr && place.node.operation != Operation::remove) {
-        const RequestNode *key = find_key(place.node, openconfig::key_name);
-        refuse("data-missing", place, "there is no module '" + one_line(*key->value) + "'",
-               "name one that is fitted, exactly as a read shows it");
+        const std::string &name = *find_key(place.node, openconfig::key_name)->value;
+        refuse("data-missing", place, "there is no module '" + one_line(name) + "'", fitted_instead(name, fitted()));
     }
 }
 
@@ -83,7 +91,7 @@ bool goes_below(const RequestNode &node, const lysc_node &schema) {
 // An edit against what stands there.
 class Settlement {
 public:
-    explicit Settlement(const AnswerTree &standing) : standing_(standing) {}
+    Settlement(const AnswerTree &standing, const FittedModules &fitted) : standing_(standing), fitted_(fitted) {}
 
     // `first` is the first of the siblings that stand where the nodes are; null: there are none.
     void settle_below(std::vector<RequestNode> &nodes, const Place *above, const lyd_node *first) const {
@@ -105,7 +113,7 @@ private:
             return true;
         }
         const Place place{above, node, *schema, find(first, node, *schema)};
-        check_entry(place);
+        check_entry(place, fitted_);
         check_operation(place);
         if (schema == module_list() && place.standing == nullptr) {
             return false;
@@ -123,6 +131,7 @@ private:
     }
 
     const AnswerTree &standing_;
+    const FittedModules &fitted_;
 };
 
 struct Names {
@@ -169,8 +178,8 @@ bool concerns_all_modules(const std::vector<RequestNode> &tops) {
     return std::any_of(tops.begin(), tops.end(), [](const RequestNode &top) { return has_operation(top, nullptr); });
 }
 
-void settle_existence(std::vector<RequestNode> &tops, const AnswerTree &standing) {
-    Settlement(standing).settle_below(tops, nullptr, standing.top());
+void settle_existence(std::vector<RequestNode> &tops, const AnswerTree &standing, const FittedModules &fitted) {
+    Settlement(standing, fitted).settle_below(tops, nullptr, standing.top());
 }
 
 } // namespace ocpsm::framework

@@ -2,6 +2,7 @@
 #ifndef OCPSM_FRAMEWORK_REQUEST_EXISTENCE_HPP
 #define OCPSM_FRAMEWORK_REQUEST_EXISTENCE_HPP
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,6 +21,9 @@ std::vector<std::string> named_modules(const std::vector<RequestNode> &tops);
 // Whether an edit has an operation on a container around the modules, which concerns those that it does not name too.
 bool concerns_all_modules(const std::vector<RequestNode> &tops);
 
+// The names of all modules that are fitted; asked for only to tell them in a refusal.
+using FittedModules = std::function<std::vector<std::string>()>;
+
 /*
  * Settles existence against the configuration as it stands. Throws ocpsm::Error (refused) with the path of the first
  * node in document order that
@@ -28,7 +32,7 @@ bool concerns_all_modules(const std::vector<RequestNode> &tops);
  * Modules that are to be removed and are not there are taken out of the edit. What the model does not know, operational
  * state, and what stands below a node that is taken away or replaced is not looked at.
  */
-void settle_existence(std::vector<RequestNode> &tops, const AnswerTree &standing);
+void settle_existence(std::vector<RequestNode> &tops, const AnswerTree &standing, const FittedModules &fitted);
 
 } // namespace ocpsm::framework
 

@@ -12,6 +12,8 @@ namespace ocpsm::framework {
 
 namespace {
 
+constexpr std::string_view blanks = " \t\r\n";
+
 // Takes a path to pieces, from the front.
 class PathReader {
 public:
@@ -25,6 +27,9 @@ public:
         while (!rest_.empty()) {
             if (!take("/")) {
                 refuse("a path begins with a slash, and so does each of its steps");
+            }
+            if (rest_.empty() && !steps.empty()) {
+                break;
             }
             steps.push_back(step());
         }
@@ -59,12 +64,25 @@ private:
         return step;
     }
 
+    void skip_blanks() { rest_.remove_prefix(std::min(rest_.find_first_not_of(blanks), rest_.size())); }
+
+    std::string take_word_until(std::string_view ends) {
+        skip_blanks();
+        std::string word = take_until(ends);
+        word.erase(word.find_last_not_of(blanks) + 1);
+        return word;
+    }
+
     PathKey key() {
-        PathKey key{take_until("=]/["), {}};
+        PathKey key{take_word_until("=]/["), {}};
         if (!take("=")) {
             refuse("a predicate has the form [key=value]");
         }
+        skip_blanks();
+        key.any = rest_.starts_with('*');
         key.value = value();
+        key.any = key.any && key.value == "*";
+        skip_blanks();
         if (!take("]")) {
             refuse("a predicate is not closed");
         }
@@ -78,14 +96,16 @@ private:
         if (take("concat(")) {
             std::string joined;
             do {
+                skip_blanks();
                 joined += literal();
+                skip_blanks();
             } while (take(","));
             if (!take(")")) {
                 refuse("a predicate is not closed");
             }
             return joined;
         }
-        return rest_.starts_with('\'') || rest_.starts_with('"') ? literal() : take_until("]");
+        return rest_.starts_with('\'') || rest_.starts_with('"') ? literal() : take_word_until("]");
     }
 
     std::string literal() {

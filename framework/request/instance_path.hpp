@@ -35,6 +35,7 @@ inline constexpr std::string_view path_example = "for example /aps/aps-modules/a
 struct PathKey {
     std::string name;
     std::string value;
+    bool any = false; // [name=*]: every entry
 };
 
 // Names as they were written, with the name or prefix of a module or without.
@@ -44,7 +45,8 @@ struct PathStep {
 };
 
 // Reads an instance path: the value of a key is an XPath literal, a concat() of such, or whatever stands in front of
-// the closing bracket. Throws ocpsm::Error (input, invalid-value) with the path, on one line, for one that is no path.
+// the closing bracket, without the blanks around it. A slash at the end is left out. Throws ocpsm::Error (input,
+// invalid-value) with the path, on one line, for one that is no path.
 std::vector<PathStep> parse_instance_path(std::string_view path);
 
 // The node of the OpenConfig model that an instance path names; null when there is none, or the path cannot be read.

@@ -11,6 +11,7 @@
 #include "framework/error.hpp"
 #include "framework/models/models.hpp"
 #include "framework/request/instance_path.hpp"
+#include "framework/request/xpath.hpp"
 #include "framework/text.hpp"
 
 namespace ocpsm::framework {
@@ -78,7 +79,7 @@ private:
         return names.empty() ? std::string(parent->name) + " is a leaf" : names;
     }
 
-    // Takes the prefixes off the names.
+    // Takes the prefixes off the names; a key of any value says nothing.
     void check_keys(std::vector<PathKey> &keys, const lysc_node &schema) const {
         const auto names = models::key_names(schema);
         std::set<std::string> said;
@@ -92,6 +93,7 @@ private:
                 refuse("invalid-value", path_, "the key " + key.name + " stands twice", "say it once");
             }
         }
+        std::erase_if(keys, [](const PathKey &key) { return key.any; });
     }
 
     std::string_view path_;
@@ -117,6 +119,9 @@ std::vector<RequestNode> nested(const std::vector<Step> &steps, RequestNode last
 
 // The steps of a path whose every entry is named, and which does not end in a key.
 std::vector<Step> steps_to_edit(std::string_view path) {
+    if (!is_instance_path(path) && xpath_of(path)) {
+        refuse("invalid-value", path, "an edit names each node by its own path", std::string(path_example));
+    }
     std::vector<Step> steps = PathLookup(path).steps();
     if (steps.empty()) {
         refuse("invalid-value", path, "the path names no node", std::string(path_example));
@@ -147,9 +152,6 @@ std::vector<RequestNode> read_of(std::string_view path) {
     const std::vector<Step> steps = path == "/" ? std::vector<Step>() : PathLookup(path).steps();
     if (steps.empty()) {
         return {node_of({models::Schema::openconfig().top_nodes().front(), {}})};
-    }
-    if (steps.size() > 1 && lysc_is_key(steps.back().schema) && !steps[steps.size() - 2].keys.empty()) {
-        refuse("invalid-value", path, "the key of a named entry is known", "read the entry, or a leaf of it");
     }
     return nested(steps, node_of(steps.back()));
 }

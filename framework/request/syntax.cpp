@@ -5,6 +5,7 @@
 #include <string>
 
 #include "framework/error.hpp"
+#include "framework/text.hpp"
 
 namespace ocpsm::framework {
 
@@ -15,10 +16,6 @@ constexpr std::string_view byte_order_mark = "\xef\xbb\xbf";
 
 [[noreturn]] void refuse(const std::string &tag, const std::string &message, const std::string &advice) {
     throw Error(Error::Source::input, tag, "", message, advice);
-}
-
-[[noreturn]] void refuse_malformed(const std::string &message) {
-    refuse("malformed-message", message, "check the request with a parser");
 }
 
 void check_limit(std::size_t count, std::size_t limit, const char *what, const char *unit, const char *advice) {
@@ -107,13 +104,10 @@ private:
     std::size_t namespace_use_ = 0;
 };
 
-// The position behind the first `end` at or after `from`.
+// The position behind the first `end` at or after `from`; the end of the text where there is none.
 std::size_t behind(std::string_view text, std::size_t from, std::string_view end) {
     const std::size_t at = text.find(end, from);
-    if (at == std::string_view::npos) {
-        refuse_malformed("the request ends in the middle of markup");
-    }
-    return at + end.size();
+    return at == std::string_view::npos ? text.size() : at + end.size();
 }
 
 // How many prefixes may stand in a text: colons, and what may stand for one.
@@ -122,7 +116,8 @@ std::size_t prefixes_in(std::string_view text) {
         std::count_if(text.begin(), text.end(), [](char c) { return c == ':' || c == '&'; }));
 }
 
-// The position behind the tag that begins at `from`: a ">" in a quoted attribute does not end it.
+// The position behind the tag that begins at `from`: a ">" in a quoted attribute does not end it. The end of the text
+// where it has no end.
 std::size_t behind_tag(std::string_view text, std::size_t from, Count &count) {
     const std::size_t name_end = text.find_first_of(" \t\r\n/>", from + 1);
     check_name(std::min(name_end, text.size()) - from - 1);
@@ -152,12 +147,13 @@ std::size_t behind_tag(std::string_view text, std::size_t from, Count &count) {
         begin = end + 1;
         at = end;
     }
-    refuse_malformed("the request ends in the middle of a tag");
+    return text.size();
 }
 
 class XmlScan {
 public:
-    explicit XmlScan(std::string_view text) : text_(text) {}
+    // `text` ends in `body`.
+    XmlScan(std::string_view text, std::string_view body) : whole_(text), text_(body) {}
 
     void run() {
         std::size_t at = text_.find('<');
@@ -165,9 +161,6 @@ public:
             const std::size_t end = behind_markup(at);
             at = text_.find('<', end);
             take_characters(end, at);
-        }
-        if (count_.depth() != 0) {
-            refuse_malformed("the request ends in the middle of an element");
         }
     }
 
@@ -189,7 +182,8 @@ private:
             return end;
         }
         if (rest.starts_with("<!")) {
-            refuse_malformed("the request has a document type declaration");
+            refuse_at(whole_, whole_.size() - text_.size() + at, "a document type declaration is not allowed",
+                      "leave it out");
         }
         if (rest.starts_with("<?")) {
             return behind(text_, at, "?>");
@@ -213,7 +207,7 @@ private:
     std::size_t leave(std::size_t at) {
         const std::size_t end = behind(text_, at, ">");
         if (count_.depth() == 0) {
-            refuse_malformed("the request ends an element that it has not begun");
+            return text_.size();
         }
         count_.leave();
         if (is_leaf_ && has_characters_) {
@@ -223,6 +217,7 @@ private:
         return end;
     }
 
+    std::string_view whole_;
     std::string_view text_;
     Count count_;
     bool is_leaf_ = false;        // nothing but characters has come since the last element began
@@ -230,7 +225,7 @@ private:
     std::size_t prefixes_ = 0;    // in them
 };
 
-// The position behind the string whose opening quote is at `from`.
+// The position behind the string whose opening quote is at `from`; the end of the text where it has no end.
 std::size_t behind_string(std::string_view text, std::size_t from) {
     for (std::size_t i = from + 1; i < text.size(); ++i) {
         if (text[i] == '\\') {
@@ -239,7 +234,7 @@ std::size_t behind_string(std::string_view text, std::size_t from) {
             return i + 1;
         }
     }
-    refuse_malformed("the request ends in the middle of a string");
+    return text.size();
 }
 
 // A JSON text: its brackets and commas tell what it has, wherever they stand.
@@ -253,12 +248,6 @@ public:
             if (count_.depth() == 0) {
                 break;
             }
-        }
-        if (count_.depth() != 0) {
-            refuse_malformed("the request ends in the middle of a JSON object");
-        }
-        if (text_.find_first_not_of(blanks, at_) != std::string_view::npos) {
-            refuse_malformed("something stands behind the JSON object");
         }
     }
 
@@ -358,13 +347,51 @@ Opening opening_of(std::string_view text) noexcept {
     return opening;
 }
 
+std::string_view behind_first_tag(std::string_view text) noexcept {
+    while (true) {
+        text.remove_prefix(std::min(text.find_first_of(">\"'"), text.size()));
+        if (text.empty() || text.front() == '>') {
+            return text.substr(std::min<std::size_t>(1, text.size()));
+        }
+        const std::size_t end = text.find(text.front(), 1); // of an attribute's value
+        text.remove_prefix(std::min(end, text.size() - 1) + 1);
+    }
+}
+
+void refuse_at(std::string_view text, std::size_t at, const std::string &message, const std::string &advice) {
+    const std::string_view before = text.substr(0, at);
+    const std::size_t line_begin = before.rfind('\n') + 1; // 0 in the first line
+    const auto begins_character = [](char c) { return (static_cast<unsigned char>(c) & 0xc0U) != 0x80U; };
+    const auto line = 1 + std::count(before.begin(), before.end(), '\n');
+    const auto column =
+        1 + std::count_if(before.begin() + static_cast<std::ptrdiff_t>(line_begin), before.end(), begins_character);
+    refuse("malformed-message", "line " + std::to_string(line) + ", column " + std::to_string(column) + ": " + message,
+           advice);
+}
+
+std::string found_at(std::string_view text, std::size_t at) {
+    constexpr std::string_view in_words = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._:";
+    if (at >= text.size()) {
+        return "the request ends";
+    }
+    const std::string_view rest = text.substr(at);
+    const std::size_t begin = rest.starts_with("</") ? 2 : 0;
+    std::size_t end = std::min(rest.find_first_not_of(in_words, begin), rest.size());
+    if (end == 0) { // a single character
+        do {
+            ++end;
+        } while (end < rest.size() && (static_cast<unsigned char>(rest[end]) & 0xc0U) == 0x80U);
+    }
+    return "'" + one_line(rest.substr(0, end), 30) + "' stands there";
+}
+
 RequestText inspect(std::string_view text) {
     if (text.size() > max_request_size) {
         refuse("too-big", "the request has more than " + std::to_string(max_request_size >> 20U) + " MiB",
                "send it in pieces");
     }
-    if (text.find('\0') != std::string_view::npos) {
-        refuse_malformed("the request holds a byte 0");
+    if (const std::size_t zero = text.find('\0'); zero != std::string_view::npos) {
+        refuse_at(text, zero, "a byte 0 is not allowed", "leave it out");
     }
     const Opening opening = opening_of(text);
     if (!opening.syntax) {
@@ -373,7 +400,7 @@ RequestText inspect(std::string_view text) {
                "an XML request begins with <, a JSON request with {");
     }
     if (*opening.syntax == Syntax::xml) {
-        XmlScan(opening.body).run();
+        XmlScan(text, opening.body).run();
     } else {
         JsonScan(opening.body).run();
     }

@@ -3,6 +3,7 @@
 #include <libyang/libyang.h>
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <optional>
 #include <set>
@@ -24,20 +25,53 @@ namespace {
 using models::NodeInfo;
 using models::NodeKind;
 
-// What a kind of JSON value may stand for (RFC 7951, 6). A number for a decimal64 is what people write; it is accepted.
-bool json_form_fits(ValueForm form, std::string_view type) {
-    const bool number =
-        type == "int8" || type == "int16" || type == "int32" || type == "uint8" || type == "uint16" || type == "uint32";
-    switch (form) {
-    case ValueForm::json_boolean:
-        return type == "boolean";
-    case ValueForm::json_number:
-        return number || type == "int64" || type == "uint64" || type == "decimal64";
-    case ValueForm::json_string:
-        return !number && type != "boolean";
-    default:
-        return true;
+// Whether JSON writes a type's values in quotes (RFC 7951, 6): numbers of 64 bits and decimal64 are.
+bool is_quoted(std::string_view type) {
+    constexpr std::array<std::string_view, 7> bare{"boolean", "int8", "int16", "int32", "uint8", "uint16", "uint32"};
+    return std::find(bare.begin(), bare.end(), type) == bare.end();
+}
+
+// Whether a value is written in quotes although its type is not, or the other way round.
+bool quotes_differ(ValueForm form, std::string_view type) {
+    const bool bare = form == ValueForm::json_number || form == ValueForm::json_boolean;
+    return (bare && is_quoted(type)) || (form == ValueForm::json_string && !is_quoted(type));
+}
+
+// What JSON calls for where a node is written as something that it is not (RFC 7951, 5); empty: it is written right.
+// [null] selects any node of a read.
+std::string_view right_form(ValueForm form, NodeKind kind, bool edit) {
+    const bool leaf = kind == NodeKind::leaf;
+    const std::string_view value = leaf                     ? "a leaf has a value"
+                                   : kind == NodeKind::list ? "a list is an array of objects, [{...}]"
+                                                            : "a container is an object, {...}";
+    const bool fits = form == ValueForm::json_object       ? kind == NodeKind::container
+                      : form == ValueForm::json_entry      ? kind == NodeKind::list
+                      : form == ValueForm::json_no_entries ? kind == NodeKind::list && edit
+                      : form == ValueForm::json_empty      ? leaf || !edit
+                                                      : form != ValueForm::json_item && form != ValueForm::json_null;
+    if (form == ValueForm::json_item && leaf) {
+        return "write the value without brackets";
     }
+    return fits ? std::string_view() : form == ValueForm::json_no_entries && !edit ? "[null] selects all" : value;
+}
+
+// A value as a text without context says it: a prefix in an identity becomes the name of its module, one of no module
+// its namespace, which is the prefix of no identity.
+std::string lexical(const RequestNode &node, const NodeInfo &info) {
+    if (info.type != "identityref" || node.form != ValueForm::text) {
+        return *node.value;
+    }
+    constexpr std::string_view blanks = " \t\r\n";
+    const std::string_view value = *node.value;
+    const std::size_t colon = value.find(':');
+    if (colon == std::string_view::npos) {
+        return *node.value;
+    }
+    const lys_module *module =
+        ly_ctx_get_module_implemented_ns(models::Schema::openconfig().context(), node.value_namespace.str().c_str());
+    std::string_view name = value.substr(colon);
+    name = name.substr(0, name.find_last_not_of(blanks) + 1);
+    return (module == nullptr ? node.value_namespace.str() : std::string(module->name)).append(name);
 }
 
 // A node on the way down, with those around it: where it is is said only in a refusal.
@@ -112,7 +146,7 @@ public:
         : edit_(kind == Kind::edit), check_values_(check_values), schema_(models::Schema::openconfig()) {}
 
     void type(std::vector<RequestNode> &tops) const {
-        for (const RequestNode &top : tops) {
+        for (RequestNode &top : tops) {
             check_top(top);
         }
         type_children(tops, nullptr, false);
@@ -129,9 +163,10 @@ private:
     bool check_values_;
     const models::Schema &schema_;
 
-    void check_top(const RequestNode &top) const {
+    void check_top(RequestNode &top) const {
         const lysc_node *known = schema_.top_nodes().front();
         const NodeInfo info = models::describe(*known);
+        take_any_namespace(top, *known);
         if (top.tag == info.name && top.namespace_uri == info.namespace_uri) {
             return;
         }
@@ -142,10 +177,17 @@ private:
         if (top.namespace_uri == info.namespace_uri) {
             refuse("unknown-element", place, "the model has no top node " + top.tag, advice);
         }
-        const bool none = top.namespace_uri.empty() || top.namespace_uri == netconf_namespace;
         refuse("unknown-namespace", place,
-               none ? top.tag + " is in no namespace" : top.tag + " is in the namespace " + top.namespace_uri.str(),
+               top.namespace_uri.empty() ? top.tag + " is in no namespace"
+                                         : top.tag + " is in the namespace " + top.namespace_uri.str(),
                advice);
+    }
+
+    // In a read no namespace stands for any (RFC 6241, 6.2.1).
+    void take_any_namespace(RequestNode &node, const lysc_node &schema) const {
+        if (!edit_ && node.namespace_uri.empty()) {
+            node.namespace_uri = schema.module->ns;
+        }
     }
 
     // At and below a node: a list has not too many entries, and the keys of an entry come first.
@@ -175,6 +217,11 @@ private:
     void type_children(std::vector<RequestNode> &nodes, const Place *above, bool removed) const {
         const lysc_node *parent = above == nullptr ? nullptr : above->schema;
         Said said;
+        std::erase_if(nodes, [this, parent](const RequestNode &node) {
+            const lysc_node *schema = schema_.child(parent, node.tag, node.namespace_uri);
+            return edit_ && node.form == ValueForm::json_no_entries && schema != nullptr &&
+                   schema->nodetype == LYS_LIST;
+        });
         for (RequestNode &node : nodes) {
             const lysc_node *schema = schema_.child(parent, node.tag, node.namespace_uri);
             const Place place{above, node, schema};
@@ -183,6 +230,7 @@ private:
                 type_unknown(node, place);
                 continue;
             }
+            take_any_namespace(node, *schema);
             if (edit_) {
                 said.add(place);
             }
@@ -197,6 +245,9 @@ private:
                    node.tag + " is in " +
                        (node.namespace_uri.empty() ? "no namespace" : "the namespace " + node.namespace_uri.str()) +
                        ", the model's is in " + std::string(info.namespace_uri));
+        }
+        if (const std::string_view form = right_form(node.form, info.kind, edit_); !form.empty()) {
+            refuse("invalid-value", place, node.tag + " is written as something that it is not", std::string(form));
         }
         settle_operation(node, place);
         removed = removed || takes_away(node.operation);
@@ -231,7 +282,11 @@ private:
     void settle_operation(RequestNode &node, const Place &place) const {
         for (const RequestAttribute &attribute : node.attributes) {
             if (attribute.name != "operation" || attribute.namespace_uri != netconf_namespace) {
-                refuse("unknown-attribute", place, "the attribute " + attribute.name + " is not known here",
+                refuse("unknown-attribute", place,
+                       "the attribute " + attribute.name +
+                           (attribute.namespace_uri.empty() ? " in no namespace"
+                                                            : " of " + attribute.namespace_uri.str()) +
+                           " is not known here",
                        "the operation attribute belongs to the namespace " + std::string(netconf_namespace) +
                            " (JSON: ietf-netconf:operation)");
             }
@@ -252,7 +307,9 @@ private:
     void settle_value(RequestNode &node, const NodeInfo &info, bool may_be_absent, const Place &place) const {
         if (!edit_) {
             if (node.value) {
-                node.value = models::canonical(*info.node, *node.value).value_or(*node.value);
+                check_quotes(node, info, place);
+                const std::string value = lexical(node, info);
+                node.value = models::canonical(*info.node, value).value_or(value);
             }
             return;
         }
@@ -267,19 +324,34 @@ private:
         }
     }
 
+    static std::string expected(const NodeInfo &info) {
+        return "a value of type " + std::string(info.type) + allowed(info) + " is expected";
+    }
+
+    // Where nothing but the quotes is wrong.
+    void check_quotes(const RequestNode &node, const NodeInfo &info, const Place &place) const {
+        if (!quotes_differ(node.form, info.type) || !models::canonical(*info.node, *node.value)) {
+            return;
+        }
+        const bool string = node.form == ValueForm::json_string;
+        const std::string shown = one_line(*node.value, 60);
+        refuse("invalid-value", place,
+               string ? "\"" + shown + "\" is a string"
+                      : shown + " is a " + (node.form == ValueForm::json_number ? "number" : "boolean"),
+               (string ? "write it without quotes; " : "write it with quotes; ") + expected(info));
+    }
+
     std::string checked(const RequestNode &node, const NodeInfo &info, const Place &place) const {
-        const std::string expected = "a value of type " + std::string(info.type) + allowed(info) + " is expected";
         if (!node.value) {
-            refuse("invalid-value", place, node.tag + " has no value", expected);
+            refuse("invalid-value", place, node.tag + " has no value", expected(info));
         }
-        std::optional<std::string> value;
-        if (json_form_fits(node.form, info.type)) {
-            value = models::canonical(*info.node, *node.value);
-        }
+        check_quotes(node, info, place);
+        const auto value =
+            quotes_differ(node.form, info.type) ? std::nullopt : models::canonical(*info.node, lexical(node, info));
         if (!value) {
             refuse("invalid-value", place,
                    node.value->empty() ? "an empty value is not allowed" : quoted(*node.value) + " is not allowed",
-                   expected);
+                   expected(info));
         }
         return *value;
     }
@@ -303,6 +375,30 @@ private:
 };
 
 } // namespace
+
+std::vector<std::string> leave_out_other_models(std::vector<RequestNode> &tops) {
+    const NodeInfo known = models::describe(*models::Schema::openconfig().top_nodes().front());
+    const auto is_other = [&known](const RequestNode &top) {
+        return top.namespace_uri.empty() ? top.tag != known.name : top.namespace_uri != known.namespace_uri;
+    };
+    constexpr std::size_t most_named = 16;
+    std::size_t count = 0;
+    std::string named;
+    for (const RequestNode &top : tops) {
+        if (is_other(top) && ++count <= most_named) {
+            named.append(named.empty() ? "/" : ", /").append(one_line(top.tag));
+            named.append(top.namespace_uri.empty() ? "" : " of " + one_line(top.namespace_uri));
+        }
+    }
+    if (count == 0 || count == tops.size()) {
+        return {};
+    }
+    std::erase_if(tops, is_other);
+    if (count > most_named) {
+        named.append(" and ").append(std::to_string(count - most_named)).append(" more");
+    }
+    return {"other models are not served and left out: " + named};
+}
 
 std::vector<RequestNode> type_request(std::vector<RequestNode> tops, Kind kind, bool check_values) {
     Typing(kind, check_values).type(tops);

@@ -125,7 +125,7 @@ AnswerTree written(const Case &test, const std::string &section) {
 
 std::vector<RequestNode> selections(const std::string &text) {
     return ocpsm::framework::type_request(
-        ocpsm::framework::parse_request(text.starts_with("<aps ") ? text : modules_text(text), ocpsm::Kind::get),
+        ocpsm::framework::parse_request(text.starts_with("<aps ") ? text : modules_text(text), ocpsm::Kind::get).tops,
         ocpsm::Kind::get, true);
 }
 

@@ -57,7 +57,8 @@ TEST(Growth, OfAJoinOfReadsOfSingleModules) {
 TEST(Growth, OfACutAndOfPaths) {
     const auto selections = ocpsm::framework::type_request(
         ocpsm::framework::parse_request(
-            modules_text("<aps-module><config><wait-to-restore-time/></config></aps-module>"), ocpsm::Kind::get),
+            modules_text("<aps-module><config><wait-to-restore-time/></config></aps-module>"), ocpsm::Kind::get)
+            .tops,
         ocpsm::Kind::get, true);
     expect_proportional(
         [&selections](int count) {

@@ -60,17 +60,20 @@ TEST_F(EditExistence, OfAContainer) {
 
 TEST_F(EditExistence, OfAModule) {
     // A module that is not fitted cannot be created either.
-    const auto missing = [](const std::string &name) {
+    const auto missing = [](const std::string &name, const std::string &nearest) {
         return "data-missing|/aps/aps-modules/aps-module[name='" + name + "']|there is no module '" + name +
-               "'|name one that is fitted, exactly as a read shows it|";
+               "'|fitted are 0/1-PSM-OM, 0/3-PSM-OM" + nearest + "|";
     };
-    for (const char *name : {"0/2", "0/02-PSM-OM", "0/2-PSM-OMX", "0/9-PSM-OM", "0/2-PSM-OM", "0/1", "0/01-PSM-OM",
-                             "0/1-PSM-OMX", " 0/1-PSM-OM", "Ots0/1/0/1"}) {
+    const std::string near = "; the nearest is 0/1-PSM-OM";
+    const std::pair<const char *, std::string> names[] = {
+        {"0/2", ""},        {"0/02-PSM-OM", ""},   {"0/2-PSM-OMX", ""},   {"0/9-PSM-OM", ""},    {"0/2-PSM-OM", ""},
+        {"Ots0/1/0/1", ""}, {"0/01-PSM-OM", near}, {"0/1-PSM-OMX", near}, {" 0/1-PSM-OM", near}, {"0/1", near}};
+    for (const auto &[name, nearest] : names) {
         const std::string setting = "<config><revertive>true</revertive></config>";
         for (const std::string &operation : {std::string(), created, std::string(" nc:operation='replace'")}) {
-            EXPECT_EQ(refused(module_text(name, setting, operation)), missing(name));
+            EXPECT_EQ(refused(module_text(name, setting, operation)), missing(name, nearest));
         }
-        EXPECT_EQ(refused(module_text(name, "", deleted)), missing(name));
+        EXPECT_EQ(refused(module_text(name, "", deleted)), missing(name, nearest));
         expect_nothing_done(module_text(name, "", removed));
     }
     EXPECT_THAT(changes(module_text(1, "", removed)),

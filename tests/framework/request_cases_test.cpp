@@ -1,7 +1,6 @@
 // Requests from text or path to what the plug-in is handed. The input of a case is a request's text or a path; a
 // section "tree" holds a ready tree as dump() writes it. In a section whose name begins with "escaped", bytes may be
-// written as \n and \xNN. What a wanted section is
-// is told at the head of its file.
+// written as \n and \xNN. What a wanted section is is told at the head of its file.
 #include <libyang/libyang.h>
 
 #include <array>
@@ -19,6 +18,7 @@
 #include "framework/request/passed_over.hpp"
 #include "framework/request/syntax.hpp"
 #include "framework/request/type.hpp"
+#include "framework/request/xpath.hpp"
 #include "framework/text.hpp"
 
 namespace {
@@ -56,11 +56,13 @@ std::string text_of(const Case &test) {
 // ---- trees as they were written ----
 
 void write(const Trees &nodes, std::size_t depth, std::string &text) {
-    constexpr std::array forms{"none", "empty", "text", "string", "number", "boolean"};
+    constexpr std::array forms{"none", "empty",  "text",   "string", "number", "boolean",
+                               "null", "[null]", "object", "entry",  "item",   "[]"};
     for (const RequestNode &node : nodes) {
         text.append(depth * 2, ' ').append("{").append(node.namespace_uri).append("}").append(node.tag);
         text.append(" ").append(forms.at(static_cast<std::size_t>(node.form)));
         text.append(node.value ? " \"" + *node.value + "\"" : "");
+        text.append(node.value_namespace.empty() ? "" : " in " + node.value_namespace.str());
         for (const auto &attribute : node.attributes) {
             text.append(" @{").append(attribute.namespace_uri).append("}").append(attribute.name);
             text.append("=").append(attribute.value);
@@ -68,6 +70,17 @@ void write(const Trees &nodes, std::size_t depth, std::string &text) {
         text.append("\n");
         write(node.children, depth + 1, text);
     }
+}
+
+std::string content(const ocpsm::framework::Content &content, Kind kind) {
+    constexpr std::array defaults{"merge", "replace", "none"};
+    std::string text;
+    write(content.tops, 0, text);
+    if (content.default_operation) {
+        text.append("default operation: ");
+        text.append(defaults.at(static_cast<std::size_t>(*content.default_operation))).append("\n");
+    }
+    return text + (content.whole ? "everything\n" : "") + (content.kind != kind ? "configuration only\n" : "");
 }
 
 // ---- answers ----
@@ -78,7 +91,7 @@ Kind kind_of(const std::string &wanted) {
 
 Trees parsed(const Case &test, Kind kind) {
     const auto tree = input(test, "tree");
-    return tree ? read_dump(*tree) : ocpsm::framework::parse_request(text_of(test), kind);
+    return tree ? read_dump(*tree) : ocpsm::framework::parse_request(text_of(test), kind).tops;
 }
 
 Trees typed(const Case &test, Kind kind, bool check = true) {
@@ -133,7 +146,8 @@ ocpsm::framework::AnswerTree standing_answer(Trees trees) {
 
 std::string settled(const Case &test) {
     Trees tops = parsed(test, Kind::edit);
-    ocpsm::framework::settle_existence(tops, standing_answer(read_dump(input(test, "standing").value_or(""))));
+    const auto standing = standing_answer(read_dump(input(test, "standing").value_or("")));
+    ocpsm::framework::settle_existence(tops, standing, [&standing] { return standing.entry_names(); });
     return each(tops);
 }
 
@@ -215,9 +229,7 @@ std::string of_a_tree(const Case &test, const std::string &wanted) {
         return passed_over(parsed(test, kind), kind);
     }
     if (wanted.ends_with("parsed")) {
-        std::string text;
-        write(parsed(test, kind), 0, text);
-        return text;
+        return content(ocpsm::framework::parse_request(text_of(test), kind), kind);
     }
     if (wanted.ends_with("unchecked")) {
         return dump(typed(test, kind, false));
@@ -247,11 +259,18 @@ std::string of_a_text(const Case &test, const std::string &wanted) {
     if (wanted == "opening") {
         return opening(text);
     }
+    if (wanted == "kind") {
+        const auto kind = ocpsm::framework::kind_named(text);
+        return !kind ? "none\n" : *kind == Kind::edit ? "edit\n" : *kind == Kind::get ? "get\n" : "get-config\n";
+    }
     if (wanted == "syntax") {
         return syntax(text);
     }
     if (wanted == "steps") {
         return steps(text);
+    }
+    if (wanted == "xpath") {
+        return ocpsm::framework::xpath_of(text).value_or("none") + "\n";
     }
     if (wanted == "schema") {
         return schema(text);

@@ -79,7 +79,7 @@ std::size_t hand_over(std::vector<RequestNode> tops, Kind kind) {
 }
 
 std::size_t hand_over(const std::string &text, Kind kind) {
-    return hand_over(ocpsm::framework::parse_request(text, kind), kind);
+    return hand_over(ocpsm::framework::parse_request(text, kind).tops, kind);
 }
 
 std::string refusal(const std::string &text, Kind kind = Kind::edit) {

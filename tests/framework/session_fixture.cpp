@@ -22,12 +22,12 @@ EditResult edit(const Plugin &plugin, const ocpsm::Edit &edit, DeviceTransaction
 
 ReadResult read(const Plugin &plugin, const std::string &text, Kind kind, DeviceTransaction &device,
                 const Options &options) {
-    return answer_read(plugin, ocpsm::framework::typed(whole(text), kind), kind, device, options);
+    return answer_read(plugin, ocpsm::framework::typed(whole(text), kind), device, options);
 }
 
 ReadResult read_paths(const Plugin &plugin, const std::vector<std::string> &paths, Kind kind, DeviceTransaction &device,
                       const Options &options) {
-    return answer_read(plugin, ocpsm::framework::typed(ocpsm::Paths{paths}, kind), kind, device, options);
+    return answer_read(plugin, ocpsm::framework::typed(ocpsm::Paths{paths}, kind), device, options);
 }
 
 EditResult edit(const Plugin &plugin, const std::string &text, DeviceTransaction &device, const EditOptions &options) {

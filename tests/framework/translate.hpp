@@ -14,7 +14,7 @@ inline ocpsm::framework::Translation translate(ocpsm::framework::Callback root, 
                                                ocpsm::Kind kind, const ocpsm::Options &options = {},
                                                const std::vector<std::string> &fitted_modules = {}) {
     using namespace ocpsm::framework;
-    auto tops = type_request(text.find_first_of("<{") == 0 ? parse_request(text, kind) : read_dump(text), kind,
+    auto tops = type_request(text.find_first_of("<{") == 0 ? parse_request(text, kind).tops : read_dump(text), kind,
                              options.check_values);
     return translate_trees(root,
                            kind == ocpsm::Kind::edit ? hand_over_edit(std::move(tops), fitted_modules)

@@ -116,7 +116,7 @@ TEST(Translation, ARequestForNothingIsSaidToBeNothing) {
 
 TEST(Translation, WhatCannotBeReadNeverReachesThePlugin) {
     EXPECT_EQ(error_of([] { (void)translate(nullptr, "<x", Kind::get); }),
-              "input|malformed-message||the request ends in the middle of a tag|check the request with a parser");
+              "input|malformed-message||line 1, column 3: NAME=\"VALUE\", /> or > is expected, but the request ends|");
     EXPECT_EQ(error_of([] { (void)translate(nullptr, one_entry + "/config = x", Kind::edit); }),
               "refused|invalid-value|" + at_entry +
                   "/config|config is no leaf and has no value, but \"x\" stands there|");
