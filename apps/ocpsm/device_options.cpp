@@ -1,5 +1,4 @@
 // The options of device and watch.
-#include <cstdlib>
 #include <memory>
 
 #include "command_line.hpp"
@@ -15,7 +14,8 @@ constexpr std::uint32_t longest_tick = 86'400'000; // milliseconds, a day
 
 constexpr char watch_footer[] =
     "The clock of the line system runs while it is watched, in steps of 100 milliseconds; one process at a time lets\n"
-    "it run. Keys: up and down choose a line, c cuts its fibre, s splices it, q quits.";
+    "it run. Keys: up and down choose a line, c cuts its fibre, s splices it, l sets the light that it delivers,\n"
+    "p lets the time stand still and go on, < and > make it slower and faster, q quits.";
 
 struct DeviceLine {
     DeviceOptions options;
@@ -26,24 +26,6 @@ struct DeviceLine {
 
     DeviceOptions finished() const;
 };
-
-// A decimal number with at most two places as an integer of hundredths; nothing for any other text.
-std::optional<int> parse_hundredths(const std::string &text) {
-    const bool negative = text.rfind('-', 0) == 0;
-    const std::size_t start = negative ? 1 : 0;
-    const std::size_t point = std::min(text.find('.'), text.size());
-    const std::string whole = text.substr(start, point - start);
-    std::string fraction = point == text.size() ? "" : text.substr(point + 1);
-    const bool has_digits = !whole.empty() && (point == text.size() || !fraction.empty());
-    const std::string digits = whole + fraction;
-    if (!has_digits || whole.size() > 4 || fraction.size() > 2 ||
-        digits.find_first_not_of("0123456789") != std::string::npos) {
-        return std::nullopt;
-    }
-    fraction.resize(2, '0');
-    const int value = std::atoi((whole + fraction).c_str()); // NOLINT(cert-err34-c): digits only
-    return negative ? -value : value;
-}
 
 DeviceOptions DeviceLine::finished() const {
     DeviceOptions finished = options;
@@ -92,11 +74,7 @@ void add_light(CLI::App &command, DeviceLine &line) {
         ->type_name("DBM")
         ->required()
         ->check(CLI::Validator(
-            [](const std::string &text) {
-                return parse_hundredths(text) ? std::string()
-                                              : text + " is no power in dBm with at most two decimal places";
-            },
-            ""));
+            [](const std::string &text) { return parse_hundredths(text) ? std::string() : not_a_power(text); }, ""));
 }
 
 } // namespace

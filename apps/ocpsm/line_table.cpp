@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <string_view>
 
 namespace ocpsm {
@@ -163,6 +164,27 @@ std::string to_xml(const LineTable &table) {
         text += "  </module>\n";
     }
     return text + "</line-system>\n";
+}
+
+std::optional<int> parse_hundredths(const std::string &text) {
+    const bool negative = text.rfind('-', 0) == 0;
+    const std::size_t start = negative ? 1 : 0;
+    const std::size_t point = std::min(text.find('.'), text.size());
+    const std::string whole = text.substr(start, point - start);
+    std::string fraction = point == text.size() ? "" : text.substr(point + 1);
+    const bool has_digits = !whole.empty() && (point == text.size() || !fraction.empty());
+    const std::string digits = whole + fraction;
+    if (!has_digits || whole.size() > 4 || fraction.size() > 2 ||
+        digits.find_first_not_of("0123456789") != std::string::npos) {
+        return std::nullopt;
+    }
+    fraction.resize(2, '0');
+    const int value = std::atoi((whole + fraction).c_str()); // NOLINT(cert-err34-c): digits only
+    return negative ? -value : value;
+}
+
+std::string not_a_power(const std::string &text) {
+    return text + " is no power in dBm with at most two decimal places";
 }
 
 } // namespace ocpsm

@@ -26,6 +26,12 @@ std::vector<TableText> to_text(const LineTable &table);
 std::string to_json(const LineTable &table);
 std::string to_xml(const LineTable &table);
 
+// A decimal number with at most two places as an integer of hundredths; nothing for any other text.
+std::optional<int> parse_hundredths(const std::string &text);
+
+// What is said of such a text.
+std::string not_a_power(const std::string &text);
+
 } // namespace ocpsm
 
 #endif

@@ -23,6 +23,9 @@ constexpr int escape_delay = 50; // milliseconds
 // reason.
 constexpr unsigned most_cells_across = 1000;
 
+constexpr int escape = 0x1b;
+constexpr int delete_character = 0x7f;
+
 void require_terminal() {
     if (isatty(STDIN_FILENO) == 0 || isatty(STDOUT_FILENO) == 0) {
         throw Error(Error::Source::input, {}, {}, "standard input and output are no terminal",
@@ -41,14 +44,21 @@ void require_terminal() {
 
 SCREEN *open_screen() {
     require_terminal();
-    const char *type = std::getenv("TERM"); // NOLINT(concurrency-mt-unsafe)
+    const char *name = std::getenv("TERM"); // NOLINT(concurrency-mt-unsafe)
+    const std::string type = name == nullptr ? "" : name;
+    const std::string advice = "set TERM to its type, e.g. xterm, or print the table once with ocpsm device show";
+    const TerminalType known = terminal_type();
+    if (known == TerminalType::without_screen) {
+        throw Error(Error::Source::input, {}, {},
+                    "this needs a terminal with a screen, and the type " + type + " has none", advice);
+    }
     // Asked first, because opening the screen of an unknown type loses memory.
-    SCREEN *screen = terminal_type_is_known() ? newterm(nullptr, stdout, stdin) : nullptr;
+    SCREEN *screen = known == TerminalType::with_screen ? newterm(nullptr, stdout, stdin) : nullptr;
     if (screen == nullptr) {
         throw Error(Error::Source::input, {}, {},
-                    type == nullptr || *type == '\0' ? std::string("the type of the terminal is not known")
-                                                     : "the terminal type " + std::string(type) + " cannot be used",
-                    "set TERM to its type, e.g. xterm, or print the table once with ocpsm device show");
+                    type.empty() ? "the type of the terminal is not known"
+                                 : "the terminal type " + type + " cannot be used",
+                    advice);
     }
     return screen;
 }
@@ -99,25 +109,28 @@ void Terminal::leave() {
     endwin();
 }
 
-Key Terminal::key() {
-    switch (wgetch(stdscr)) {
+KeyPress Terminal::key() {
+    const int pressed = wgetch(stdscr);
+    switch (pressed) {
     case ERR:
-        return Key::none;
+        return {Key::none};
     case KEY_UP:
-    case 'k':
-        return Key::up;
+        return {Key::up};
     case KEY_DOWN:
-    case 'j':
-        return Key::down;
-    case 'q':
-    case 'Q':
-        return Key::quit;
-    case 'c':
-        return Key::cut;
-    case 's':
-        return Key::splice;
+        return {Key::down};
+    case KEY_ENTER:
+    case '\n':
+    case '\r':
+        return {Key::enter};
+    case escape:
+        return {Key::escape};
+    case KEY_BACKSPACE:
+    case '\b':
+    case delete_character:
+        return {Key::erase};
     default:
-        return Key::other;
+        return pressed >= ' ' && pressed < delete_character ? KeyPress{Key::character, static_cast<char>(pressed)}
+                                                            : KeyPress{Key::other};
     }
 }
 

@@ -8,7 +8,12 @@
 
 namespace ocpsm {
 
-enum class Key { none, up, down, quit, cut, splice, other };
+enum class Key { none, up, down, enter, escape, erase, character, other };
+
+struct KeyPress {
+    Key key = Key::none;
+    char character = '\0'; // of Key::character: printable ASCII
+};
 
 struct ScreenLine {
     std::string text; // printable ASCII; what is too long for the screen is cut
@@ -39,7 +44,7 @@ public:
     static void leave();
 
     // The next key that has been pressed; does not wait.
-    Key key();
+    KeyPress key();
 
 private:
     struct Screen; // of the screen library

@@ -8,9 +8,14 @@
 
 namespace ocpsm {
 
-bool terminal_type_is_known() {
+TerminalType terminal_type() {
     int found = 0;
-    return setupterm(nullptr, STDOUT_FILENO, &found) == OK && del_curterm(cur_term) == OK;
+    if (setupterm(nullptr, STDOUT_FILENO, &found) != OK) {
+        return TerminalType::unknown;
+    }
+    const bool places = cursor_address != nullptr && clear_screen != nullptr;
+    del_curterm(cur_term);
+    return places ? TerminalType::with_screen : TerminalType::without_screen;
 }
 
 } // namespace ocpsm

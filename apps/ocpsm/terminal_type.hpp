@@ -4,8 +4,14 @@
 
 namespace ocpsm {
 
-// Whether the type that TERM names is described on this system.
-bool terminal_type_is_known();
+enum class TerminalType {
+    unknown,        // not described on this system
+    without_screen, // nothing can be put to a place on it, as on paper
+    with_screen,
+};
+
+// The one that TERM names.
+TerminalType terminal_type();
 
 } // namespace ocpsm
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <functional>
 
 #include "clock_lock.hpp"
 #include "commands.hpp"
@@ -16,8 +17,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::milliseconds step{SimulatedLineSystem::step};
-
 class Watch {
 public:
     Watch(const SimulatedLineSystem &system, const std::filesystem::path &state, const StopSignals &signals)
@@ -27,22 +26,22 @@ public:
 
     // Until the user or a signal ends it.
     void run() {
-        Clock::time_point next = Clock::now() + step;
+        start_waiting();
         while (!quit_ && StopSignals::received() == 0) {
             terminal_.show(screen_.lines(terminal_.size()));
-            const auto left = std::chrono::ceil<std::chrono::milliseconds>(next - Clock::now());
+            const auto left = std::chrono::ceil<std::chrono::milliseconds>(next_ - Clock::now());
             quit_ = !signals_.wait_for_input(std::max(left, std::chrono::milliseconds(0)));
             if (StopSignals::suspension_wanted()) {
                 suspend();
-                next = Clock::now() + step;
+                start_waiting();
             }
-            for (Key key = terminal_.key(); key != Key::none && !quit_; key = terminal_.key()) {
-                press(key);
+            for (KeyPress press = terminal_.key(); press.key != Key::none && !quit_; press = terminal_.key()) {
+                screen_.asks() ? answer(press) : command(press);
             }
-            if (Clock::now() >= next) {
+            if (Clock::now() >= next_) {
                 pass_time();
                 // A process that was stopped for a while does not catch up.
-                next = std::max(next + step, Clock::now());
+                next_ = std::max(next_ + interval(), Clock::now());
             }
         }
     }
@@ -56,40 +55,80 @@ private:
         lock_.emplace(state_);
     }
 
-    void press(Key key) {
-        switch (key) {
-        case Key::up:
+    std::chrono::milliseconds interval() const { return std::chrono::milliseconds(screen_.speed().every); }
+    void start_waiting() { next_ = Clock::now() + interval(); }
+
+    void command(const KeyPress &press) {
+        if (press.key == Key::up || press.character == 'k') {
             screen_.choose_previous();
-            break;
-        case Key::down:
+        } else if (press.key == Key::down || press.character == 'j') {
             screen_.choose_next();
-            break;
-        case Key::quit:
+        }
+        switch (press.character) {
+        case 'q':
+        case 'Q':
             quit_ = true;
             break;
-        case Key::cut:
-        case Key::splice:
-            change_fibre(key);
+        case 'c':
+            change_line([this](int slot, Line line) { return system_.cut(slot, line); });
             break;
-        case Key::none:
-        case Key::other:
+        case 's':
+            change_line([this](int slot, Line line) { return system_.splice(slot, line); });
+            break;
+        case 'l':
+            screen_.ask("the light that the fibre delivers, in dBm:");
+            break;
+        case 'p':
+            screen_.pause_or_go_on();
+            start_waiting();
+            break;
+        case '<':
+            screen_.go_slower();
+            start_waiting();
+            break;
+        case '>':
+            screen_.go_faster();
+            start_waiting();
+            break;
+        default:
             break;
         }
     }
 
-    // Another process may have pulled the module in the meantime: that is for the user to see, not the end.
-    void change_fibre(Key key) {
+    void answer(const KeyPress &press) {
+        if (press.key == Key::character) {
+            screen_.type(press.character);
+        } else if (press.key == Key::erase) {
+            screen_.erase();
+        } else if (press.key == Key::escape) {
+            screen_.take_answer();
+        } else if (press.key == Key::enter) {
+            set_light(screen_.take_answer());
+        }
+    }
+
+    void set_light(const std::string &text) {
+        const std::optional<int> light = parse_hundredths(text);
+        if (!light) {
+            screen_.note(not_a_power(text));
+            return;
+        }
+        change_line([this, &light](int slot, Line line) { return system_.light(slot, line, *light); });
+    }
+
+    // Another process may have pulled the module in the meantime, and not every light is one that a fibre delivers:
+    // that is for the user to see, not the end.
+    void change_line(const std::function<LineTable(int slot, Line line)> &change) {
         const std::optional<ChosenLine> chosen = screen_.chosen();
         if (!chosen) {
             screen_.note("no module is fitted");
             return;
         }
-        const Line line = chosen->line == 0 ? Line::primary : Line::secondary;
         try {
-            screen_.update(key == Key::cut ? system_.cut(chosen->slot, line) : system_.splice(chosen->slot, line));
+            screen_.update(change(chosen->slot, chosen->line == 0 ? Line::primary : Line::secondary));
             screen_.note({});
         } catch (const Error &error) {
-            if (error.source != Error::Source::refused) {
+            if (error.source != Error::Source::refused && error.tag != "invalid-value") {
                 throw;
             }
             screen_.update(system_.view());
@@ -97,7 +136,7 @@ private:
         }
     }
 
-    void pass_time() { screen_.update(system_.tick(SimulatedLineSystem::step)); }
+    void pass_time() { screen_.update(screen_.paused() ? system_.view() : system_.tick(screen_.speed().passes)); }
 
     const SimulatedLineSystem &system_;
     const std::filesystem::path &state_;
@@ -105,6 +144,7 @@ private:
     const StopSignals &signals_;
     Terminal terminal_;
     WatchScreen screen_;
+    Clock::time_point next_; // when time is to pass
     bool quit_ = false;
 };
 

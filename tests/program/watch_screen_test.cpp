@@ -1,5 +1,6 @@
 // What is on the screen while a line system is watched.
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -45,11 +46,12 @@ protected:
 TEST_F(Watching, ShowsTheTableTheKeysAndWhatIsToBeNoted) {
     screen.note("slot 1 holds no module");
     const std::vector<std::string> lines = texts({24, 80});
-    ASSERT_EQ(lines.size(), 16U);
+    ASSERT_EQ(lines.size(), 17U);
     EXPECT_EQ(lines.at(0), "time 0.0 s");
     EXPECT_EQ(lines.at(7), "* primary      -12.34     -25.00         2.50     -2.15         1.00  whole");
     EXPECT_EQ(lines.at(14), "slot 1 holds no module");
-    EXPECT_EQ(lines.at(15), "up/down choose a line   c cut its fibre   s splice it   q quit");
+    EXPECT_EQ(lines.at(15), "up/down choose a line   c cut its fibre   s splice it   l set its light");
+    EXPECT_EQ(lines.at(16), "p pause   < slower   > faster   q quit");
     screen.update(view(line_system::tick(line_system::example(), 100)));
     EXPECT_EQ(texts({24, 80}).at(14), "slot 1 holds no module");
     screen.update(view(line_system::pull(line_system::example(), 1)));
@@ -87,13 +89,58 @@ TEST_F(Watching, ChoosesNothingWithoutModules) {
     EXPECT_THAT(highlighted(), ElementsAre());
 }
 
+TEST_F(Watching, SaysHowFastTheTimePasses) {
+    const auto time = [this] { return texts({24, 80}).at(0); };
+    const auto speed = [this] { return std::tuple(screen.speed().every, screen.speed().passes); };
+    EXPECT_EQ(speed(), std::tuple(100U, 100U));
+    screen.go_faster();
+    screen.pause_or_go_on();
+    EXPECT_TRUE(screen.paused());
+    EXPECT_EQ(time(), "time 0.0 s   speed 2   paused");
+    EXPECT_EQ(speed(), std::tuple(100U, 200U));
+    for (int i = 0; i < 9; ++i) {
+        screen.go_faster();
+    }
+    EXPECT_EQ(time(), "time 0.0 s   speed 100   paused");
+    EXPECT_EQ(speed(), std::tuple(100U, 10000U));
+    screen.pause_or_go_on();
+    for (int i = 0; i < 20; ++i) {
+        screen.go_slower();
+    }
+    EXPECT_FALSE(screen.paused());
+    EXPECT_EQ(time(), "time 0.0 s   speed 0.1");
+    EXPECT_EQ(speed(), std::tuple(1000U, 100U));
+}
+
+TEST_F(Watching, AsksWhereANoteStands) {
+    const auto note = [this] { return texts({24, 80}).at(14); };
+    screen.note("slot 1 holds no module");
+    screen.ask("how much?");
+    EXPECT_TRUE(screen.asks());
+    EXPECT_EQ(note(), "how much? _");
+    screen.erase();
+    for (const char character : std::string("-12.50")) {
+        screen.type(character);
+    }
+    screen.erase();
+    EXPECT_EQ(note(), "how much? -12.5_");
+    EXPECT_EQ(screen.take_answer(), "-12.5");
+    EXPECT_FALSE(screen.asks());
+    EXPECT_EQ(note(), "slot 1 holds no module");
+    screen.ask("how much?");
+    for (int i = 0; i < 100; ++i) {
+        screen.type('1');
+    }
+    EXPECT_EQ(screen.take_answer(), "1111111111111111");
+}
+
 TEST_F(Watching, SaysHowLargeTheTerminalMustBe) {
-    const std::vector<std::string> small = {"too small: this needs 75 columns and 16 rows",
+    const std::vector<std::string> small = {"too small: this needs 75 columns and 17 rows",
                                             "make the terminal larger, or q to quit"};
-    EXPECT_EQ(texts({15, 80}), small);
-    EXPECT_EQ(texts({16, 74}), small);
+    EXPECT_EQ(texts({16, 80}), small);
+    EXPECT_EQ(texts({17, 74}), small);
     EXPECT_EQ(texts({0, 0}), small);
-    EXPECT_EQ(texts({16, 75}).size(), 16U);
+    EXPECT_EQ(texts({17, 75}).size(), 17U);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <sys/wait.h>
@@ -95,8 +96,8 @@ TEST_F(Watch, ShowsTheTableAndTheKeys) {
                                   "0/3-PSM-OM  active path SECONDARY; relative threshold 3.00 dB, offset 0.50 dB",
                                   "  primary      -40.00     -26.50         0.00     -2.51         0.00  cut",
                                   "* secondary    -16.59     -30.00         0.75     -2.48         0.00  whole", "", "",
-                                  "up/down choose a line   c cut its fibre   s splice it   q quit", "", "", "", "", "",
-                                  "", "", ""));
+                                  "up/down choose a line   c cut its fibre   s splice it   l set its light",
+                                  "p pause   < slower   > faster   q quit", "", "", "", "", "", "", ""));
     EXPECT_THAT(child.screen().highlighted(),
                 ElementsAre("* primary      -12.34     -25.00         2.50     -2.15         1.00  whole"));
 }
@@ -129,6 +130,48 @@ TEST_F(Watch, CutsAndSplicesTheChosenLine) {
     EXPECT_TRUE(child.wait_until([](const Screen &screen) { return !shows(screen, "0/1-PSM-OM"); }));
     child.type("x");
     quit(child);
+}
+
+TEST_F(Watch, SetsTheLightOfTheChosenLine) {
+    TerminalChild child(command());
+    ASSERT_TRUE(sees(child, {"q quit"}));
+    child.type("l-2x\x7f");
+    ASSERT_TRUE(sees(child, {"the light that the fibre delivers, in dBm: -2_"}));
+    child.type("0.5\r");
+    ASSERT_TRUE(sees(child, {"* primary      -20.50     -25.00"}));
+    child.type("l\x1b"); // escape
+    child.type("lq\r");
+    ASSERT_TRUE(sees(child, {"q is no power in dBm with at most two decimal places"}));
+    child.type("l-99\r");
+    ASSERT_TRUE(sees(child, {"no fibre delivers such a light"}));
+    child.type("l-30\r");
+    EXPECT_TRUE(sees(child, {"0/1-PSM-OM  active path SECONDARY", "  primary      -30.00"}));
+    quit(child);
+}
+
+// What the clock says once it stands is what it says when all is over.
+TEST_F(Watch, LetsTheTimeStandStillAndPassFaster) {
+    TerminalChild child(command());
+    ASSERT_TRUE(sees(child, {"time 0.2 s"}));
+    child.type("p");
+    ASSERT_TRUE(sees(child, {"paused"}));
+    const std::string stands = child.screen().rows().front();
+    // Cuts are seen all the same, and nothing switches.
+    EXPECT_EQ(run("device cut 1 primary"), "slot 1: the primary fibre is cut\n");
+    ASSERT_TRUE(sees(child, {"* primary      -40.00"}));
+    EXPECT_EQ(child.screen().rows().front(), stands);
+    child.type(">>");
+    ASSERT_TRUE(sees(child, {"speed 5   paused"}));
+    EXPECT_EQ(child.screen().rows().front(), stands.substr(0, stands.find(" s")) + " s   speed 5   paused");
+    child.type("p");
+    // In steps of half a second from where it stood.
+    const std::string decimals = stands.substr(stands.find('.'), 2);
+    ASSERT_TRUE(sees(child, {"* secondary    -15.87"}));
+    quit(child);
+    const std::string end = run("device tick 0");
+    EXPECT_TRUE(end.substr(end.find('.'), 2) == decimals ||
+                end[end.find('.') + 1] == '0' + (decimals[1] - '0' + 5) % 10)
+        << end << stands;
 }
 
 TEST_F(Watch, LeavesTheTerminalAsItWasWhenTheUserQuits) {
@@ -173,8 +216,8 @@ TEST_F(Watch, FollowsTheSizeOfTheTerminal) {
     ASSERT_TRUE(sees(child, {"q quit"}));
     child.resize(10, 40);
     EXPECT_TRUE(child.wait_until([](const Screen &screen) {
-        return screen.rows().front() == "too small: this needs 75 columns and 16 " ||
-               screen.rows().front() == "too small: this needs 75 columns and 16";
+        return screen.rows().front() == "too small: this needs 75 columns and 17 " ||
+               screen.rows().front() == "too small: this needs 75 columns and 17";
     }));
     EXPECT_FALSE(shows(child.screen(), "PSM-OM"));
     child.resize(30, 100);
@@ -253,15 +296,20 @@ TEST_F(Watch, RefusesATerminalThatIsTooLarge) {
                               "1000 or less each way, or print the table once with ocpsm device show\r\n");
 }
 
-TEST_F(Watch, RefusesATerminalOfUnknownType) {
-    TerminalChild child(command(), "no-such-terminal");
-    const termios before = child.settings();
-    const int status = child.wait_for_end();
-    EXPECT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 2);
-    EXPECT_EQ(child.output(), "ocpsm: error: the terminal type no-such-terminal cannot be used; set TERM to its type, "
-                              "e.g. xterm, or print the table once with ocpsm device show\r\n");
-    expect_untouched(child, before);
+TEST_F(Watch, RefusesATerminalWithoutAScreenOrOfUnknownType) {
+    for (const auto &[type, reason] :
+         {std::pair("no-such-terminal", "the terminal type no-such-terminal cannot be used"),
+          std::pair("dumb", "this needs a terminal with a screen, and the type dumb has none")}) {
+        TerminalChild child(command(), type);
+        const termios before = child.settings();
+        const int status = child.wait_for_end();
+        EXPECT_TRUE(WIFEXITED(status));
+        EXPECT_EQ(WEXITSTATUS(status), 2);
+        EXPECT_EQ(child.output(), std::string("ocpsm: error: ") + reason +
+                                      "; set TERM to its type, e.g. xterm, or print the table once with ocpsm device "
+                                      "show\r\n");
+        expect_untouched(child, before);
+    }
 }
 
 } // namespace
