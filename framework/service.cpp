@@ -50,6 +50,10 @@ std::vector<DeviceOperation> DeviceRequest::operations() const {
     return operations;
 }
 
+std::vector<Change> changes_between(const Answer &before, const Answer &after) {
+    return framework::changes_between(framework::tree_of(before), framework::tree_of(after));
+}
+
 std::string DeviceRequest::print(Format format) const {
     return format == Format::json ? request_->to_json() : request_->to_xml();
 }

@@ -139,6 +139,9 @@ struct Change {
     bool operator==(const Change &) const = default;
 };
 
+// What whoever reads twice finds changed, in document order.
+std::vector<Change> changes_between(const Answer &before, const Answer &after);
+
 struct DeviceOperation {
     Operation operation = Operation::merge; // merge of a list entry makes it; in a read always merge
     std::string path;                       // native instance path, each step by its name without prefix

@@ -173,6 +173,27 @@ bool is_xml_text(std::string_view text) {
     return true;
 }
 
+void append_xml(std::string &out, std::string_view text) {
+    for (const char byte : text) {
+        switch (byte) {
+        case '&':
+            out += "&amp;";
+            break;
+        case '<':
+            out += "&lt;";
+            break;
+        case '>':
+            out += "&gt;";
+            break;
+        case '\r': // unescaped, a parser would read it as a line feed
+            out += "&#13;";
+            break;
+        default:
+            out += byte;
+        }
+    }
+}
+
 std::string FirstTexts::in_a_row() const {
     std::string text;
     for (const std::string &kept : kept_) {

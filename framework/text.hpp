@@ -34,6 +34,9 @@ std::string xpath_literal(std::string_view text);
 // A predicate of an instance path, [key='value'].
 std::string key_predicate(std::string_view key, std::string_view value);
 
+// Appends a text as XML has it between tags.
+void append_xml(std::string &out, std::string_view text);
+
 // Whether a text is UTF-8, and whether it also holds nothing but characters of XML 1.0.
 bool is_utf8(std::string_view text);
 bool is_xml_text(std::string_view text);

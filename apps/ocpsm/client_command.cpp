@@ -1,11 +1,17 @@
 // What a management client does with a line system: reads and edits in OpenConfig.
+#include <poll.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <iostream>
 #include <iterator>
 
 #include "commands.hpp"
 #include "framework/text.hpp"
+#include "leaf_table.hpp"
 #include "line_system_service.hpp"
+#include "result_document.hpp"
+#include "simulator/line_system.hpp"
 
 namespace ocpsm {
 namespace {
@@ -17,11 +23,79 @@ std::string shown(const std::optional<std::string> &value) {
     return value->empty() ? "\"\"" : on_one_line(*value);
 }
 
-void print_native(const DeviceRequest &native, std::optional<Format> format, std::ostream &output) {
-    if (format) {
-        output << native.print(*format);
-        return;
+std::string in_words(const Change &change) {
+    return on_one_line(change.path) + ": " + shown(change.before) + " -> " + shown(change.after);
+}
+
+// ---- reads ----
+
+void warn_of_nothing(const ReadResult &result, std::ostream &errors) {
+    if (result.answer.empty() && result.warnings.empty()) {
+        print_warning(errors, "the line system has nothing of what is selected");
     }
+}
+
+// False when nobody reads any more what is printed; a file is always there.
+bool wait_for_a_step() {
+    struct pollfd reader {
+        STDOUT_FILENO, 0, 0
+    };
+    return poll(&reader, 1, SimulatedLineSystem::step) <= 0;
+}
+
+// Prints what a read has, and what of it changes.
+class Follow {
+public:
+    Follow(const Service &service, const RequestOptions &options, std::ostream &output, std::ostream &errors)
+        : service_(service), options_(options), output_(output), errors_(errors) {}
+
+    int run(const Selection &selection) {
+        for (bool first = true; first || wait_for_a_step(); first = false) {
+            const ReadResult result = service_.read(selection, *options_.kind, options_.request);
+            print_log(result, errors_);
+            if (first || result.warnings != warnings_) {
+                print_warnings(result, errors_);
+            }
+            if (result.error) {
+                return print_error(errors_, *result.error);
+            }
+            if (first) {
+                warn_of_nothing(result, errors_);
+                print(result.answer.leaves());
+            } else {
+                print(changes_between(before_, result.answer));
+            }
+            if (!output_.flush()) {
+                break;
+            }
+            before_ = result.answer;
+            warnings_ = result.warnings;
+        }
+        return exit_done;
+    }
+
+private:
+    static std::string words(const Leaf &leaf) { return on_one_line(leaf.path) + ": " + shown(leaf.value) + "\n"; }
+    static std::string words(const Change &change) { return in_words(change) + "\n"; }
+
+    template <class Line>
+    void print(const std::vector<Line> &lines) {
+        for (const Line &line : lines) {
+            output_ << (options_.format ? json_line(line) : words(line));
+        }
+    }
+
+    const Service &service_;
+    const RequestOptions &options_;
+    std::ostream &output_;
+    std::ostream &errors_;
+    Answer before_;
+    std::vector<std::string> warnings_;
+};
+
+// ---- edits ----
+
+void print_native(const DeviceRequest &native, std::ostream &output) {
     output << "native operations:\n";
     for (const DeviceOperation &operation : native.operations()) {
         output << "  " << operation_name(operation.operation) << " " << on_one_line(operation.path);
@@ -34,26 +108,34 @@ void print_native(const DeviceRequest &native, std::optional<Format> format, std
 
 void print_changes(const std::vector<Change> &changes, std::string_view indent, std::ostream &output) {
     for (const Change &change : changes) {
-        output << indent << on_one_line(change.path) << ": " << shown(change.before) << " -> " << shown(change.after)
-               << '\n';
+        output << indent << in_words(change) << '\n';
     }
     if (changes.empty()) {
         output << indent << "nothing changes\n";
     }
 }
 
+int exit_code(const RequestOptions &options, const EditResult &result) {
+    return options.request.dry_run || result.changes.empty() ? exit_done : exit_changed;
+}
+
 int run_edit(const RequestOptions &options, const Edit &edit, std::ostream &output, std::ostream &errors) {
     const EditResult result = open_service(options).edit(edit, options.request);
+    if (options.format && !result.error) {
+        print_log(result, errors);
+        output << document(result, *options.format);
+        return exit_code(options, result);
+    }
     print_messages(result, errors);
     if (result.error) {
         return print_error(errors, *result.error);
     }
     if (options.request.dry_run) {
-        print_native(result.native, options.format, output);
+        print_native(result.native, output);
         output << "OpenConfig changes:\n";
     }
     print_changes(result.changes, options.request.dry_run ? "  " : "", output);
-    return options.request.dry_run || result.changes.empty() ? exit_done : exit_changed;
+    return exit_code(options, result);
 }
 
 // Where the path of PATH=VALUE ends: at the first = that is in no predicate.
@@ -97,15 +179,22 @@ int get_command(const RequestOptions &options, std::ostream &output, std::ostrea
         format = format_of(filter.text);
         selection = std::move(filter);
     }
-    const ReadResult result = open_service(options).read(selection, *options.kind, options.request);
+    const Service service = open_service(options);
+    if (options.follow) {
+        return Follow(service, options, output, errors).run(selection);
+    }
+    const ReadResult result = service.read(selection, *options.kind, options.request);
     print_messages(result, errors);
     if (result.error) {
         return print_error(errors, *result.error);
     }
-    if (result.answer.empty() && result.warnings.empty()) {
-        print_warning(errors, "the line system has nothing of what is selected");
+    warn_of_nothing(result, errors);
+    if (options.table) {
+        output << leaf_table(result.answer.leaves());
+        return exit_done;
     }
-    output << result.answer.print(options.format.value_or(format));
+    format = options.format.value_or(format);
+    output << (result.answer.empty() && format == Format::xml ? "<data/>\n" : result.answer.print(format));
     return exit_done;
 }
 

@@ -24,7 +24,11 @@ struct ClientLine {
         RequestOptions finished = options;
         finished.state = state_directory(state, process_environment);
         finished.plugin = program.plugin_file();
-        finished.format = format_named(format);
+        finished.table = format == "table";
+        finished.format = finished.table ? std::nullopt : format_named(format);
+        if (finished.follow && (finished.table || finished.format == Format::xml)) {
+            throw CLI::ValidationError("--follow", "prints lines, in words or with --format json");
+        }
         finished.kind = configuration_only ? Kind::get_config : Kind::get;
         return finished;
     }
@@ -50,7 +54,7 @@ CLI::App &add_client_command(CLI::App &app, Program &program, const std::string 
 void add_dry_run(CLI::App &command, ClientLine &line) {
     command.add_flag("--dry-run", line.options.request.dry_run,
                      "Print the native operations and what they change, and change nothing");
-    add_format_option(command, line.format, "Print the native request of a dry run whole, in json or xml");
+    add_format_option(command, line.format, "Print native requests, changes and warnings as one document");
 }
 
 } // namespace
@@ -67,7 +71,11 @@ void add_client_commands(CLI::App &app, Program &program) {
     get.add_option("--filter", options.file, "Read what a subtree filter in a file selects; - for standard input")
         ->type_name("FILE")
         ->excludes(paths);
-    add_format_option(get, line->format, "Print json or xml, else json, or as the filter came");
+    get.add_option("--format", line->format, "Print json, xml or a table, else json, or as the filter came")
+        ->type_name("json|xml|table")
+        ->check(one_of({"json", "xml", "table"}));
+    get.add_flag("--follow", options.follow,
+                 "Print each leaf in a line, then each change, until stopped; with --format json an object a line");
 
     CLI::App &edit =
         add_client_command(app, program, "edit", "Carry out an edit, whole or not at all", line, edit_command);

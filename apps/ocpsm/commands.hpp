@@ -20,8 +20,11 @@ struct RequestOptions {
     EditOptions request;                        // what goes with the request; the dry run of an edit
     std::optional<std::filesystem::path> state; // the directory of a line system; none: the built-in example
     std::filesystem::path plugin;
-    std::optional<Format> format; // of the output; absent: as the request came
+    std::optional<Format> format; // of the output; absent: as the request came, with what else there is in words
     std::optional<Kind> kind;     // absent: what the text says
+
+    bool table = false;  // of get: print a table
+    bool follow = false; // of get: go on with what changes
 
     std::vector<std::string> paths; // of get: what to read, none: everything; of delete: what to take away
     std::string setting;            // of set: PATH, with VALUE as all of `more`; or PATH=VALUE, with others of these
@@ -30,15 +33,18 @@ struct RequestOptions {
     bool if_there = false;          // of delete: what is not there is no error
 };
 
-// Prints the answer to a read, in JSON unless a format is named or the filter is XML.
+// Prints the answer to a read, in JSON unless a format is named or the filter is XML. One that follows prints each leaf
+// in a line, then each change, until it is ended or nobody reads any more.
 int get_command(const RequestOptions &options, std::ostream &output, std::ostream &errors);
 
-// Each carries an edit out, whole or not at all, and prints what has changed.
+// Each carries an edit out, whole or not at all, and prints what has changed: in words, or as a document where a format
+// is named.
 int edit_command(const RequestOptions &options, std::ostream &output, std::ostream &errors);
 int set_command(const RequestOptions &options, std::ostream &output, std::ostream &errors);
 int delete_command(const RequestOptions &options, std::ostream &output, std::ostream &errors);
 
-// Prints the native requests that an OpenConfig request becomes, and the result.
+// Prints the native requests that an OpenConfig request becomes, and the result: one after the other, or as a document
+// where a format is named.
 int translate_command(const RequestOptions &options, std::ostream &output, std::ostream &errors);
 
 // Prints a line per native node that the plug-in adds, in order.

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <memory>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -25,11 +26,29 @@ constexpr char description[] =
     "Thresholds and powers are in dBm; hysteresis, relative thresholds, offsets and attenuations in dB, with two\n"
     "decimal places; times in milliseconds. Native values are integers in tenths (x10) or hundredths (x100) of these.";
 
+// The help of all subcommands has those of a subcommand whole too.
+class HelpFormatter : public CLI::Formatter {
+public:
+    std::string make_expanded(const CLI::App *command) const override {
+        const bool nested = command->get_parent()->get_parent() != nullptr;
+        const std::vector<const CLI::App *> below = command->get_subcommands([](const CLI::App *) { return true; });
+        if (below.empty()) {
+            return (nested ? command->get_parent()->get_name() + " " : "") + CLI::Formatter::make_expanded(command);
+        }
+        std::string text = command->get_name() + "\n  " + command->get_description() + "\n";
+        for (const CLI::App *subcommand : below) {
+            text += "\n" + make_expanded(subcommand);
+        }
+        return text;
+    }
+};
+
 struct CommandLine {
     Program program;
     CLI::App app{description, "ocpsm"};
 
     CommandLine() {
+        app.formatter(std::make_shared<HelpFormatter>());
         app.require_subcommand(1);
         app.set_help_all_flag("--help-all", "Print the help of every subcommand and exit");
         app.footer("Exit codes: 0 done, 1 refused (nothing has changed), 2 bad usage or unreadable input, 3 changed "

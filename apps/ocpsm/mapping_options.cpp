@@ -57,7 +57,7 @@ void add_translate(CLI::App &app, Program &program) {
     CLI::App *command = app.add_subcommand("translate", "Print the native requests that an OpenConfig request becomes");
     const auto line = std::make_shared<RequestLine>();
     add_request_options(*command, *line);
-    command->add_option("--format", line->format, "Print native requests as xml or json, else as the request came")
+    command->add_option("--format", line->format, "Print native requests, result and warnings as one document")
         ->type_name("xml|json")
         ->check(one_of({"xml", "json"}));
     command->callback([line, &program] {

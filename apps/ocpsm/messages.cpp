@@ -34,15 +34,23 @@ void print_warning(std::ostream &errors, std::string_view text) {
     errors << "ocpsm: warning: " << on_one_line(text) << '\n';
 }
 
-void print_messages(const Outcome &outcome, std::ostream &errors) {
+void print_log(const Outcome &outcome, std::ostream &errors) {
     for (const auto *lines : {&outcome.log, &outcome.trace}) {
         for (const std::string &line : *lines) {
             errors << on_one_line(line) << '\n';
         }
     }
+}
+
+void print_warnings(const Outcome &outcome, std::ostream &errors) {
     for (const std::string &warning : outcome.warnings) {
         print_warning(errors, warning);
     }
+}
+
+void print_messages(const Outcome &outcome, std::ostream &errors) {
+    print_log(outcome, errors);
+    print_warnings(outcome, errors);
 }
 
 } // namespace ocpsm

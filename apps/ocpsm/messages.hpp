@@ -31,6 +31,10 @@ std::string on_one_line(std::string_view text);
 // for, then the warnings.
 void print_messages(const Outcome &outcome, std::ostream &errors);
 
+// The lines, and the warnings.
+void print_log(const Outcome &outcome, std::ostream &errors);
+void print_warnings(const Outcome &outcome, std::ostream &errors);
+
 } // namespace ocpsm
 
 #endif

@@ -6,6 +6,7 @@
 #include "framework/mapping/request_table.hpp"
 #include "framework/models/models.hpp"
 #include "line_system_service.hpp"
+#include "result_document.hpp"
 #include "table_words.hpp"
 
 namespace ocpsm {
@@ -13,7 +14,7 @@ namespace {
 
 struct Run {
     Kind kind;
-    Format format; // of the output
+    Format format; // of the request, or the one that is named
     TranslateResult result;
 };
 
@@ -40,16 +41,18 @@ Run run(const RequestOptions &options, bool traced, std::ostream &errors) {
     if (!options.request.trace) {
         result.trace.clear();
     }
-    print_messages(result, errors);
     return {kind, options.format.value_or(format_of(request.text)), std::move(result)};
 }
 
-// The last lines: the result, and why it was refused. The two streams may be the same terminal, and the error is to be
-// the last line there.
-int print_result(const TranslateResult &result, std::ostream &output, std::ostream &errors) {
-    output << "result: " << result.result << '\n';
+// Why it was refused. The two streams may be the same terminal, and the error is to be the last line there.
+int error_code(const TranslateResult &result, std::ostream &output, std::ostream &errors) {
     output.flush();
     return result.error ? print_error(errors, *result.error) : exit_done;
+}
+
+int print_result(const TranslateResult &result, std::ostream &output, std::ostream &errors) {
+    output << "result: " << result.result << '\n';
+    return error_code(result, output, errors);
 }
 
 constexpr std::string_view walker_prefix = "ymap_o2n_oc_opt_psm_openconfigtransportlineprotection_";
@@ -114,6 +117,12 @@ void print_add(std::ostream &output, const Addition &add, Kind kind) {
 
 int translate_command(const RequestOptions &options, std::ostream &output, std::ostream &errors) {
     const Run made = run(options, false, errors);
+    print_log(made.result, errors);
+    if (options.format) {
+        output << document(made.result, made.format);
+        return error_code(made.result, output, errors);
+    }
+    print_warnings(made.result, errors);
     // A refused request changes nothing, so what had been added to it by then says nothing either.
     if (!made.result.error) {
         for (const DeviceRequest &request : made.result.requests) {
@@ -125,6 +134,7 @@ int translate_command(const RequestOptions &options, std::ostream &output, std::
 
 int explain_command(const RequestOptions &options, std::ostream &output, std::ostream &errors) {
     const Run made = run(options, true, errors);
+    print_messages(made.result, errors);
     for (const Addition &add : made.result.additions) {
         print_add(output, add, made.kind);
     }

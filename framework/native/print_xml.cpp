@@ -10,27 +10,6 @@
 namespace ocpsm::native {
 namespace {
 
-void append_text(std::string &out, std::string_view text) {
-    for (const char byte : text) {
-        switch (byte) {
-        case '&':
-            out += "&amp;";
-            break;
-        case '<':
-            out += "&lt;";
-            break;
-        case '>':
-            out += "&gt;";
-            break;
-        case '\r': // unescaped, a parser would read it as a line feed
-            out += "&#13;";
-            break;
-        default:
-            out += byte;
-        }
-    }
-}
-
 class Printer {
 public:
     explicit Printer(std::string &out) : out_(out) {}
@@ -62,7 +41,7 @@ void Printer::leaf(const NativeNode &node) {
         return;
     }
     out_.append(">");
-    append_text(out_, *node.value);
+    append_xml(out_, *node.value);
     out_.append("</").append(node.schema->name).append(">\n");
 }
 
