@@ -3,6 +3,7 @@
 #include <libyang/libyang.h>
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 
 #include "framework/models/models.hpp"
@@ -76,9 +77,7 @@ public:
         }
         std::size_t name_width = 0;
         std::vector<std::size_t> widths;
-        for (std::size_t column = 0; column < modules_.size(); ++column) {
-            widths.push_back(width(modules_[column]));
-        }
+        std::transform(modules_.begin(), modules_.end(), std::back_inserter(widths), width);
         for_each_row([&](const Row &row) {
             name_width = std::max(name_width, gap + row.path.size());
             for (const auto &[column, value] : row.values) {

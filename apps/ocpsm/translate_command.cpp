@@ -35,7 +35,7 @@ Run run(const RequestOptions &options, bool traced, std::ostream &errors) {
     const Text request{read_request(options.file, std::cin)};
     const Kind kind = kind_of_request(options, request);
     const Service service = open_service_to_translate(options, errors);
-    Options with = options.request;
+    Options with = static_cast<const Options &>(options.request);
     with.trace = with.trace || traced;
     TranslateResult result = service.translate(request, kind, with);
     if (!options.request.trace) {

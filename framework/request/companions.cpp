@@ -23,7 +23,7 @@ std::vector<std::string> refused_leaves() {
 }
 
 std::string_view common_node(std::string_view one, std::string_view other) {
-    const auto end = std::mismatch(one.begin(), one.end(), other.begin(), other.end()).first;
+    const auto *const end = std::mismatch(one.begin(), one.end(), other.begin(), other.end()).first;
     return one.substr(0, one.substr(0, static_cast<std::size_t>(end - one.begin())).rfind('/'));
 }
 

@@ -37,8 +37,8 @@ bool is_netconf(const RequestNode &node) {
 }
 
 const Wrapper *wrapper_of(const RequestNode &node) {
-    const auto found = std::find_if(std::begin(wrappers), std::end(wrappers),
-                                    [&node](const Wrapper &each) { return each.tag == node.tag; });
+    const auto *const found = std::find_if(std::begin(wrappers), std::end(wrappers),
+                                           [&node](const Wrapper &each) { return each.tag == node.tag; });
     return is_netconf(node) && found != std::end(wrappers) ? found : nullptr;
 }
 

@@ -97,6 +97,7 @@ public:
     void settle_below(std::vector<RequestNode> &nodes, const Place *above, const lyd_node *first) const {
         // A node stays where it is until all are settled: refusals show the keys of the entry around them.
         std::vector<bool> stays;
+        stays.reserve(nodes.size());
         for (RequestNode &node : nodes) {
             stays.push_back(settle(node, above, first));
         }

@@ -60,24 +60,26 @@ void settle(std::vector<Metadata> all, std::vector<RequestNode> &siblings) {
     }
 }
 
-// The parser's own does not look whether there is memory.
+// The parser's own does not look whether there is memory. What it hands out is owned by the parser.
+// NOLINTBEGIN(cppcoreguidelines-no-malloc, cppcoreguidelines-owning-memory)
 struct Allocator {
     static constexpr bool kNeedFree = true;
 
     void *Malloc(std::size_t size) { return Realloc(nullptr, 0, size); }
     void *Realloc(void *memory, std::size_t, std::size_t size) {
         if (size == 0) {
-            std::free(memory); // NOLINT(cppcoreguidelines-no-malloc)
+            std::free(memory);
             return nullptr;
         }
-        void *grown = std::realloc(memory, size); // NOLINT(cppcoreguidelines-no-malloc)
+        void *grown = std::realloc(memory, size);
         if (grown == nullptr) {
             throw std::bad_alloc();
         }
         return grown;
     }
-    static void Free(void *memory) { std::free(memory); } // NOLINT(cppcoreguidelines-no-malloc)
+    static void Free(void *memory) { std::free(memory); }
 };
+// NOLINTEND(cppcoreguidelines-no-malloc, cppcoreguidelines-owning-memory)
 
 // Takes what the parser finds; its functions bear the names that the parser calls, and always want more.
 class JsonReader : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, JsonReader> {

@@ -36,6 +36,7 @@ public:
     std::vector<Step> steps() const {
         std::vector<Step> steps;
         std::vector<PathStep> read_steps = parse_instance_path(path_);
+        steps.reserve(read_steps.size());
         for (PathStep &read : read_steps) {
             steps.push_back(step(read, steps.empty() ? nullptr : steps.back().schema));
         }

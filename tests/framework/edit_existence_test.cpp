@@ -4,8 +4,6 @@
 
 namespace {
 
-using ocpsm::EditResult;
-using ocpsm::line_system::LineSystem;
 using ocpsm::line_system::slot;
 using testing::ElementsAre;
 using testing::IsEmpty;

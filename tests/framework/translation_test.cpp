@@ -9,7 +9,6 @@
 namespace {
 
 using ocpsm::Kind;
-using ocpsm::Options;
 using ocpsm::framework::AddRecord;
 using ocpsm::framework::name_of;
 using ocpsm::framework::Translation;
