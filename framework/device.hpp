@@ -3,10 +3,13 @@
 #ifndef OCPSM_FRAMEWORK_DEVICE_HPP
 #define OCPSM_FRAMEWORK_DEVICE_HPP
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "framework/journal.hpp"
 #include "framework/native/native_data.hpp"
 #include "framework/native/net_request.hpp"
 
@@ -28,6 +31,10 @@ public:
     // path of the node that is refused. A transaction that reads only takes none (std::logic_error).
     virtual std::vector<std::string> apply(const native::NetRequest &edit) = 0;
 
+    // Says who asked for what was applied, and what has become of it, for the journal: before it is committed, and
+    // once. What has changed nothing is not entered.
+    virtual void record(const std::string &user, const std::vector<Change> &changes) = 0;
+
     // Makes what was applied last and ends the transaction; without it nothing has happened.
     virtual void commit() = 0;
 };
@@ -45,6 +52,10 @@ public:
 
     // One at a time: others wait for its end, in this and any other process.
     virtual std::unique_ptr<DeviceTransaction> write() = 0;
+
+    // See Service::journal and Service::last_sequence.
+    virtual std::vector<JournalEntry> journal(std::uint64_t after, std::size_t most) = 0;
+    virtual std::uint64_t last_sequence() = 0;
 };
 
 } // namespace ocpsm

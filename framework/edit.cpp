@@ -153,10 +153,8 @@ EditResult carry_out(const Plugin &plugin, Tree tops, DeviceTransaction &device,
         }
         result.native = DeviceRequest(
             std::make_shared<native::NetRequest>(apply_all(root, translation.handed_over, device, result.warnings)));
-        if (options.report_changes) {
-            const Answer after = configuration(plugin, device, modules);
-            result.changes = changes_between(tree_of(before), tree_of(after));
-        }
+        const Answer after = configuration(plugin, device, modules);
+        result.changes = changes_between(tree_of(before), tree_of(after));
     } catch (const Error &error) {
         result.error = error;
     }

@@ -124,13 +124,19 @@ EditResult Service::edit(const Edit &edit, const EditOptions &options) const {
     Tree tops = framework::typed(edit, options);
     const auto transaction = parts_->required_device().write();
     EditResult result = framework::carry_out(parts_->plugin, std::move(tops), *transaction, options);
-    if (!result.error && !options.dry_run) {
-        try {
-            transaction->commit();
-        } catch (const Error &error) {
-            result.error = error;
-            result.changes.clear();
+    try {
+        if (!result.error && options.check) {
+            options.check(result.changes);
         }
+        if (!result.error && !options.dry_run) {
+            transaction->record(options.user, result.changes);
+            transaction->commit();
+        }
+    } catch (const Error &error) {
+        result.error = error;
+    }
+    if (result.error || !options.report_changes) {
+        result.changes.clear();
     }
     return result;
 }
@@ -163,6 +169,14 @@ TranslateResult Service::translate(const Text &request, Kind kind, const Options
     }
     framework::take_messages(result, translation);
     return result;
+}
+
+std::vector<JournalEntry> Service::journal(std::uint64_t after, std::size_t most) const {
+    return parts_->required_device().journal(after, most);
+}
+
+std::uint64_t Service::last_sequence() const {
+    return parts_->required_device().last_sequence();
 }
 
 std::optional<Kind> Service::kind_of(const Text &request) noexcept {

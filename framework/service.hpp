@@ -10,6 +10,7 @@
 #ifndef OCPSM_FRAMEWORK_SERVICE_HPP
 #define OCPSM_FRAMEWORK_SERVICE_HPP
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -21,6 +22,7 @@
 #include <vector>
 
 #include "framework/error.hpp"
+#include "framework/journal.hpp"
 #include "framework/kind.hpp"
 #include "framework/operation.hpp"
 #include "framework/request_tree.hpp"
@@ -127,16 +129,11 @@ enum class DefaultOperation {
 struct EditOptions : Options {
     DefaultOperation default_operation = DefaultOperation::merge;
     bool dry_run = false;       // do everything but the last step: the device stays as it is
-    bool report_changes = true; // read the configuration before and after, and say what has changed
-};
+    bool report_changes = true; // say what has changed
+    std::string user = {};      // who asks, for the journal: the door, and the user or peer there
 
-// A leaf that an edit has changed; a leaf that was or is not there has no value.
-struct Change {
-    std::string path; // OpenConfig instance path
-    std::optional<std::string> before;
-    std::optional<std::string> after;
-
-    bool operator==(const Change &) const = default;
+    // Looks at what is to change before it is made to last; what it throws refuses the edit. None: everything may.
+    std::function<void(const std::vector<Change> &changes)> check = {};
 };
 
 // What whoever reads twice finds changed, in document order.
@@ -217,6 +214,13 @@ public:
 
     // What a request becomes, without doing it.
     TranslateResult translate(const Text &request, Kind kind, const Options &options = {}) const;
+
+    // What has happened to the device: the entries behind the one with the sequence number `after`, oldest first, at
+    // most `most`. Of an `after` that has been dropped already, the oldest there are.
+    std::vector<JournalEntry> journal(std::uint64_t after, std::size_t most) const;
+
+    // The sequence number of the youngest entry, 0 while there is none.
+    std::uint64_t last_sequence() const;
 
     // What a text itself says about its kind: nothing where it may be any.
     static std::optional<Kind> kind_of(const Text &request) noexcept;

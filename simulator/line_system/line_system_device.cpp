@@ -1,12 +1,20 @@
 #include "simulator/line_system/line_system_device.hpp"
 
+#include <chrono>
 #include <stdexcept>
 
+#include "framework/text.hpp"
+#include "simulator/line_system/journal.hpp"
 #include "simulator/line_system/native_side.hpp"
 #include "simulator/line_system/risks.hpp"
 #include "simulator/line_system/storage.hpp"
 
 namespace ocpsm::line_system {
+
+std::int64_t time_of_day() {
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
+}
 
 native::NativeData LineSystemDevice::answer(const native::NetRequest &read) {
     return native::answer(native_data(system()), read);
@@ -31,6 +39,19 @@ const LineSystem &LineSystemDevice::system() {
     return *system_;
 }
 
+void LineSystemDevice::record(const std::string &user, const std::vector<Change> &changes) {
+    if (transaction_ == nullptr) {
+        throw std::logic_error("what is recorded needs a write transaction");
+    }
+    if (!changes.empty()) {
+        append(*transaction_, {.time = now_(),
+                               .clock = system().clock,
+                               .kind = JournalKind::configured,
+                               .user = user.size() > max_user_size ? one_line(user, max_user_size) : user,
+                               .changes = changes});
+    }
+}
+
 void LineSystemDevice::commit() {
     if (transaction_ == nullptr) {
         throw std::logic_error("only a write transaction is committed");
@@ -38,10 +59,15 @@ void LineSystemDevice::commit() {
     transaction_->commit();
 }
 
-LineSystem change(sysdb::Store &store, const std::function<LineSystem(const LineSystem &)> &how) {
+LineSystem change(sysdb::Store &store, const LineSystemChange &how, TimeOfDay now) {
     const auto transaction = store.write();
-    LineSystem after = how(load(*transaction));
+    Events events;
+    LineSystem after = how(load(*transaction), events);
     save(*transaction, after);
+    for (JournalEntry &event : events) {
+        event.time = now();
+        append(*transaction, event);
+    }
     transaction->commit();
     return after;
 }

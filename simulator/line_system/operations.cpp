@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "framework/error.hpp"
+#include "simulator/line_system.hpp"
 #include "simulator/line_system/controllers.hpp"
 
 namespace ocpsm::line_system {
@@ -31,9 +33,53 @@ Slot &fitted_slot(LineSystem &system, int number) {
     return found;
 }
 
+// ---- what has happened ----
+
+JournalEntry event(JournalKind kind, const LineSystem &system, int number) {
+    return {.clock = system.clock, .kind = kind, .module = module_name(number)};
+}
+
+void add(Events *events, JournalEntry &&entry) {
+    if (events != nullptr) {
+        events->push_back(std::move(entry));
+    }
+}
+
+std::string active_path(Path path) {
+    return path == Path::primary ? "PRIMARY" : "SECONDARY";
+}
+
+void add_switched(Events *events, const LineSystem &system, int number, Path to, const std::string &reason) {
+    JournalEntry entry = event(JournalKind::switched, system, number);
+    entry.before = active_path(to == Path::primary ? Path::secondary : Path::primary);
+    entry.after = active_path(to);
+    entry.reason = reason;
+    add(events, std::move(entry));
+}
+
+// ---- fibres ----
+
+JournalEntry fibre_event(JournalKind kind, const LineSystem &system, int number, Path line) {
+    JournalEntry entry = event(kind, system, number);
+    entry.line = line_names.at(line_of(line));
+    return entry;
+}
+
 Fibre &fibre_of(LineSystem &system, int number, Path line) {
     return fitted_slot(system, number).cabling.fibres.at(line_of(line));
 }
+
+LineSystem with_fibre(const LineSystem &system, int number, Path line, bool is_cut, Events *events) {
+    LineSystem after = system;
+    bool &cut = fibre_of(after, number, line).cut;
+    if (cut != is_cut) {
+        add(events, fibre_event(is_cut ? JournalKind::cut : JournalKind::spliced, system, number, line));
+    }
+    cut = is_cut;
+    return after;
+}
+
+// ---- time ----
 
 void take_sample(Samples &samples, int value) {
     samples.minimum = samples.count == 0 ? value : std::min(samples.minimum, value);
@@ -73,29 +119,37 @@ void end_interval(LineSystem &system, std::uint64_t end) {
 }
 
 // The switch sees the same light as the sample; what it changes shows in the next one.
-void end_step(Slot &slot, std::uint64_t now) {
-    if (!slot.module) {
+void end_step(LineSystem &system, int number, Events *events) {
+    Slot &ending = slot(system, number);
+    if (!ending.module) {
         return;
     }
-    const std::array<Power, port_count> seen = powers(slot);
+    const std::array<Power, port_count> seen = powers(ending);
     for (std::size_t port = 0; port < port_count; ++port) {
-        PortHistory &history = slot.module->histories.at(port);
+        PortHistory &history = ending.module->histories.at(port);
         take_sample(history.received.running, seen.at(port).received);
         take_sample(history.transmitted.running, seen.at(port).transmitted);
     }
-    SwitchState &protection = slot.module->protection;
-    protection = evaluate(protection, switch_settings(slot), {seen[1].received, seen[2].received}, now);
+    SwitchState &protection = ending.module->protection;
+    const SwitchSettings settings = switch_settings(ending);
+    const LineLight light{seen[1].received, seen[2].received};
+    const Decision decision = evaluate(protection, settings, light, system.clock);
+    protection = decision.state;
+    if (decision.reason) {
+        const Path to = protection.active;
+        add_switched(events, system, number, to, in_words(*decision.reason, to, settings, light));
+    }
 }
 
-void step(LineSystem &system, std::uint64_t length) {
+void step(LineSystem &system, std::uint64_t length, Events *events) {
     const std::uint64_t before = system.clock;
     system.clock += length;
     const std::uint64_t boundary = system.clock - system.clock % history_interval;
     if (before < boundary && boundary < system.clock) {
         end_interval(system, boundary);
     }
-    for (Slot &slot : system.slots) {
-        end_step(slot, system.clock);
+    for (int number = 1; number <= slot_count; ++number) {
+        end_step(system, number, events);
     }
     if (boundary == system.clock) {
         end_interval(system, boundary);
@@ -104,7 +158,7 @@ void step(LineSystem &system, std::uint64_t length) {
 
 } // namespace
 
-LineSystem fit(const LineSystem &system, int number) {
+LineSystem fit(const LineSystem &system, int number, Events *events) {
     require_slot(number);
     LineSystem after = system;
     Slot &fitted = slot(after, number);
@@ -122,43 +176,47 @@ LineSystem fit(const LineSystem &system, int number) {
         fitted.module->attenuators.at(line) = {attenuation(settings.rx_attenuation),
                                                attenuation(settings.tx_attenuation)};
     }
+    add(events, event(JournalKind::fitted, system, number));
     return after;
 }
 
-LineSystem pull(const LineSystem &system, int number) {
+LineSystem pull(const LineSystem &system, int number, Events *events) {
     LineSystem after = system;
     fitted_slot(after, number).module.reset();
+    add(events, event(JournalKind::pulled, system, number));
     return after;
 }
 
-LineSystem cut(const LineSystem &system, int number, Path line) {
-    LineSystem after = system;
-    fibre_of(after, number, line).cut = true;
-    return after;
+LineSystem cut(const LineSystem &system, int number, Path line, Events *events) {
+    return with_fibre(system, number, line, true, events);
 }
 
-LineSystem splice(const LineSystem &system, int number, Path line) {
-    LineSystem after = system;
-    fibre_of(after, number, line).cut = false;
-    return after;
+LineSystem splice(const LineSystem &system, int number, Path line, Events *events) {
+    return with_fibre(system, number, line, false, events);
 }
 
-LineSystem light(const LineSystem &system, int number, Path line, int hundredths_of_dbm) {
+LineSystem light(const LineSystem &system, int number, Path line, int hundredths_of_dbm, Events *events) {
     LineSystem after = system;
-    Fibre &fibre = fibre_of(after, number, line);
+    int &light = fibre_of(after, number, line).light;
     if (hundredths_of_dbm < dark || hundredths_of_dbm > brightest) {
         throw Error(Error::Source::input, "invalid-value", "", "no fibre delivers such a light",
                     "name a power from -40.00 to 30.00 dBm");
     }
-    fibre.light = hundredths_of_dbm;
+    if (light != hundredths_of_dbm) {
+        JournalEntry entry = fibre_event(JournalKind::dimmed, system, number, line);
+        entry.before = hundredths(light);
+        entry.after = hundredths(hundredths_of_dbm);
+        add(events, std::move(entry));
+    }
+    light = hundredths_of_dbm;
     return after;
 }
 
-LineSystem tick(const LineSystem &system, std::uint32_t milliseconds) {
+LineSystem tick(const LineSystem &system, std::uint32_t milliseconds, Events *events) {
     LineSystem after = system;
     for (std::uint64_t left = milliseconds; left != 0;) {
         const std::uint64_t length = std::min(left, tick_step);
-        step(after, length);
+        step(after, length, events);
         left -= length;
     }
     return after;

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 namespace ocpsm::line_system {
 
@@ -38,12 +39,28 @@ struct SwitchState {
     bool operator==(const SwitchState &) const = default;
 };
 
+enum class SwitchReason {
+    forced,   // the other line is locked out
+    better,   // than the other line, by more than the relative threshold
+    loss,     // of the other line
+    restored, // the primary line has been good for the time to wait
+};
+
+struct Decision {
+    SwitchState state;
+    std::optional<SwitchReason> reason = {}; // of a move; none: the traffic stays where it is
+
+    bool operator==(const Decision &) const = default;
+};
+
 // The line that a relative threshold prefers, be it dark; none: neither.
 std::optional<Path> better_line(const SwitchSettings &settings, const LineLight &light);
 
-// The state at `now`, milliseconds on the line system's own clock, from the state at the evaluation before.
-SwitchState evaluate(const SwitchState &before, const SwitchSettings &settings, const LineLight &light,
-                     std::uint64_t now);
+// What becomes at `now`, milliseconds on the line system's own clock, of the state at the evaluation before.
+Decision evaluate(const SwitchState &before, const SwitchSettings &settings, const LineLight &light, std::uint64_t now);
+
+// Why the traffic has moved to a line, with the numbers that decided.
+std::string in_words(SwitchReason reason, Path to, const SwitchSettings &settings, const LineLight &light);
 
 } // namespace ocpsm::line_system
 

@@ -93,8 +93,8 @@ private:
 
     // Whoever forces the traffic knows that it moves.
     void look_at_traffic() {
-        const Path next = evaluate(protection_, now_, light_, clock_).active;
-        const bool moved_anyway = evaluate(protection_, was_, light_, clock_).active == next;
+        const Path next = evaluate(protection_, now_, light_, clock_).state.active;
+        const bool moved_anyway = evaluate(protection_, was_, light_, clock_).state.active == next;
         if (next != protection_.active && !moved_anyway && now_.lockout == Lockout::none) {
             say("the traffic moves to the " + std::string(line_name(next)) + " line at once");
         }

@@ -7,6 +7,7 @@
 #include "framework/error.hpp"
 #include "simulator/database/client_library.hpp"
 #include "simulator/line_system.hpp"
+#include "simulator/line_system/journal.hpp"
 #include "simulator/line_system/line_system_device.hpp"
 #include "simulator/line_system/operations.hpp"
 #include "simulator/line_system/storage.hpp"
@@ -15,6 +16,7 @@
 
 namespace ocpsm {
 
+using line_system::Events;
 using line_system::LineSystem;
 
 static_assert(SimulatedLineSystem::step == line_system::tick_step);
@@ -90,6 +92,11 @@ public:
         return std::make_unique<OwnedTransaction<sysdb::WriteTransaction>>(parts_->store().write());
     }
 
+    std::vector<JournalEntry> journal(std::uint64_t after, std::size_t most) override {
+        return line_system::read_journal(*parts_->store().read(), after, most);
+    }
+    std::uint64_t last_sequence() override { return line_system::last_sequence(*parts_->store().read()); }
+
 private:
     std::shared_ptr<const SimulatedLineSystem::Parts> parts_;
 };
@@ -136,28 +143,36 @@ LineTable SimulatedLineSystem::view() const {
 }
 
 LineTable SimulatedLineSystem::fit(int slot) const {
-    return parts_->change([&](const LineSystem &before) { return line_system::fit(before, slot); });
+    return parts_->change(
+        [=](const LineSystem &before, Events &events) { return line_system::fit(before, slot, &events); });
 }
 
 LineTable SimulatedLineSystem::pull(int slot) const {
-    return parts_->change([&](const LineSystem &before) { return line_system::pull(before, slot); });
+    return parts_->change(
+        [=](const LineSystem &before, Events &events) { return line_system::pull(before, slot, &events); });
 }
 
 LineTable SimulatedLineSystem::cut(int slot, Line line) const {
-    return parts_->change([&](const LineSystem &before) { return line_system::cut(before, slot, path_of(line)); });
+    return parts_->change([=](const LineSystem &before, Events &events) {
+        return line_system::cut(before, slot, path_of(line), &events);
+    });
 }
 
 LineTable SimulatedLineSystem::splice(int slot, Line line) const {
-    return parts_->change([&](const LineSystem &before) { return line_system::splice(before, slot, path_of(line)); });
+    return parts_->change([=](const LineSystem &before, Events &events) {
+        return line_system::splice(before, slot, path_of(line), &events);
+    });
 }
 
 LineTable SimulatedLineSystem::light(int slot, Line line, int hundredths_of_dbm) const {
-    return parts_->change(
-        [&](const LineSystem &before) { return line_system::light(before, slot, path_of(line), hundredths_of_dbm); });
+    return parts_->change([=](const LineSystem &before, Events &events) {
+        return line_system::light(before, slot, path_of(line), hundredths_of_dbm, &events);
+    });
 }
 
 LineTable SimulatedLineSystem::tick(std::uint32_t milliseconds) const {
-    return parts_->change([&](const LineSystem &before) { return line_system::tick(before, milliseconds); });
+    return parts_->change(
+        [=](const LineSystem &before, Events &events) { return line_system::tick(before, milliseconds, &events); });
 }
 
 } // namespace ocpsm

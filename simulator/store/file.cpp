@@ -1,5 +1,6 @@
 #include "simulator/store/file.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -21,7 +22,10 @@ namespace {
 
 constexpr char next_file[] = "line-system.store.new";
 
-constexpr std::array<char, 8> magic{'l', 'i', 'n', 'e', 's', 't', 'o', '1'};
+// The last of them rises where older programs cannot read the file. A file of the first format has the same records,
+// without a journal.
+constexpr std::array<char, 8> magic{'l', 'i', 'n', 'e', 's', 't', 'o', '2'};
+constexpr char first_format = '1';
 
 // Numbers stand in the byte order of the machine. It lies within a sector of any disk, which is written whole or not.
 struct Header {
@@ -44,6 +48,19 @@ std::uint64_t check_of(const Header &header) {
 
 [[noreturn]] void refuse(const std::string &message, const std::string &advice, const char *tag = "operation-failed") {
     throw Error(Error::Source::input, tag, "", message, advice);
+}
+
+// Throws for a file that another version of this program has written; false for none of its files.
+bool is_own(const Header &header) {
+    const char format = header.magic.back();
+    if (!std::equal(magic.begin(), magic.end() - 1, header.magic.begin())) {
+        return false;
+    }
+    if (format != magic.back() && format != first_format) {
+        refuse("the line system was made by another version of this program",
+               "use that version, or create a new line system");
+    }
+    return true;
 }
 
 std::string text_of(int error) {
@@ -173,7 +190,7 @@ std::optional<Position> File::position(const Descriptor &file) const {
     }
     Header header{};
     std::memcpy(&header, bytes->data(), sizeof header);
-    if (header.magic != magic || header.check != check_of(header) || header.length < sizeof header ||
+    if (header.check != check_of(header) || !is_own(header) || header.length < sizeof header ||
         header.length > max_length) {
         return std::nullopt;
     }

@@ -71,23 +71,23 @@ template <class Interface>
 class TablesTransaction : public Interface {
 public:
     std::optional<std::string_view> get(Table table, std::string_view key) const override {
-        const Records &records = tables().table(table);
-        const auto found = records.find(key);
-        return found == records.end() ? std::nullopt : std::optional<std::string_view>(found->second);
+        const std::string *const found = tables().table(table).find(key);
+        return found == nullptr ? std::nullopt : std::optional<std::string_view>(*found);
     }
 
     void for_each(Table table, std::string_view prefix, const ReadTransaction::Visitor &visit) const override {
-        const Records &records = tables().table(table);
-        auto at = records.lower_bound(prefix);
-        while (at != records.end() && at->first.starts_with(prefix) && visit(at->first, at->second)) {
-            ++at;
-        }
+        tables().table(table).for_each(prefix, [&](std::string_view key, std::string_view value) {
+            return key.starts_with(prefix) && visit(key, value);
+        });
     }
 
     std::optional<std::string_view> lower_bound(Table table, std::string_view from) const override {
-        const Records &records = tables().table(table);
-        const auto found = records.lower_bound(from);
-        return found == records.end() ? std::nullopt : std::optional<std::string_view>(found->first);
+        std::optional<std::string_view> found;
+        tables().table(table).for_each(from, [&found](std::string_view key, std::string_view) {
+            found = key;
+            return false;
+        });
+        return found;
     }
 
 protected:
@@ -168,9 +168,8 @@ private:
         std::string changes;
         for (const auto &[table, key] : touched_) {
             const auto value_in = [&, which = table, &name = key](const Tables &state) {
-                const auto found = state.table(which).find(name);
-                return found == state.table(which).end() ? std::nullopt
-                                                         : std::optional<std::string_view>(found->second);
+                const std::string *const found = state.table(which).find(name);
+                return found == nullptr ? std::nullopt : std::optional<std::string_view>(*found);
             };
             const auto value = value_in(tables());
             if (value != value_in(before_.tables)) {

@@ -1,6 +1,8 @@
 #include "simulator/store/records.hpp"
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace ocpsm::sysdb {
 namespace {
@@ -14,7 +16,102 @@ struct ChangeHead {
 };
 static_assert(sizeof(ChangeHead) == 8 && max_key_size <= UINT16_MAX && max_store_size <= UINT32_MAX);
 
+// Of a block that is full, half goes to a new one; at its end the new one begins, for keys that rise.
+constexpr std::size_t block_size = 64;
+
 } // namespace
+
+Records::Records(const Records &other) : blocks_(other.blocks_) {
+    for (Block &block : blocks_) {
+        block.shared = true;
+    }
+}
+
+Records::Place Records::place_of(std::string_view key) const {
+    if (blocks_.empty()) {
+        return {0, 0};
+    }
+    const auto begins_behind = [](std::string_view wanted, const Block &block) {
+        return wanted < block.records->front().key;
+    };
+    const auto behind = std::upper_bound(blocks_.begin(), blocks_.end(), key, begins_behind);
+    const auto block = behind == blocks_.begin() ? behind : std::prev(behind);
+    const std::vector<Record> &records = *block->records;
+    const auto record = std::lower_bound(records.begin(), records.end(), key,
+                                         [](const Record &one, std::string_view wanted) { return one.key < wanted; });
+    return {static_cast<std::size_t>(block - blocks_.begin()), static_cast<std::size_t>(record - records.begin())};
+}
+
+const std::string *Records::find(std::string_view key) const {
+    const Place place = place_of(key);
+    if (place.block == blocks_.size() || place.record == blocks_[place.block].records->size()) {
+        return nullptr;
+    }
+    const Record &record = (*blocks_[place.block].records)[place.record];
+    return record.key == key ? &record.value : nullptr;
+}
+
+void Records::for_each(std::string_view from, const ReadTransaction::Visitor &visit) const {
+    const Place begin = place_of(from);
+    for (std::size_t block = begin.block; block < blocks_.size(); ++block) {
+        const std::vector<Record> &records = *blocks_[block].records;
+        for (std::size_t at = block == begin.block ? begin.record : 0; at < records.size(); ++at) {
+            if (!visit(records[at].key, records[at].value)) {
+                return;
+            }
+        }
+    }
+}
+
+std::vector<Records::Record> &Records::own(std::size_t block) {
+    Block &own = blocks_[block];
+    if (own.shared) {
+        own = {std::make_shared<std::vector<Record>>(*own.records)};
+    }
+    return *own.records;
+}
+
+void Records::put(std::string_view key, std::string_view value) {
+    const Place place = place_of(key);
+    if (find(key) != nullptr) {
+        own(place.block)[place.record].value = value;
+    } else {
+        insert(place, {std::string(key), std::string(value)});
+    }
+}
+
+void Records::insert(const Place &place, Record &&record) {
+    const auto begin_block = [this](std::size_t at, std::vector<Record> &&records) {
+        blocks_.insert(blocks_.begin() + static_cast<std::ptrdiff_t>(at),
+                       {std::make_shared<std::vector<Record>>(std::move(records))});
+    };
+    if (blocks_.empty()) {
+        begin_block(0, {});
+    }
+    const bool is_full = blocks_[place.block].records->size() >= block_size;
+    if (is_full && place.record == block_size) {
+        begin_block(place.block + 1, {});
+        own(place.block + 1).push_back(std::move(record));
+        return;
+    }
+    std::vector<Record> &records = own(place.block);
+    records.insert(records.begin() + static_cast<std::ptrdiff_t>(place.record), std::move(record));
+    if (is_full) {
+        const auto half = records.begin() + block_size / 2;
+        std::vector<Record> rest(std::make_move_iterator(half), std::make_move_iterator(records.end()));
+        records.erase(half, records.end());
+        begin_block(place.block + 1, std::move(rest));
+    }
+}
+
+void Records::erase(std::string_view key) {
+    const Place place = place_of(key);
+    std::vector<Record> &records = own(place.block);
+    records.erase(records.begin() + static_cast<std::ptrdiff_t>(place.record));
+    if (records.empty()) {
+        blocks_.erase(blocks_.begin() + static_cast<std::ptrdiff_t>(place.block));
+    }
+}
 
 Draft::Draft() {
     tables_.tables.fill(std::make_shared<Records>());
@@ -30,21 +127,20 @@ Records &Draft::own(Table which) {
 }
 
 void Draft::put(Table which, std::string_view key, std::string_view value) {
-    Records &records = own(which);
-    const auto [record, is_new] = records.try_emplace(std::string(key));
-    tables_.size += is_new ? key.size() : 0;
-    tables_.size += value.size() - record->second.size();
-    record->second = value;
+    const std::string *const before = tables_.table(which).find(key);
+    tables_.size += value.size();
+    tables_.size -= before == nullptr ? 0 : before->size();
+    tables_.size += before == nullptr ? key.size() : 0;
+    own(which).put(key, value);
 }
 
 bool Draft::erase(Table which, std::string_view key) {
-    if (!tables_.table(which).contains(key)) {
+    const std::string *const before = tables_.table(which).find(key);
+    if (before == nullptr) {
         return false;
     }
-    Records &records = own(which);
-    const auto found = records.find(key);
-    tables_.size -= found->first.size() + found->second.size();
-    records.erase(found);
+    tables_.size -= key.size() + before->size();
+    own(which).erase(key);
     return true;
 }
 
@@ -61,9 +157,10 @@ std::string image_of(const Tables &tables) {
     std::string bytes;
     for (std::size_t index = 0; index < table_count; ++index) {
         const auto table = static_cast<Table>(index);
-        for (const auto &[key, value] : tables.table(table)) {
+        tables.table(table).for_each("", [&](std::string_view key, std::string_view value) {
             append_change(bytes, table, key, value);
-        }
+            return true;
+        });
     }
     return bytes;
 }

@@ -5,19 +5,58 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "simulator/store/store.hpp"
 
 namespace ocpsm::sysdb {
 
-using Records = std::map<std::string, std::string, std::less<>>;
+// An ordered map from keys to values. A copy shares all blocks of records with what it is a copy of; what is changed
+// in it costs it a block, however many there are. What has been copied is not changed any more.
+class Records {
+public:
+    Records() = default;
+    Records(const Records &other);
+    Records &operator=(const Records &) = delete;
+
+    // The value; null: none.
+    const std::string *find(std::string_view key) const;
+
+    // Visits the records from the first whose key is not below `from` on, until the visitor returns false.
+    void for_each(std::string_view from, const ReadTransaction::Visitor &visit) const;
+
+    // In place of the value that there may be.
+    void put(std::string_view key, std::string_view value);
+
+    // The record must be there.
+    void erase(std::string_view key);
+
+private:
+    struct Record {
+        std::string key;
+        std::string value;
+    };
+    struct Block {
+        std::shared_ptr<std::vector<Record>> records; // never none
+        bool shared = false;                          // and not to be changed
+    };
+    struct Place {
+        std::size_t block; // of no blocks 0
+        std::size_t record;
+    };
+
+    // Where the first record stands whose key is not below this one, or behind the last one of a block.
+    Place place_of(std::string_view key) const;
+    std::vector<Record> &own(std::size_t block);
+    void insert(const Place &place, Record &&record);
+
+    std::vector<Block> blocks_;
+};
 
 // One state of all tables; copies share them, and nobody changes them.
 struct Tables {
@@ -27,7 +66,7 @@ struct Tables {
     const Records &table(Table which) const { return *tables.at(static_cast<std::size_t>(which)); }
 };
 
-// A state on its way to the next one. A table is copied when it is changed for the first time.
+// A state on its way to the next one.
 class Draft {
 public:
     Draft(); // from the empty state

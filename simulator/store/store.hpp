@@ -18,9 +18,10 @@ namespace ocpsm::sysdb {
 enum class Table {
     items,       // the system database: full path -> item, see item.hpp
     line_system, // what the line system keeps about itself
+    journal,     // what has happened to it
 };
 
-inline constexpr std::size_t table_count = 2;
+inline constexpr std::size_t table_count = 3;
 inline constexpr std::size_t max_key_size = 511;                     // bytes; a key has at least one
 inline constexpr std::size_t max_store_size = std::size_t{64} << 20; // bytes of all keys and values together
 

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "simulator/database/client_library.hpp"
+#include "simulator/line_system/journal.hpp"
 #include "simulator/line_system/storage.hpp"
 
 namespace circle {
@@ -23,6 +24,15 @@ std::filesystem::path make_directory() {
         }
     }
     throw std::runtime_error("no temporary directory");
+}
+
+std::string without_time(const ocpsm::JournalEntry &entry) {
+    std::string text = std::to_string(entry.clock) + " " + std::string(name_of(entry.kind)) + " " + entry.module + " " +
+                       entry.line + " " + entry.before + " " + entry.after + " " + entry.reason;
+    for (const ocpsm::Change &change : entry.changes) {
+        text += "\n" + change.path + ": " + change.before.value_or("-") + " -> " + change.after.value_or("-");
+    }
+    return text;
 }
 
 } // namespace
@@ -67,11 +77,14 @@ Records records(const std::filesystem::path &directory) {
     Records all;
     const auto opened = simulated::open(sysdb::Client(), directory);
     const auto transaction = opened->write();
-    for (std::size_t table = 0; table < sysdb::table_count; ++table) {
-        transaction->for_each(static_cast<sysdb::Table>(table), "", [&](std::string_view key, std::string_view value) {
-            all[std::to_string(table) + " " + std::string(key)] = value;
+    for (const sysdb::Table table : {sysdb::Table::items, sysdb::Table::line_system}) {
+        transaction->for_each(table, "", [&](std::string_view key, std::string_view value) {
+            all[std::to_string(static_cast<int>(table)) + " " + std::string(key)] = value;
             return true;
         });
+    }
+    for (const ocpsm::JournalEntry &entry : simulated::read_journal(*transaction, 0, simulated::max_journal_entries)) {
+        all["journal " + std::to_string(entry.sequence)] = without_time(entry);
     }
     simulated::load(*transaction);
     return all;

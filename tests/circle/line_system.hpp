@@ -17,7 +17,8 @@ namespace circle {
 
 using ocpsm::Line;
 
-// Everything that a line system's store holds, by table and key.
+// Everything that a line system's store holds, by table and key; of the journal's entries all but the time of day, by
+// which equal courses differ.
 using Records = std::map<std::string, std::string>;
 
 // A directory that is removed at the end; in memory where the machine has such a place, for edits wait for the disk.

@@ -101,6 +101,7 @@ public:
 
     ocpsm::native::NativeData answer(const ocpsm::native::NetRequest & /*read*/) override { return held_; }
     std::vector<std::string> apply(const ocpsm::native::NetRequest & /*edit*/) override { return {}; }
+    void record(const std::string & /*user*/, const std::vector<ocpsm::Change> & /*changes*/) override {}
     void commit() override {}
 
 private:

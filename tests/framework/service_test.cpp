@@ -181,6 +181,84 @@ TEST(Service, TriesWithoutDoingAndDoesWithoutTelling) {
     EXPECT_EQ(system.value(timer), "5");
 }
 
+// "1 user path: before -> after, ..."
+Lines journal_of(const Service &service) {
+    Lines lines;
+    for (const ocpsm::JournalEntry &entry : service.journal(0, 100)) {
+        EXPECT_EQ(entry.kind, ocpsm::JournalKind::configured);
+        std::string text = std::to_string(entry.sequence) + " " + entry.user;
+        for (const ocpsm::Change &change : entry.changes) {
+            text += " " + change.path + ": " + change.before.value_or("-") + " -> " + change.after.value_or("-");
+        }
+        lines.push_back(text);
+    }
+    EXPECT_EQ(service.last_sequence(), lines.size());
+    return lines;
+}
+
+TEST(Service, EntersInTheJournalWhatHasChangedWhetherItIsToldOrNot) {
+    const System system;
+    const auto edit = [&](const std::string &value, const EditOptions &options) {
+        return told(system.service.edit(PathEdits{{timer, Operation::merge, value}}, options));
+    };
+    EXPECT_THAT(journal_of(system.service), IsEmpty());
+    EditOptions options;
+    options.dry_run = true;
+    EXPECT_THAT(edit("5", options), ElementsAre(timer + ": 10000 -> 5"));
+    options = {};
+    EXPECT_THAT(edit("10000", options), IsEmpty());
+    options.report_changes = false;
+    options.user = "netconf somebody@192.0.2.1";
+    EXPECT_THAT(edit("5", options), IsEmpty());
+    EXPECT_EQ(told(system.service.edit(PathEdits{{module(2, "/config/revertive"), Operation::merge, "true"}})).size(),
+              1U);
+    EXPECT_THAT(edit("6", {}), ElementsAre(timer + ": 5 -> 6"));
+    EXPECT_THAT(journal_of(system.service),
+                ElementsAre("1 netconf somebody@192.0.2.1 " + timer + ": 10000 -> 5", "2  " + timer + ": 5 -> 6"));
+    // Other services see it too.
+    EXPECT_EQ(journal_of(Service(PLUGIN, system.line_system.device())), journal_of(system.service));
+}
+
+TEST(Service, LetsWhoeverAsksLookAtTheChangesFirst) {
+    const System system;
+    const PathEdits edit{{timer, Operation::merge, "5"}};
+    std::vector<ocpsm::Change> seen;
+    EditOptions options;
+    options.check = [&seen](const std::vector<ocpsm::Change> &changes) { seen = changes; };
+    for (const bool dry_run : {true, false}) {
+        options.dry_run = dry_run;
+        seen.clear();
+        EXPECT_THAT(told(system.service.edit(edit, options)), ElementsAre(timer + ": 10000 -> 5"));
+        EXPECT_EQ(seen, (std::vector<ocpsm::Change>{{timer, "10000", "5"}}));
+    }
+    options.check = [](const std::vector<ocpsm::Change> &) {
+        throw ocpsm::Error(ocpsm::Error::Source::refused, "operation-failed", timer, "not now");
+    };
+    const PathEdits next{{timer, Operation::merge, "6"}};
+    for (const bool dry_run : {true, false}) {
+        options.dry_run = dry_run;
+        EXPECT_THAT(told(system.service.edit(next, options)), ElementsAre("operation-failed|" + timer + "||not now||"));
+    }
+    EXPECT_EQ(system.value(timer), "5");
+    EXPECT_THAT(journal_of(system.service), ElementsAre("1  " + timer + ": 10000 -> 5"));
+}
+
+TEST(Journal, WritesTimesOfDay) {
+    const std::vector<std::pair<std::int64_t, std::string>> times = {
+        {0, "1970-01-01T00:00:00.000Z"},
+        {1, "1970-01-01T00:00:00.001Z"},
+        {-1, "1969-12-31T23:59:59.999Z"},
+        {1'709'210'096'789, "2024-02-29T12:34:56.789Z"},
+        {-62'167'219'200'000, "0000-01-01T00:00:00.000Z"},
+        {INT64_MIN, "0000-01-01T00:00:00.000Z"},
+        {253'402'300'799'999, "9999-12-31T23:59:59.999Z"},
+        {INT64_MAX, "9999-12-31T23:59:59.999Z"},
+    };
+    for (const auto &[time, text] : times) {
+        EXPECT_EQ(ocpsm::date_and_time(time), text);
+    }
+}
+
 TEST(Service, TellsErrorsAsData) {
     const System system;
     const std::string threshold = module(1, "/config/primary-switch-threshold");
@@ -229,11 +307,19 @@ public:
         return std::make_unique<Transaction>(behind_->write());
     }
 
+    std::vector<ocpsm::JournalEntry> journal(std::uint64_t after, std::size_t most) override {
+        return behind_->journal(after, most);
+    }
+    std::uint64_t last_sequence() override { return behind_->last_sequence(); }
+
 private:
     struct Transaction : ocpsm::DeviceTransaction {
         explicit Transaction(std::unique_ptr<ocpsm::DeviceTransaction> behind) : held(std::move(behind)) {}
         ocpsm::native::NativeData answer(const ocpsm::native::NetRequest &read) override { return held->answer(read); }
         std::vector<std::string> apply(const ocpsm::native::NetRequest &edit) override { return held->apply(edit); }
+        void record(const std::string &user, const std::vector<ocpsm::Change> &changes) override {
+            held->record(user, changes);
+        }
         void commit() override {
             throw ocpsm::Error(ocpsm::Error::Source::refused, "resource-denied", {}, "the device is full");
         }

@@ -143,6 +143,7 @@ public:
 
     ocpsm::native::NativeData answer(const ocpsm::native::NetRequest &read) override;
     std::vector<std::string> apply(const ocpsm::native::NetRequest &edit) override;
+    void record(const std::string & /*user*/, const std::vector<ocpsm::Change> & /*changes*/) override {}
     void commit() override {}
 
     // How an edit is refused; none: it is accepted, and changes nothing.

@@ -30,7 +30,7 @@ protected:
     void make(int ticks) {
         const auto store = create(client, state, example());
         for (int i = 0; i < ticks; ++i) {
-            change(*store, [](const LineSystem &before) { return tick(before, 100); });
+            change(*store, [](const LineSystem &before, Events &events) { return tick(before, 100, &events); });
         }
         system = load(*store->read());
         std::ifstream in(file(), std::ios::binary);
@@ -43,9 +43,9 @@ protected:
     Result use() const {
         try {
             const auto store = open(client, state);
-            const auto next = [](const LineSystem &before) { return tick(before, 100); };
-            const bool same = load(*store->read()) == system && change(*store, next) == next(system) &&
-                              load(*store->read()) == next(system);
+            const auto next = [](const LineSystem &before, Events &events) { return tick(before, 100, &events); };
+            const bool same = load(*store->read()) == system && change(*store, next) == tick(system, 100) &&
+                              load(*store->read()) == tick(system, 100);
             return same ? as_before : wrong;
         } catch (const Error &error) {
             const bool says_so =

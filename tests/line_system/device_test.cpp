@@ -36,7 +36,7 @@ protected:
     std::map<std::string, std::string> records() {
         std::map<std::string, std::string> all;
         const auto snapshot = store->read();
-        for (const Table table : {Table::items, Table::line_system}) {
+        for (const Table table : {Table::items, Table::line_system, Table::journal}) {
             snapshot->for_each(table, "", [&](std::string_view key, std::string_view value) {
                 all.emplace(std::to_string(static_cast<int>(table)) + std::string(key), value);
                 return true;
@@ -70,7 +70,7 @@ std::string answered(const char *slot, const char *milliseconds) {
 TEST_F(LineSystemDeviceTest, AnswersFromTheSnapshotOfTheCaller) {
     const auto snapshot = store->read();
     LineSystemDevice device(*snapshot);
-    change(*store, [](const LineSystem &system) { return pull(system, 1); });
+    change(*store, [](const LineSystem &system, Events &) { return pull(system, 1); });
     EXPECT_EQ(native_test::shown(device.answer(read_of_waiting("1").net())), answered("1", "10000"));
     EXPECT_THROW(device.apply(waiting("1", "7").net()), std::logic_error);
     const auto later = store->read();
@@ -178,18 +178,20 @@ TEST_F(LineSystemDeviceTest, KeepsItemsInStepWithTheLineSystem) {
 
 TEST_F(LineSystemDeviceTest, ChangesByCommandsInOneTransaction) {
     const LineSystem expected = tick(cut(example(), 1, Path::primary), 100);
-    EXPECT_TRUE(change(*store, [](const LineSystem &system) { return tick(cut(system, 1, Path::primary), 100); }) ==
-                expected);
+    EXPECT_TRUE(change(*store, [](const LineSystem &system, Events &) {
+                    return tick(cut(system, 1, Path::primary), 100);
+                }) == expected);
     EXPECT_TRUE(load(*store->read()) == expected);
 }
 
 TEST_F(LineSystemDeviceTest, ChangesNothingWhenACommandIsRefused) {
     const auto before = records();
-    EXPECT_EQ(error_of([&] { change(*store, [](const LineSystem &system) { return pull(system, 2); }); }),
+    EXPECT_EQ(error_of([&] { change(*store, [](const LineSystem &system, Events &) { return pull(system, 2); }); }),
               "refused|data-missing||slot 2 holds no module|fit one first");
     EXPECT_EQ(records(), before);
     EXPECT_THROW(
-        change(*store, [](const LineSystem &) -> LineSystem { throw std::runtime_error("in the midst of it"); }),
+        change(*store,
+               [](const LineSystem &, Events &) -> LineSystem { throw std::runtime_error("in the midst of it"); }),
         std::runtime_error);
     EXPECT_EQ(records(), before);
 }

@@ -37,7 +37,9 @@ struct Row {
 
 void check(const std::vector<Row> &rows) {
     for (const Row &row : rows) {
-        EXPECT_EQ(evaluate(row.before, row.settings, row.light, row.now), row.after) << row.what;
+        const Decision decision = evaluate(row.before, row.settings, row.light, row.now);
+        EXPECT_EQ(decision.state, row.after) << row.what;
+        EXPECT_EQ(decision.reason.has_value(), row.before.active != row.after.active) << row.what;
     }
 }
 
@@ -210,8 +212,51 @@ TEST(ProtectionSwitch, AFailureBreaksTheWaitingAndItBeginsAnew) {
     std::uint64_t now = 0;
     for (const auto &[light, expected] : course) {
         now += 100;
-        state = evaluate(state, settings, light, now);
+        state = evaluate(state, settings, light, now).state;
         EXPECT_EQ(state, expected) << now;
+    }
+}
+
+TEST(ProtectionSwitch, SaysWhyItMoves) {
+    SwitchSettings at_once = reverting();
+    at_once.wait_to_restore = 0;
+    const struct {
+        const char *words;
+        SwitchSettings settings;
+        LineLight light;
+        SwitchState before;
+    } moves[] = {
+        {"forced to the secondary line", locked(Lockout::working), {-1000, -4000}, on_primary},
+        {"forced to the primary line", locked(Lockout::protection), {-4000, -1000}, on_secondary},
+        {"secondary better by 3.01 dB, more than the relative threshold of 3.00 dB",
+         relative(300, 0),
+         {-1301, -1000},
+         on_primary},
+        {"secondary better by 24.50 dB, more than the relative threshold of 3.00 dB",
+         relative(300, 50),
+         {-4000, -1600},
+         on_primary},
+        {"primary better by 3.01 dB, more than the relative threshold of 3.00 dB",
+         relative(300, 50),
+         {-649, -1000},
+         on_secondary},
+        {"secondary better by 0.00 dB, more than the relative threshold of -1.00 dB",
+         relative(-100, 0),
+         {-1000, -1000},
+         on_primary},
+        {"secondary better by 21474836.47 dB, more than the relative threshold of 21474836.47 dB",
+         relative(highest, highest),
+         {lowest, highest},
+         on_primary},
+        {"loss of primary: -25.01 dBm, below -25.00 dBm", reverting(), {-2501, -2800}, on_primary},
+        {"loss of secondary: -40.00 dBm, below -28.00 dBm", reverting(), {-1000, -4000}, waiting(0)},
+        {"primary restored: -24.00 dBm, good for 1.0 s", reverting(), {-2400, -1000}, waiting(0)},
+        {"primary restored: -12.34 dBm, good for 0.0 s", at_once, {-1234, -1000}, on_secondary},
+    };
+    for (const auto &move : moves) {
+        const Decision decision = evaluate(move.before, move.settings, move.light, 1000);
+        ASSERT_TRUE(decision.reason) << move.words;
+        EXPECT_EQ(in_words(*decision.reason, decision.state.active, move.settings, move.light), move.words);
     }
 }
 

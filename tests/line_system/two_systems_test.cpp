@@ -85,7 +85,7 @@ TEST_F(TwoSystems, AreReadAndWrittenOnThreadsOfTheirOwn) {
     const auto work = [](sysdb::Store &store, int base) {
         for (int round = 0; round < 100; ++round) {
             const int tenths = base + round;
-            change(store, [&](const LineSystem &system) { return attenuated(system, tenths); });
+            change(store, [&](const LineSystem &system, Events &) { return attenuated(system, tenths); });
             const auto snapshot = store.read();
             EXPECT_EQ(read_item(), std::to_string(tenths));
             EXPECT_EQ(load(*snapshot).slots[0].lines[0].rx_attenuation, tenths);

@@ -114,6 +114,47 @@ TEST_F(Crash, LeavesTheLineSystemAsItWasOrAMomentLater) {
     EXPECT_GE(crash_everywhere({"device", "tick", "30000"}), 30);
 }
 
+// What has happened is in the journal when it has happened, and only then.
+TEST_F(Crash, LeavesTheJournalInStepWithTheLineSystem) {
+    const auto run = [this](const Words &arguments) {
+        TracedProcess process = traced(command(arguments));
+        while (process.next_call()) {
+        }
+        EXPECT_EQ(process.exit_code(), 0);
+    };
+    const auto journal_of = [](const Records &records) {
+        std::vector<std::string> entries;
+        for (int number = 1; records.contains("journal " + std::to_string(number)); ++number) {
+            entries.push_back(records.at("journal " + std::to_string(number)));
+        }
+        return entries;
+    };
+    const std::string cut = "0 cut 0/1-PSM-OM primary   ";
+    const std::string switched =
+        "100 switched 0/1-PSM-OM  PRIMARY SECONDARY loss of primary: -40.00 dBm, below -25.00 dBm";
+    run({"device", "cut", "1", "primary"});
+    const Records before = records();
+    EXPECT_EQ(journal_of(before), Words{cut});
+    int calls = 0;
+    int unchanged = 0;
+    for (bool ended = false; !ended && !HasFailure(); ++calls) {
+        TracedProcess child = traced(command({"device", "tick", "500"}));
+        ended = !stop_at_call(child, calls);
+        child.kill_now();
+        const Records now = records();
+        const bool on_secondary = now.at("1 slot/1/module/on-secondary") == "1";
+        EXPECT_EQ(journal_of(now), on_secondary ? (Words{cut, switched}) : Words{cut}) << "killed at call " << calls;
+        EXPECT_TRUE(on_secondary || now == before) << "killed at call " << calls;
+        unchanged += on_secondary ? 0 : 1;
+        if (on_secondary) {
+            restore();
+            run({"device", "cut", "1", "primary"});
+        }
+    }
+    EXPECT_GT(unchanged, 10);
+    EXPECT_GT(calls - unchanged, 3);
+}
+
 // Crashes pile up on a directory without a line system. The next command that makes one is not stopped by any of them,
 // and nothing of them stays.
 TEST_F(Crash, AtTheBeginningLeavesNoLineSystemOrAWholeOne) {

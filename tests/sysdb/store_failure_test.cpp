@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <csignal>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <fstream>
 #include <string>
 
@@ -17,6 +19,15 @@ namespace {
 using ocpsm::sysdb::Store;
 using ocpsm::sysdb::store_file;
 using ocpsm::sysdb::Table;
+
+// FNV-1a, 64 bits, of the first three members.
+std::uint64_t hash_of_header(const std::string &file) {
+    std::uint64_t hash = 0xcbf29ce484222325;
+    for (const char byte : file.substr(0, 24)) {
+        hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100000001b3;
+    }
+    return hash;
+}
 
 class StoreFailure : public testing::Test {
 protected:
@@ -110,6 +121,33 @@ TEST_F(StoreFailure, NamesARecordThatHasChanged) {
     EXPECT_EQ(open_error(), damage("its records are not what was written"));
     write_file(whole);
     EXPECT_EQ(open_error(), "no error");
+}
+
+// The first format had no journal: its files are read, and written in the present one.
+TEST_F(StoreFailure, NamesAFormatThatItDoesNotKnow) {
+    make_store();
+    const auto write_format = [&, whole = read_file()](char format) {
+        std::string bytes = whole;
+        bytes[7] = format;
+        const std::uint64_t check = hash_of_header(bytes);
+        std::memcpy(bytes.data() + 24, &check, sizeof check);
+        write_file(bytes);
+    };
+    EXPECT_EQ(read_file().substr(0, 8), "linesto2");
+    for (const char format : {'0', '3', '9', '\0'}) {
+        write_format(format);
+        EXPECT_EQ(open_error(),
+                  "input|operation-failed||the line system was made by another version of this program|use "
+                  "that version, or create a new line system");
+    }
+    write_format('1');
+    const auto store = open_store(state, Store::Mode::existing);
+    EXPECT_EQ(store->read()->get(Table::items, "key7"), std::string(1000, 'x'));
+    const auto transaction = store->write();
+    transaction->put(Table::journal, "key", "value");
+    transaction->commit();
+    EXPECT_EQ(read_file().substr(0, 8), "linesto2");
+    EXPECT_EQ(open_store(state, Store::Mode::existing)->read()->get(Table::journal, "key"), "value");
 }
 
 // It is what a writer that was killed leaves, and does not count.

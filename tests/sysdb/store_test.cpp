@@ -1,5 +1,7 @@
+#include <algorithm>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -8,6 +10,7 @@
 
 #include <gmock/gmock.h>
 
+#include "framework/measure.hpp"
 #include "open_store.hpp"
 
 namespace {
@@ -43,7 +46,7 @@ protected:
 
 TEST_F(StoreTest, IsEmptyAtFirst) {
     const auto transaction = store->read();
-    for (const Table table : {Table::items, Table::line_system}) {
+    for (const Table table : {Table::items, Table::line_system, Table::journal}) {
         EXPECT_THAT(records(*transaction, table), IsEmpty());
     }
     EXPECT_EQ(transaction->get(Table::items, "a"), std::nullopt);
@@ -86,6 +89,66 @@ TEST_F(StoreTest, ReplacesAndErases) {
     EXPECT_THAT(records(*transaction, Table::items), ElementsAre(Pair("a", "new")));
     transaction->commit();
     EXPECT_THAT(records(*store->read(), Table::items), ElementsAre(Pair("a", "new")));
+}
+
+// Records are kept in blocks, which are begun, divided and given up: at each moment as a plain map would have it.
+TEST_F(StoreTest, KeepsManyRecordsInWhicheverOrderTheyComeAndGo) {
+    std::map<std::string, std::string> expected;
+    unsigned random = 20240117;
+    const auto next = [&random](unsigned below) {
+        random = random * 1664525 + 1013904223;
+        return (random >> 8) % below;
+    };
+    for (int round = 0; round < 60; ++round) {
+        const auto snapshot = store->read();
+        const Records before(expected.begin(), expected.end());
+        const auto transaction = store->write();
+        for (unsigned left = next(200); left > 0; --left) {
+            const std::string key = std::to_string(next(700));
+            if (next(round / 20 % 2 == 0 ? 4 : 2) == 0) {
+                EXPECT_EQ(transaction->erase(Table::journal, key), expected.erase(key) == 1);
+            } else {
+                transaction->put(Table::journal, key, std::to_string(left));
+                expected[key] = std::to_string(left);
+            }
+        }
+        const std::string from = std::to_string(next(700));
+        const auto found = expected.lower_bound(from);
+        EXPECT_EQ(transaction->lower_bound(Table::journal, from),
+                  found == expected.end() ? std::nullopt : std::optional<std::string_view>(found->first));
+        transaction->commit();
+        ASSERT_EQ(records(*store->read(), Table::journal), Records(expected.begin(), expected.end()));
+        ASSERT_EQ(records(*snapshot, Table::journal), before);
+    }
+    open_again();
+    EXPECT_EQ(records(*store->read(), Table::journal), Records(expected.begin(), expected.end()));
+    const auto transaction = store->write();
+    EXPECT_EQ(transaction->erase_all(Table::journal, ""), expected.size());
+    EXPECT_THAT(records(*transaction, Table::journal), IsEmpty());
+}
+
+// A commit is not to take the longer the more there is beside what it changes.
+TEST_F(StoreTest, CommitsAtTheSamePriceBesideMuch) {
+    const auto key = [](int number) { return std::to_string(1'000'000 + number); };
+    const auto change_a_hundred = [&] {
+        for (int round = 0; round < 100; ++round) {
+            const auto transaction = store->write();
+            transaction->put(Table::journal, key(20'000 + round), "value");
+            transaction->erase(Table::journal, key(round));
+        }
+    };
+    const double little = measure::seconds(change_a_hundred);
+    const auto transaction = store->write();
+    for (int number = 0; number < 10'000; ++number) {
+        transaction->put(Table::journal, key(number),
+                         "as long as an entry of a journal may be, more or less, or longer");
+    }
+    transaction->commit();
+    double much = 1e9;
+    for (int round = 0; round < 3; ++round) {
+        much = std::min(much, measure::seconds(change_a_hundred));
+    }
+    EXPECT_LT(much, 10 * little);
 }
 
 TEST_F(StoreTest, LosesChangesThatAreNotCommitted) {
