@@ -1,31 +1,18 @@
 // What a management client does with a line system: reads and edits in OpenConfig.
-#include <poll.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <iostream>
 #include <iterator>
 
 #include "commands.hpp"
-#include "framework/text.hpp"
+#include "following.hpp"
 #include "leaf_table.hpp"
 #include "line_system_service.hpp"
 #include "result_document.hpp"
-#include "simulator/line_system.hpp"
+#include "undo.hpp"
+#include "user.hpp"
 
 namespace ocpsm {
 namespace {
-
-std::string shown(const std::optional<std::string> &value) {
-    if (!value) {
-        return "not set";
-    }
-    return value->empty() ? "\"\"" : on_one_line(*value);
-}
-
-std::string in_words(const Change &change) {
-    return on_one_line(change.path) + ": " + shown(change.before) + " -> " + shown(change.after);
-}
 
 // ---- reads ----
 
@@ -33,14 +20,6 @@ void warn_of_nothing(const ReadResult &result, std::ostream &errors) {
     if (result.answer.empty() && result.warnings.empty()) {
         print_warning(errors, "the line system has nothing of what is selected");
     }
-}
-
-// False when nobody reads any more what is printed; a file is always there.
-bool wait_for_a_step() {
-    struct pollfd reader {
-        STDOUT_FILENO, 0, 0
-    };
-    return poll(&reader, 1, SimulatedLineSystem::step) <= 0;
 }
 
 // Prints what a read has, and what of it changes.
@@ -75,7 +54,9 @@ public:
     }
 
 private:
-    static std::string words(const Leaf &leaf) { return on_one_line(leaf.path) + ": " + shown(leaf.value) + "\n"; }
+    static std::string words(const Leaf &leaf) {
+        return on_one_line(leaf.path) + ": " + in_words(std::optional(leaf.value)) + "\n";
+    }
     static std::string words(const Change &change) { return in_words(change) + "\n"; }
 
     template <class Line>
@@ -100,7 +81,7 @@ void print_native(const DeviceRequest &native, std::ostream &output) {
     for (const DeviceOperation &operation : native.operations()) {
         output << "  " << operation_name(operation.operation) << " " << on_one_line(operation.path);
         if (operation.value) {
-            output << " = " << shown(operation.value);
+            output << " = " << in_words(operation.value);
         }
         output << '\n';
     }
@@ -119,8 +100,7 @@ int exit_code(const RequestOptions &options, const EditResult &result) {
     return options.request.dry_run || result.changes.empty() ? exit_done : exit_changed;
 }
 
-int run_edit(const RequestOptions &options, const Edit &edit, std::ostream &output, std::ostream &errors) {
-    const EditResult result = open_service(options).edit(edit, options.request);
+int print_result(const RequestOptions &options, const EditResult &result, std::ostream &output, std::ostream &errors) {
     if (options.format && !result.error) {
         print_log(result, errors);
         output << document(result, *options.format);
@@ -136,6 +116,12 @@ int run_edit(const RequestOptions &options, const Edit &edit, std::ostream &outp
     }
     print_changes(result.changes, options.request.dry_run ? "  " : "", output);
     return exit_code(options, result);
+}
+
+int run_edit(const RequestOptions &options, const Edit &edit, std::ostream &output, std::ostream &errors) {
+    EditOptions request = options.request;
+    request.user = cli_user();
+    return print_result(options, open_service(options).edit(edit, request), output, errors);
 }
 
 // Where the path of PATH=VALUE ends: at the first = that is in no predicate.
@@ -218,6 +204,15 @@ int delete_command(const RequestOptions &options, std::ostream &output, std::ost
         edits.push_back({path, operation});
     }
     return run_edit(options, edits, output, errors);
+}
+
+int undo_command(const RequestOptions &options, std::ostream &output, std::ostream &errors) {
+    const Service service = open_service(options);
+    const Undo undo = undo_of(service, options.sequence);
+    EditOptions request = options.request;
+    request.user = cli_user();
+    request.check = undo.check;
+    return print_result(options, service.edit(undo.edits, request), output, errors);
 }
 
 } // namespace ocpsm

@@ -1,4 +1,6 @@
-// The options of get, edit, set and delete.
+// The options of get, edit, set, delete, undo and journal.
+#include <cstdint>
+#include <limits>
 #include <memory>
 
 #include "command_line.hpp"
@@ -13,6 +15,8 @@ constexpr char units[] =
     "milliseconds. What is set in dBm and dB is kept in steps of 0.1, cut towards zero; powers are read in steps of "
     "0.01.\n"
     "A path is /aps/aps-modules/aps-module[name=0/1-PSM-OM]/config/revertive or any step on the way.";
+
+constexpr std::uint64_t last_entry = std::numeric_limits<std::uint64_t>::max();
 
 struct ClientLine {
     RequestOptions options;
@@ -36,19 +40,26 @@ struct ClientLine {
 
 using Run = int (*)(const RequestOptions &options, std::ostream &output, std::ostream &errors);
 
-CLI::App &add_client_command(CLI::App &app, Program &program, const std::string &name, const std::string &help,
-                             const std::shared_ptr<ClientLine> &line, Run run) {
+CLI::App &add_command(CLI::App &app, Program &program, const std::string &name, const std::string &help,
+                      const std::shared_ptr<ClientLine> &line, Run run) {
     CLI::App *command = app.add_subcommand(name, help);
-    command->footer(units);
     add_state_option(*command, line->state);
-    command->add_flag("--log", line->options.request.log, "Show the plug-in's debug log on standard error");
-    command->add_flag("--trace", line->options.request.trace, "Show the plug-in's trace buffer on standard error");
     command->callback([line, run, &program] {
         program.chosen = [options = line->finished(program), run](std::ostream &output, std::ostream &errors) {
             return run(options, output, errors);
         };
     });
     return *command;
+}
+
+// One that makes a request.
+CLI::App &add_client_command(CLI::App &app, Program &program, const std::string &name, const std::string &help,
+                             const std::shared_ptr<ClientLine> &line, Run run) {
+    CLI::App &command = add_command(app, program, name, help, line, run);
+    command.footer(units);
+    command.add_flag("--log", line->options.request.log, "Show the plug-in's debug log on standard error");
+    command.add_flag("--trace", line->options.request.trace, "Show the plug-in's trace buffer on standard error");
+    return command;
 }
 
 void add_dry_run(CLI::App &command, ClientLine &line) {
@@ -98,6 +109,21 @@ void add_client_commands(CLI::App &app, Program &program) {
     erase.add_option("path", options.paths, "What to delete")->type_name("PATH")->required();
     erase.add_flag("--if-there", options.if_there, "With the operation remove: what is not there is no error");
     add_dry_run(erase, *line);
+
+    CLI::App &undo = add_client_command(app, program, "undo", "Take back what an edit has changed, by another edit",
+                                        line, undo_command);
+    undo.add_option("sequence", options.sequence, "The entry of the journal, else the last change of configuration")
+        ->type_name("SEQUENCE")
+        ->check(whole_number(0, last_entry));
+    add_dry_run(undo, *line);
+
+    CLI::App &journal =
+        add_command(app, program, "journal", "Print what has happened to the line system", line, journal_command);
+    journal.add_option("--after", options.sequence, "Only entries behind the one with this sequence number")
+        ->type_name("SEQUENCE")
+        ->check(whole_number(0, last_entry));
+    journal.add_option("--format", line->format, "Print an object a line")->type_name("json")->check(one_of({"json"}));
+    journal.add_flag("--follow", options.follow, "Go on with what happens, until stopped");
 }
 
 } // namespace ocpsm

@@ -15,7 +15,7 @@ CLI::Validator one_of(const std::vector<std::string> &values) {
     return CLI::IsMember(values).description("");
 }
 
-CLI::Validator whole_number(std::uint32_t minimum, std::uint32_t maximum) {
+CLI::Validator whole_number(std::uint64_t minimum, std::uint64_t maximum) {
     return CLI::Validator(
         [=](const std::string &text) -> std::string {
             const std::size_t sign = text.starts_with('-') ? 1 : 0;

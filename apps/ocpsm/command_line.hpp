@@ -29,7 +29,7 @@ struct Program {
 
 // Each adds a group of subcommands. `program` must outlive the parsing and the command.
 void add_mapping_commands(CLI::App &app, Program &program); // translate, explain, coverage
-void add_client_commands(CLI::App &app, Program &program);  // get, edit, set, delete
+void add_client_commands(CLI::App &app, Program &program);  // get, edit, set, delete, undo, journal
 void add_device_commands(CLI::App &app, Program &program);  // device, watch
 
 // ---- what the groups have in common ----
@@ -38,7 +38,7 @@ void add_device_commands(CLI::App &app, Program &program);  // device, watch
 CLI::Validator one_of(const std::vector<std::string> &values);
 
 // A whole number within these bounds; a text that is none is told from a number that is too small or too large.
-CLI::Validator whole_number(std::uint32_t minimum, std::uint32_t maximum);
+CLI::Validator whole_number(std::uint64_t minimum, std::uint64_t maximum);
 
 // --state DIR of a command that works on a line system.
 void add_state_option(CLI::App &command, std::optional<std::string> &state);

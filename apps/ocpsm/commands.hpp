@@ -3,6 +3,7 @@
 #ifndef OCPSM_COMMANDS_HPP
 #define OCPSM_COMMANDS_HPP
 
+#include <cstdint>
 #include <filesystem>
 #include <iosfwd>
 #include <optional>
@@ -24,7 +25,9 @@ struct RequestOptions {
     std::optional<Kind> kind;     // absent: what the text says
 
     bool table = false;  // of get: print a table
-    bool follow = false; // of get: go on with what changes
+    bool follow = false; // of get and journal: go on with what changes
+
+    std::optional<std::uint64_t> sequence; // of undo: the entry of the journal; of journal: the one to begin behind
 
     std::vector<std::string> paths; // of get: what to read, none: everything; of delete: what to take away
     std::string setting;            // of set: PATH, with VALUE as all of `more`; or PATH=VALUE, with others of these
@@ -42,6 +45,13 @@ int get_command(const RequestOptions &options, std::ostream &output, std::ostrea
 int edit_command(const RequestOptions &options, std::ostream &output, std::ostream &errors);
 int set_command(const RequestOptions &options, std::ostream &output, std::ostream &errors);
 int delete_command(const RequestOptions &options, std::ostream &output, std::ostream &errors);
+
+// Takes back what an edit has changed, by another one: that of an entry of the journal, or the last one.
+int undo_command(const RequestOptions &options, std::ostream &output, std::ostream &errors);
+
+// Prints what has happened, oldest first: a line for each entry, with a line for each change below, or an object a
+// line. One that follows goes on with what happens until it is ended or nobody reads any more.
+int journal_command(const RequestOptions &options, std::ostream &output, std::ostream &errors);
 
 // Prints the native requests that an OpenConfig request becomes, and the result: one after the other, or as a document
 // where a format is named.

@@ -8,6 +8,17 @@ std::string on_one_line(std::string_view text) {
     return one_line(text, whole_text);
 }
 
+std::string in_words(const std::optional<std::string> &value) {
+    if (!value) {
+        return "not set";
+    }
+    return value->empty() ? "\"\"" : on_one_line(*value);
+}
+
+std::string in_words(const Change &change) {
+    return on_one_line(change.path) + ": " + in_words(change.before) + " -> " + in_words(change.after);
+}
+
 int print_error(std::ostream &errors, const Error &error) {
     std::string line = "ocpsm: error: ";
     if (!error.tag.empty()) {

@@ -2,6 +2,7 @@
 #ifndef OCPSM_MESSAGES_HPP
 #define OCPSM_MESSAGES_HPP
 
+#include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -23,6 +24,12 @@ int print_error(std::ostream &errors, const Error &error);
 
 // "ocpsm: warning: TEXT"
 void print_warning(std::ostream &errors, std::string_view text);
+
+// "PATH: BEFORE -> AFTER"
+std::string in_words(const Change &change);
+
+// A value in such words; none: it is not set.
+std::string in_words(const std::optional<std::string> &value);
 
 // A whole text as one_line shows it.
 std::string on_one_line(std::string_view text);

@@ -118,6 +118,11 @@ std::string document(const Content &content, Format format) {
     return format == Format::json ? to_json(content) : to_xml(content);
 }
 
+// Members that are texts, and left out where they are empty.
+constexpr std::pair<const char *, std::string JournalEntry::*> entry_texts[] = {
+    {"module", &JournalEntry::module}, {"line", &JournalEntry::line},     {"before", &JournalEntry::before},
+    {"after", &JournalEntry::after},   {"reason", &JournalEntry::reason}, {"user", &JournalEntry::user}};
+
 } // namespace
 
 std::string document(const EditResult &result, Format format) {
@@ -148,6 +153,33 @@ std::string json_line(const Change &change) {
     rapidjson::StringBuffer text;
     rapidjson::Writer writer(text);
     write_change(writer, change);
+    return std::string(text.GetString(), text.GetSize()) + "\n";
+}
+
+std::string json_line(const JournalEntry &entry) {
+    rapidjson::StringBuffer text;
+    rapidjson::Writer writer(text);
+    writer.StartObject();
+    writer.Key("sequence");
+    writer.Uint64(entry.sequence);
+    write_member(writer, "time", date_and_time(entry.time));
+    writer.Key("clock");
+    writer.Uint64(entry.clock);
+    write_member(writer, "kind", std::string(name_of(entry.kind)));
+    for (const auto &[name, member] : entry_texts) {
+        if (!(entry.*member).empty()) {
+            write_member(writer, name, one_line(entry.*member, whole_text));
+        }
+    }
+    if (!entry.changes.empty()) {
+        writer.Key("changes");
+        writer.StartArray();
+        for (const Change &change : entry.changes) {
+            write_change(writer, change);
+        }
+        writer.EndArray();
+    }
+    writer.EndObject();
     return std::string(text.GetString(), text.GetSize()) + "\n";
 }
 

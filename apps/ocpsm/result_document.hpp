@@ -22,6 +22,10 @@ std::string document(const TranslateResult &result, Format format);
 std::string json_line(const Leaf &leaf);
 std::string json_line(const Change &change);
 
+// The same of an entry of the journal: "sequence", "time" (RFC 3339), "clock" (milliseconds) and "kind", and of the
+// other members those that are not empty, by their names.
+std::string json_line(const JournalEntry &entry);
+
 } // namespace ocpsm
 
 #endif

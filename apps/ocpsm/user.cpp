@@ -1,0 +1,24 @@
+#include "user.hpp"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstddef>
+#include <vector>
+
+namespace ocpsm {
+
+std::string cli_user() {
+    constexpr std::size_t longest = std::size_t{1} << 20; // of all that is known of a user, bytes
+    const uid_t user = getuid();
+    std::vector<char> texts(1024);
+    struct passwd entry {};
+    struct passwd *found = nullptr;
+    while (getpwuid_r(user, &entry, texts.data(), texts.size(), &found) == ERANGE && texts.size() < longest) {
+        texts.resize(texts.size() * 2);
+    }
+    return "cli " + (found == nullptr ? std::to_string(user) : std::string(found->pw_name));
+}
+
+} // namespace ocpsm
