@@ -30,17 +30,21 @@ JournalEntry entry_at(const Service &service, std::uint64_t sequence) {
     return entry;
 }
 
-// Looks backwards, some entries at a time.
+// Looks backwards, some entries at a time, as far as there are any.
 JournalEntry last_change(const Service &service) {
     constexpr std::uint64_t some = 100;
-    for (std::uint64_t end = service.last_sequence(); end > 0; end -= std::min(end, some)) {
-        std::vector<JournalEntry> entries = service.journal(end - std::min(end, some), std::min(end, some));
+    bool is_last = false;
+    for (std::uint64_t end = service.last_sequence(); !is_last && end > 0;) {
+        const std::uint64_t begin = end - std::min(end, some);
+        std::vector<JournalEntry> entries = service.journal(begin, end - begin);
         const auto found = std::find_if(entries.rbegin(), entries.rend(), [](const JournalEntry &entry) {
             return entry.kind == JournalKind::configured;
         });
         if (found != entries.rend()) {
             return std::move(*found);
         }
+        is_last = entries.empty() || entries.front().sequence != begin + 1;
+        end = begin;
     }
     refuse("data-missing", "the journal has no change of configuration", "");
 }
