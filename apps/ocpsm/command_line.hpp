@@ -31,6 +31,7 @@ struct Program {
 void add_mapping_commands(CLI::App &app, Program &program); // translate, explain, coverage
 void add_client_commands(CLI::App &app, Program &program);  // get, edit, set, delete, undo, journal
 void add_device_commands(CLI::App &app, Program &program);  // device, watch
+void add_serve_command(CLI::App &app, Program &program);
 
 // ---- what the groups have in common ----
 

@@ -4,17 +4,19 @@
 #include "libraries.hpp"
 #include "messages.hpp"
 #include "open_line_system.hpp"
-#include "simulator/line_system.hpp"
 
 namespace ocpsm {
 
 Service open_service(const RequestOptions &options) {
-    const SimulatedLineSystem line_system = open_line_system(*options.state);
-    if (const std::string missing = missing_database(options.plugin); !missing.empty()) {
+    return service_of(open_line_system(*options.state), options.plugin);
+}
+
+Service service_of(const SimulatedLineSystem &line_system, const std::filesystem::path &plugin) {
+    if (const std::string missing = missing_database(plugin); !missing.empty()) {
         throw Error(Error::Source::input, {}, {}, missing,
                     "name the plug-in that belongs to this line system, or leave --plugin out");
     }
-    return Service(options.plugin, line_system.device());
+    return Service(plugin, line_system.device());
 }
 
 Service open_service_to_translate(const RequestOptions &options, std::ostream &errors) {

@@ -61,6 +61,7 @@ struct CommandLine {
         app.fallthrough();
         add_client_commands(app, program);
         add_device_commands(app, program);
+        add_serve_command(app, program);
         add_mapping_commands(app, program);
     }
 };

@@ -17,6 +17,10 @@ void take_note(int signal) {
     }
 }
 
+struct timespec time_of(std::chrono::milliseconds duration) {
+    return {duration.count() / 1000, std::chrono::nanoseconds(duration % std::chrono::seconds(1)).count()};
+}
+
 } // namespace
 
 StopSignals::StopSignals() {
@@ -51,10 +55,14 @@ bool StopSignals::wait_for_input(std::chrono::milliseconds longest) const {
     struct pollfd input {
         STDIN_FILENO, POLLIN, 0
     };
-    const auto nanoseconds = std::chrono::nanoseconds(longest % std::chrono::seconds(1)).count();
-    const struct timespec timeout { longest.count() / 1000, nanoseconds };
+    const struct timespec timeout = time_of(longest);
     const bool ready = ppoll(&input, 1, &timeout, &mask_before_) > 0;
     return !ready || (input.revents & POLLIN) != 0;
+}
+
+void StopSignals::wait(std::chrono::milliseconds longest) const {
+    const struct timespec timeout = time_of(longest);
+    ppoll(nullptr, 0, &timeout, &mask_before_);
 }
 
 int StopSignals::received() {

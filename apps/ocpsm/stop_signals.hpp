@@ -8,9 +8,9 @@
 
 namespace ocpsm {
 
-// While this lives, SIGINT, SIGTERM, SIGHUP and SIGTSTP arrive only in wait_for_input, and neither end nor stop
-// anything. One object at a time, in a program with one thread. Its end gives everything back; it does not deliver a
-// signal that has come.
+// While this lives, SIGINT, SIGTERM, SIGHUP and SIGTSTP arrive only in the functions that wait, and neither end nor
+// stop anything. One object at a time, made while the program has one thread; threads that are started later take none
+// of these signals. Its end gives everything back; it does not deliver a signal that has come.
 class StopSignals {
 public:
     StopSignals();
@@ -21,6 +21,9 @@ public:
     // Waits until standard input has something or has ended, a signal has come, or this long has passed. False when it
     // has ended: the terminal is gone.
     bool wait_for_input(std::chrono::milliseconds longest) const;
+
+    // The same without standard input.
+    void wait(std::chrono::milliseconds longest) const;
 
     // The signal that has come and asks for the end, 0 when none has.
     static int received();

@@ -1,0 +1,25 @@
+// A line system that is served to other programs until the service is stopped.
+#ifndef OCPSM_SERVE_COMMAND_HPP
+#define OCPSM_SERVE_COMMAND_HPP
+
+#include <cstdint>
+#include <filesystem>
+#include <iosfwd>
+
+namespace ocpsm {
+
+struct ServeOptions {
+    std::filesystem::path state;
+    std::filesystem::path plugin;
+    std::uint32_t speed = 1; // how many times faster than time passes elsewhere the line system's does
+    bool stopped = false;    // its time is left to others
+};
+
+inline constexpr std::uint32_t highest_speed = 1000;
+
+// Makes the example where the directory holds no line system. Ends when SIGINT, SIGTERM or SIGHUP asks for it.
+int serve_command(const ServeOptions &options, std::ostream &output, std::ostream &errors);
+
+} // namespace ocpsm
+
+#endif
