@@ -44,7 +44,7 @@ ClockLock::ClockLock(const std::filesystem::path &state) {
         close(file_);
         throw Error(Error::Source::refused, "in-use", {},
                     "the time of the line system in " + state.string() + " is being moved already" + by,
-                    "end that ocpsm watch or ocpsm device tick first");
+                    "end that ocpsm serve, watch or device tick first");
     }
 }
 

@@ -232,7 +232,7 @@ TEST_F(Watch, LetsOneProcessMoveTheTime) {
     ASSERT_TRUE(sees(child, {"time 0.1 s"}));
     const std::string refused =
         "ocpsm: error: in-use: the time of the line system in " + state() + " is being moved already by process ";
-    const std::string advice = "; end that ocpsm watch or ocpsm device tick first\n[1]";
+    const std::string advice = "; end that ocpsm serve, watch or device tick first\n[1]";
     const std::string tick = run("device tick 100");
     EXPECT_EQ(tick.substr(0, refused.size()), refused);
     EXPECT_EQ(tick.substr(tick.size() - advice.size()), advice);
