@@ -31,6 +31,10 @@ Records::Place Records::place_of(std::string_view key) const {
     if (blocks_.empty()) {
         return {0, 0};
     }
+    // Where a file is read, keys come in their order.
+    if (const std::vector<Record> &last = *blocks_.back().records; last.back().key < key) {
+        return {blocks_.size() - 1, last.size()};
+    }
     const auto begins_behind = [](std::string_view wanted, const Block &block) {
         return wanted < block.records->front().key;
     };
@@ -42,13 +46,14 @@ Records::Place Records::place_of(std::string_view key) const {
     return {static_cast<std::size_t>(block - blocks_.begin()), static_cast<std::size_t>(record - records.begin())};
 }
 
+bool Records::holds(const Place &place, std::string_view key) const {
+    return place.block < blocks_.size() && place.record < blocks_[place.block].records->size() &&
+           (*blocks_[place.block].records)[place.record].key == key;
+}
+
 const std::string *Records::find(std::string_view key) const {
     const Place place = place_of(key);
-    if (place.block == blocks_.size() || place.record == blocks_[place.block].records->size()) {
-        return nullptr;
-    }
-    const Record &record = (*blocks_[place.block].records)[place.record];
-    return record.key == key ? &record.value : nullptr;
+    return holds(place, key) ? &(*blocks_[place.block].records)[place.record].value : nullptr;
 }
 
 void Records::for_each(std::string_view from, const ReadTransaction::Visitor &visit) const {
@@ -71,13 +76,16 @@ std::vector<Records::Record> &Records::own(std::size_t block) {
     return *own.records;
 }
 
-void Records::put(std::string_view key, std::string_view value) {
+std::optional<std::size_t> Records::put(std::string_view key, std::string_view value) {
     const Place place = place_of(key);
-    if (find(key) != nullptr) {
-        own(place.block)[place.record].value = value;
-    } else {
+    if (!holds(place, key)) {
         insert(place, {std::string(key), std::string(value)});
+        return std::nullopt;
     }
+    std::string &kept = own(place.block)[place.record].value;
+    const std::size_t size = kept.size();
+    kept = value;
+    return size;
 }
 
 void Records::insert(const Place &place, Record &&record) {
@@ -127,11 +135,9 @@ Records &Draft::own(Table which) {
 }
 
 void Draft::put(Table which, std::string_view key, std::string_view value) {
-    const std::string *const before = tables_.table(which).find(key);
-    tables_.size += value.size();
-    tables_.size -= before == nullptr ? 0 : before->size();
-    tables_.size += before == nullptr ? key.size() : 0;
-    own(which).put(key, value);
+    const std::optional<std::size_t> replaced = own(which).put(key, value);
+    tables_.size += value.size() + (replaced ? 0 : key.size());
+    tables_.size -= replaced.value_or(0);
 }
 
 bool Draft::erase(Table which, std::string_view key) {

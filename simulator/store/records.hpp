@@ -30,8 +30,8 @@ public:
     // Visits the records from the first whose key is not below `from` on, until the visitor returns false.
     void for_each(std::string_view from, const ReadTransaction::Visitor &visit) const;
 
-    // In place of the value that there may be.
-    void put(std::string_view key, std::string_view value);
+    // In place of the value that there may be, whose size it returns.
+    std::optional<std::size_t> put(std::string_view key, std::string_view value);
 
     // The record must be there.
     void erase(std::string_view key);
@@ -52,6 +52,7 @@ private:
 
     // Where the first record stands whose key is not below this one, or behind the last one of a block.
     Place place_of(std::string_view key) const;
+    bool holds(const Place &place, std::string_view key) const;
     std::vector<Record> &own(std::size_t block);
     void insert(const Place &place, Record &&record);
 
