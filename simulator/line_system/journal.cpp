@@ -80,7 +80,8 @@ public:
     bool at_end() const { return bytes_.empty(); }
 
     bool kind(JournalKind &kind) {
-        const auto letter = bytes_.empty() ? letters.end() : std::find(letters.begin(), letters.end(), bytes_.front());
+        const auto *const letter =
+            bytes_.empty() ? letters.end() : std::find(letters.begin(), letters.end(), bytes_.front());
         if (letter == letters.end()) {
             return false;
         }
