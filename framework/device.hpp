@@ -53,6 +53,10 @@ public:
     // One at a time: others wait for its end, in this and any other process.
     virtual std::unique_ptr<DeviceTransaction> write() = 0;
 
+    // See Service::lock. While another process holds it, a commit is refused (in-use, with the holder).
+    virtual std::shared_ptr<void> lock() = 0;
+    virtual std::uint32_t lock_holder() = 0;
+
     // See Service::journal and Service::last_sequence.
     virtual std::vector<JournalEntry> journal(std::uint64_t after, std::size_t most) = 0;
     virtual std::uint64_t last_sequence() = 0;

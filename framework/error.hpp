@@ -3,6 +3,7 @@
 #ifndef OCPSM_FRAMEWORK_ERROR_HPP
 #define OCPSM_FRAMEWORK_ERROR_HPP
 
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -47,6 +48,18 @@ public:
         node = std::move(name);
         return std::move(*this);
     }
+    Error &&of_attribute(std::string name) && {
+        attribute = std::move(name);
+        return std::move(*this);
+    }
+    Error &&of_namespace(std::string name) && {
+        namespace_uri = std::move(name);
+        return std::move(*this);
+    }
+    Error &&held_by(std::uint32_t id) && {
+        holder = id;
+        return std::move(*this);
+    }
     Error &&with_app_tag(std::string text) && {
         app_tag = std::move(text);
         return std::move(*this);
@@ -59,6 +72,9 @@ public:
     std::string native_path; // native instance path, when a device refuses a native node; empty: none
     std::string node;        // name of the offending node as the plug-in recorded it; empty: it recorded none
     std::string advice;
+    std::string attribute;     // name of the offending attribute, of the tags that name one; else empty
+    std::string namespace_uri; // of unknown-namespace; else empty
+    std::uint32_t holder = 0;  // the process that has what is locked, of lock-denied and in-use; 0: none is known
 };
 
 } // namespace ocpsm

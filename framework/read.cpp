@@ -1,12 +1,16 @@
 // Reads: from the request to the answer.
+#include <libyang/libyang.h>
+
 #include <algorithm>
 #include <iterator>
 #include <optional>
 #include <utility>
 
 #include "framework/answer/cut.hpp"
+#include "framework/answer/defaults.hpp"
 #include "framework/answer/left_out.hpp"
 #include "framework/answer/walk.hpp"
+#include "framework/models/models.hpp"
 #include "framework/request/hand_over.hpp"
 #include "framework/request/instance_read.hpp"
 #include "framework/request/node_path.hpp"
@@ -52,7 +56,11 @@ void append_texts(std::vector<LogLine> lines, std::vector<std::string> &texts) {
 AnswerTree answer_one(const Plugin &plugin, Kind kind, const HandedOver &handed, DeviceTransaction &device,
                       Channels &channels, const Options &options) {
     const native::NativeData data = device.answer(handed.native.net());
-    return cut(walk_answer(plugin, kind, handed.request, data, channels, options), {handed.request});
+    AnswerTree answer = walk_answer(plugin, kind, handed.request, data, channels, options);
+    if (options.defaults == Defaults::all) {
+        answer = with_defaults(std::move(answer));
+    }
+    return cut(std::move(answer), {handed.request});
 }
 
 struct Answered {
@@ -135,6 +143,9 @@ ReadResult answer_read(const Plugin &plugin, TypedRead read, DeviceTransaction &
     AnswerTree tree = join(std::move(parts));
     std::vector<std::string> missing = left_out(selected.handed_over, tree, read.kind);
     std::move(missing.begin(), missing.end(), std::back_inserter(result.warnings));
+    if (options.defaults == Defaults::trimmed) {
+        tree = without_defaults(std::move(tree));
+    }
     if (!tree.empty()) {
         result.answer = Answer(std::make_shared<Answer::Data>(std::move(tree)));
     }
@@ -154,6 +165,11 @@ Answer configuration(const Plugin &plugin, DeviceTransaction &device,
         throw Error(*result.error);
     }
     return std::move(result.answer);
+}
+
+Model openconfig_model() {
+    const lys_module &module = *models::Schema::openconfig().top_nodes().front()->module;
+    return {module.name, module.revision, module.prefix, module.ns, models::embedded_modules().front().text};
 }
 
 const AnswerTree &tree_of(const Answer &answer) {

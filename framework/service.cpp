@@ -10,6 +10,7 @@
 #include "framework/request/envelope.hpp"
 #include "framework/request/existence.hpp"
 #include "framework/request/hand_over.hpp"
+#include "framework/request/parse.hpp"
 #include "framework/requests.hpp"
 
 namespace ocpsm {
@@ -177,6 +178,23 @@ std::vector<JournalEntry> Service::journal(std::uint64_t after, std::size_t most
 
 std::uint64_t Service::last_sequence() const {
     return parts_->required_device().last_sequence();
+}
+
+std::shared_ptr<void> Service::lock() const {
+    return parts_->required_device().lock();
+}
+
+std::uint32_t Service::lock_holder() const {
+    return parts_->required_device().lock_holder();
+}
+
+const std::vector<Model> &Service::models() {
+    static const std::vector<Model> models = {framework::openconfig_model()};
+    return models;
+}
+
+Tree Service::elements_of(const Text &text) {
+    return framework::read_elements(text.text);
 }
 
 std::optional<Kind> Service::kind_of(const Text &request) noexcept {

@@ -36,11 +36,19 @@ struct NetRequest;
 
 enum class Format { json, xml };
 
+// What becomes of leaves with a default of the model in an answer (RFC 6243, 2).
+enum class Defaults {
+    as_set,  // there where the device has them, whatever they say
+    trimmed, // not there where they say what the default says
+    all,     // configuration that the device does not have has its default
+};
+
 // What may be asked for with any request.
 struct Options {
-    bool check_values = true; // check the values of an edit against the model before the plug-in sees them
-    bool log = false;         // keep the plug-in's debug log, both levels
-    bool trace = false;       // keep the plug-in's trace buffer
+    bool check_values = true;             // check the values of an edit against the model before the plug-in sees them
+    bool log = false;                     // keep the plug-in's debug log, both levels
+    bool trace = false;                   // keep the plug-in's trace buffer
+    Defaults defaults = Defaults::as_set; // of a read
 };
 
 // What every request comes back with.
@@ -191,6 +199,15 @@ struct TranslateResult : Outcome {
 
 // ---- the service ----
 
+// A model that requests and answers are in. The texts live as long as the program.
+struct Model {
+    std::string_view name;
+    std::string_view revision;
+    std::string_view prefix;
+    std::string_view namespace_uri;
+    std::string_view text; // YANG
+};
+
 class Service {
 public:
     // Loads a mapping plug-in. The database client that it reads must be loaded by then (a device of the simulator has
@@ -221,6 +238,20 @@ public:
 
     // The sequence number of the youngest entry, 0 while there is none.
     std::uint64_t last_sequence() const;
+
+    // Keeps everybody else from editing for as long as the result lives: edits of other processes are in-use. It is
+    // this process's, whose other edits go on; its end frees it, however it comes. Waits for edits that are under way.
+    // Throws Error: lock-denied, with the holder, where it is held, by this process too.
+    std::shared_ptr<void> lock() const;
+
+    // The process that holds the lock; 0: none.
+    std::uint32_t lock_holder() const;
+
+    static const std::vector<Model> &models();
+
+    // An XML text within the limits of a request as it was written, with all that stands around a request in it. The
+    // nodes of a filter or an edit among them may be read or edited as they are. Throws Error (input).
+    static Tree elements_of(const Text &text);
 
     // What a text itself says about its kind: nothing where it may be any.
     static std::optional<Kind> kind_of(const Text &request) noexcept;

@@ -91,6 +91,16 @@ std::string path_of(const Place &place) {
     throw Error(Error::Source::refused, tag, path_of(place), message, advice);
 }
 
+[[noreturn]] void refuse_attribute(const std::string &tag, const Place &place, const std::string &name,
+                                   const std::string &message, const std::string &advice) {
+    throw Error(Error::Source::refused, tag, path_of(place), message, advice).of_attribute(name);
+}
+
+[[noreturn]] void refuse_namespace(const Place &place, const std::string &message, const std::string &advice = {}) {
+    throw Error(Error::Source::refused, "unknown-namespace", path_of(place), message, advice)
+        .of_namespace(place.node.namespace_uri.str());
+}
+
 bool is_in_namespace(const RequestNode &node, const lysc_node &schema) {
     return node.namespace_uri == schema.module->ns;
 }
@@ -177,10 +187,10 @@ private:
         if (top.namespace_uri == info.namespace_uri) {
             refuse("unknown-element", place, "the model has no top node " + top.tag, advice);
         }
-        refuse("unknown-namespace", place,
-               top.namespace_uri.empty() ? top.tag + " is in no namespace"
-                                         : top.tag + " is in the namespace " + top.namespace_uri.str(),
-               advice);
+        refuse_namespace(place,
+                         top.namespace_uri.empty() ? top.tag + " is in no namespace"
+                                                   : top.tag + " is in the namespace " + top.namespace_uri.str(),
+                         advice);
     }
 
     // In a read no namespace stands for any (RFC 6241, 6.2.1).
@@ -241,10 +251,10 @@ private:
     void type_known(RequestNode &node, const Place &place, bool removed) const {
         const NodeInfo info = models::describe(*place.schema);
         if (!is_in_namespace(node, *place.schema)) {
-            refuse("unknown-namespace", place,
-                   node.tag + " is in " +
-                       (node.namespace_uri.empty() ? "no namespace" : "the namespace " + node.namespace_uri.str()) +
-                       ", the model's is in " + std::string(info.namespace_uri));
+            refuse_namespace(
+                place, node.tag + " is in " +
+                           (node.namespace_uri.empty() ? "no namespace" : "the namespace " + node.namespace_uri.str()) +
+                           ", the model's is in " + std::string(info.namespace_uri));
         }
         if (const std::string_view form = right_form(node.form, info.kind, edit_); !form.empty()) {
             refuse("invalid-value", place, node.tag + " is written as something that it is not", std::string(form));
@@ -282,23 +292,25 @@ private:
     void settle_operation(RequestNode &node, const Place &place) const {
         for (const RequestAttribute &attribute : node.attributes) {
             if (attribute.name != "operation" || attribute.namespace_uri != netconf_namespace) {
-                refuse("unknown-attribute", place,
-                       "the attribute " + attribute.name +
-                           (attribute.namespace_uri.empty() ? " in no namespace"
-                                                            : " of " + attribute.namespace_uri.str()) +
-                           " is not known here",
-                       "the operation attribute belongs to the namespace " + std::string(netconf_namespace) +
-                           " (JSON: ietf-netconf:operation)");
+                refuse_attribute("unknown-attribute", place, attribute.name,
+                                 "the attribute " + attribute.name +
+                                     (attribute.namespace_uri.empty() ? " in no namespace"
+                                                                      : " of " + attribute.namespace_uri.str()) +
+                                     " is not known here",
+                                 "the operation attribute belongs to the namespace " + std::string(netconf_namespace) +
+                                     " (JSON: ietf-netconf:operation)");
             }
             const auto named = operation_named(attribute.value);
             if (edit_ && !named) {
-                refuse("bad-attribute", place, "there is no operation " + quoted(attribute.value),
-                       "merge, replace, create, delete or remove");
+                refuse_attribute("bad-attribute", place, attribute.name,
+                                 "there is no operation " + quoted(attribute.value),
+                                 "merge, replace, create, delete or remove");
             }
             node.operation = named.value_or(node.operation);
         }
         if (!edit_ && (!node.attributes.empty() || node.operation != Operation::merge)) {
-            refuse("bad-attribute", place, "a read has no operations", "leave it out, or send an edit");
+            refuse_attribute("bad-attribute", place, "operation", "a read has no operations",
+                             "leave it out, or send an edit");
         }
         node.attributes = {};
     }

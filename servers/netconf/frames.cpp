@@ -37,7 +37,9 @@ std::optional<std::string> FrameReader::next() {
 }
 
 bool FrameReader::within_message() const {
-    return !message_.empty() || expected_ != Expected::header || rest().find_first_not_of(blanks) != std::string::npos;
+    const bool begun = framing_ == Framing::end_mark ? message_.find_first_not_of(blanks) != std::string::npos
+                                                     : !message_.empty() || expected_ != Expected::header;
+    return begun || rest().find_first_not_of(blanks) != std::string::npos;
 }
 
 void FrameReader::feed(std::string_view bytes) {

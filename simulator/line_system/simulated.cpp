@@ -7,6 +7,7 @@
 #include "framework/error.hpp"
 #include "simulator/database/client_library.hpp"
 #include "simulator/line_system.hpp"
+#include "simulator/line_system/edit_lock.hpp"
 #include "simulator/line_system/journal.hpp"
 #include "simulator/line_system/line_system_device.hpp"
 #include "simulator/line_system/operations.hpp"
@@ -24,6 +25,7 @@ static_assert(SimulatedLineSystem::step == line_system::tick_step);
 struct SimulatedLineSystem::Parts {
     std::optional<line_system::TemporaryState> temporary;
     std::unique_ptr<sysdb::Store> kept;
+    std::unique_ptr<line_system::EditLock> lock;
 
     sysdb::Store &store() const { return temporary ? temporary->store() : *kept; }
 
@@ -35,24 +37,27 @@ struct SimulatedLineSystem::Parts {
 
 namespace {
 
-// What a line system that is there, or was about to be made, has left in its directory begins so.
-constexpr std::string_view own_files[] = {sysdb::store_file, SimulatedLineSystem::clock_lock_file};
+// What a line system that is there, or was about to be made, has left in its directory, with the locks of those who
+// have worked on it.
+bool is_own_file(std::string_view name) {
+    return name.starts_with(sysdb::store_file) || name.ends_with(".lock");
+}
 
 bool holds_other_files(const std::filesystem::path &directory, std::error_code &failure) {
     std::filesystem::directory_iterator entry(directory, failure);
     for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
-        const std::string name = entry->path().filename().string();
-        if (std::none_of(std::begin(own_files), std::end(own_files),
-                         [&name](std::string_view own) { return name.starts_with(own); })) {
+        if (!is_own_file(entry->path().filename().string())) {
             return true;
         }
     }
     return false;
 }
 
-std::shared_ptr<const SimulatedLineSystem::Parts> keep(std::unique_ptr<sysdb::Store> store) {
+std::shared_ptr<const SimulatedLineSystem::Parts> keep(std::unique_ptr<sysdb::Store> store,
+                                                       const std::filesystem::path &directory) {
     const auto parts = std::make_shared<SimulatedLineSystem::Parts>();
     parts->kept = std::move(store);
+    parts->lock = std::make_unique<line_system::EditLock>(directory);
     return parts;
 }
 
@@ -81,6 +86,20 @@ private:
     std::unique_ptr<Transaction> transaction_;
 };
 
+class Edit : public OwnedTransaction<sysdb::WriteTransaction> {
+public:
+    explicit Edit(std::shared_ptr<const SimulatedLineSystem::Parts> parts)
+        : OwnedTransaction(parts->store().write()), parts_(std::move(parts)) {}
+
+    void commit() override {
+        parts_->lock->check();
+        OwnedTransaction::commit();
+    }
+
+private:
+    std::shared_ptr<const SimulatedLineSystem::Parts> parts_;
+};
+
 class SimulatedDevice : public Device {
 public:
     explicit SimulatedDevice(std::shared_ptr<const SimulatedLineSystem::Parts> parts) : parts_(std::move(parts)) {}
@@ -88,9 +107,14 @@ public:
     std::unique_ptr<DeviceTransaction> read() override {
         return std::make_unique<OwnedTransaction<sysdb::ReadTransaction>>(parts_->store().read());
     }
-    std::unique_ptr<DeviceTransaction> write() override {
-        return std::make_unique<OwnedTransaction<sysdb::WriteTransaction>>(parts_->store().write());
+    std::unique_ptr<DeviceTransaction> write() override { return std::make_unique<Edit>(parts_); }
+
+    // Within a transaction, so that no edit is under way.
+    std::shared_ptr<void> lock() override {
+        const auto transaction = parts_->store().write();
+        return std::make_shared<Held>(parts_, parts_->lock->take());
     }
+    std::uint32_t lock_holder() override { return parts_->lock->holder(); }
 
     std::vector<JournalEntry> journal(std::uint64_t after, std::size_t most) override {
         return line_system::read_journal(*parts_->store().read(), after, most);
@@ -98,6 +122,9 @@ public:
     std::uint64_t last_sequence() override { return line_system::last_sequence(*parts_->store().read()); }
 
 private:
+    // The lock is given back while what it is on is there.
+    using Held = std::pair<std::shared_ptr<const SimulatedLineSystem::Parts>, std::shared_ptr<void>>;
+
     std::shared_ptr<const SimulatedLineSystem::Parts> parts_;
 };
 
@@ -121,16 +148,17 @@ SimulatedLineSystem SimulatedLineSystem::make(const std::filesystem::path &direc
         throw Error(Error::Source::input, "", "", "cannot make " + directory.string() + ": " + failure.message(),
                     "name another directory");
     }
-    return SimulatedLineSystem(keep(line_system::create(client, directory, made)));
+    return SimulatedLineSystem(keep(line_system::create(client, directory, made), directory));
 }
 
 SimulatedLineSystem SimulatedLineSystem::open(const std::filesystem::path &directory) {
-    return SimulatedLineSystem(keep(line_system::open(load_client(), directory)));
+    return SimulatedLineSystem(keep(line_system::open(load_client(), directory), directory));
 }
 
 SimulatedLineSystem SimulatedLineSystem::temporary(const std::vector<int> &slots) {
     const auto parts = std::make_shared<Parts>();
     parts->temporary.emplace(load_client(), line_system::example_in(slots));
+    parts->lock = std::make_unique<line_system::EditLock>(parts->temporary->directory());
     return SimulatedLineSystem(parts);
 }
 

@@ -1,6 +1,11 @@
 // The service as a program uses it: requests in every form, several services and threads, errors as data, memory.
 #include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <array>
+#include <csignal>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <thread>
@@ -306,6 +311,11 @@ public:
     std::unique_ptr<ocpsm::DeviceTransaction> write() override {
         return std::make_unique<Transaction>(behind_->write());
     }
+    std::shared_ptr<void> lock() override { return behind_->lock(); }
+    std::uint32_t lock_holder() override { return behind_->lock_holder(); }
+    std::vector<ocpsm::JournalEntry> journal(std::uint64_t after, std::size_t most) override {
+        return behind_->journal(after, most);
+    }
 
     std::vector<ocpsm::JournalEntry> journal(std::uint64_t after, std::size_t most) override {
         return behind_->journal(after, most);
@@ -335,6 +345,134 @@ TEST(Service, AnEditThatCannotBeKeptIsAnErrorWithoutChanges) {
     EXPECT_THAT(told(full.edit(PathEdits{{module(1, "/config/wait-to-restore-time"), Operation::merge, "7"}})),
                 ElementsAre("resource-denied|||the device is full||"));
     EXPECT_EQ(system.value(module(1, "/config/wait-to-restore-time")), "10000");
+}
+
+// ---- the lock ----
+
+TEST(Service, LocksTheConfigurationForThisProcess) {
+    const System system;
+    EXPECT_EQ(system.service.lock_holder(), 0U);
+    const auto process = static_cast<std::uint32_t>(getpid());
+    std::shared_ptr<void> held = system.service.lock();
+    EXPECT_EQ(system.service.lock_holder(), process);
+    EXPECT_THAT(told(system.service.edit(PathEdits{{timer, Operation::merge, "7"}})),
+                ElementsAre(timer + ": 10000 -> 7"));
+    try {
+        static_cast<void>(system.service.lock());
+        ADD_FAILURE() << "it was locked twice";
+    } catch (const ocpsm::Error &error) {
+        EXPECT_EQ(error.tag, "lock-denied");
+        EXPECT_EQ(error.holder, process);
+    }
+    EXPECT_EQ(system.service.lock_holder(), process);
+    held.reset();
+    EXPECT_EQ(system.service.lock_holder(), 0U);
+    EXPECT_NE(system.service.lock(), nullptr);
+}
+
+// A process that holds the lock until it is told to end.
+class Holder {
+public:
+    explicit Holder(const std::filesystem::path &state) {
+        EXPECT_EQ(pipe(ready_.data()), 0);
+        process_ = fork();
+        if (process_ == 0) {
+            const Service service(PLUGIN, SimulatedLineSystem::open(state).device());
+            const std::shared_ptr<void> held = service.lock();
+            static_cast<void>(write(ready_[1], "x", 1) == 1);
+            pause();
+            _exit(0);
+        }
+        char byte = 0;
+        EXPECT_EQ(::read(ready_[0], &byte, 1), 1);
+    }
+    ~Holder() { end(); }
+
+    void end() {
+        if (process_ > 0) {
+            kill(process_, SIGKILL);
+            waitpid(process_, nullptr, 0);
+            close(ready_[0]);
+            close(ready_[1]);
+        }
+        process_ = 0;
+    }
+    pid_t process() const { return process_; }
+
+private:
+    std::array<int, 2> ready_{};
+    pid_t process_ = 0;
+};
+
+TEST(Service, IsKeptFromEditingByAnotherProcessUntilThatEnds) {
+    char name[] = "/tmp/ocpsm-lock-XXXXXX";
+    const std::filesystem::path state = mkdtemp(name);
+    SimulatedLineSystem::make(state);
+    {
+        Holder holder(state);
+        const Service service(PLUGIN, SimulatedLineSystem::open(state).device());
+        const std::string other = std::to_string(holder.process());
+        EXPECT_EQ(service.lock_holder(), static_cast<std::uint32_t>(holder.process()));
+        EXPECT_EQ(thrown_by([&] { return service.lock(); }),
+                  "lock-denied||the configuration is locked by process " + other);
+        const PathEdits edit{{timer, Operation::merge, "7"}};
+        EXPECT_THAT(told(service.edit(edit)),
+                    ElementsAre("in-use|||the configuration is locked by process " + other + "||"));
+        EditOptions trial;
+        trial.dry_run = true;
+        EXPECT_THAT(told(service.edit(edit, trial)), ElementsAre(timer + ": 10000 -> 7"));
+        holder.end();
+        EXPECT_EQ(service.lock_holder(), 0U);
+        EXPECT_THAT(told(service.edit(edit)), ElementsAre(timer + ": 10000 -> 7"));
+        EXPECT_NE(service.lock(), nullptr);
+    }
+    std::filesystem::remove_all(state);
+}
+
+// ---- defaults ----
+
+TEST(Service, AnswersWithDefaultsAsTheyAreSetWithoutThemAndWithAll) {
+    const System system;
+    const auto leaves = [&](ocpsm::Defaults defaults) {
+        ocpsm::Options options;
+        options.defaults = defaults;
+        Lines lines;
+        for (const ocpsm::Leaf &leaf :
+             system.service.read(Paths{{module(1, "/config")}}, Kind::get_config, options).answer.leaves()) {
+            lines.push_back(leaf.path.substr(module(1).size()) + "=" + leaf.value);
+        }
+        return lines;
+    };
+    const std::string offset = module(1, "/config/relative-switch-threshold-offset");
+    EXPECT_FALSE(system.service.edit(PathEdits{{offset, Operation::remove}}).error);
+    const Lines settings{"/name=0/1-PSM-OM",
+                         "/config/name=0/1-PSM-OM",
+                         "/config/revertive=true",
+                         "/config/wait-to-restore-time=10000",
+                         "/config/primary-switch-threshold=-25.0",
+                         "/config/primary-switch-hysteresis=1.0",
+                         "/config/secondary-switch-threshold=-28.0"};
+    const auto with = [&settings](const Lines &more) {
+        Lines lines = settings;
+        lines.insert(lines.end(), more.begin(), more.end());
+        return lines;
+    };
+    EXPECT_EQ(leaves(ocpsm::Defaults::trimmed), settings);
+    EXPECT_EQ(leaves(ocpsm::Defaults::as_set),
+              with({"/config/relative-switch-threshold=0.0", "/config/force-to-port=NONE"}));
+    EXPECT_EQ(leaves(ocpsm::Defaults::all),
+              with({"/config/relative-switch-threshold=0.0", "/config/relative-switch-threshold-offset=0.0",
+                    "/config/force-to-port=NONE"}));
+}
+
+TEST(Service, HasTheModelOfItsRequests) {
+    ASSERT_EQ(Service::models().size(), 1U);
+    const ocpsm::Model &model = Service::models().front();
+    EXPECT_EQ(model.name, "openconfig-transport-line-protection");
+    EXPECT_EQ(model.revision, "2018-11-21");
+    EXPECT_EQ(model.prefix, "oc-line-protect");
+    EXPECT_EQ(model.namespace_uri, space);
+    EXPECT_TRUE(model.text.starts_with("module openconfig-transport-line-protection {"));
 }
 
 TEST(Error, BelongsToTheLayerOfItsTag) {
