@@ -6,10 +6,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "framework/journal.hpp"
+#include "framework/lock.hpp"
 #include "framework/native/native_data.hpp"
 #include "framework/native/net_request.hpp"
 
@@ -55,7 +57,7 @@ public:
 
     // See Service::lock. While another process holds it, a commit is refused (in-use, with the holder).
     virtual std::shared_ptr<void> lock() = 0;
-    virtual std::uint32_t lock_holder() = 0;
+    virtual std::optional<LockHolder> lock_holder() = 0;
 
     // See Service::journal and Service::last_sequence.
     virtual std::vector<JournalEntry> journal(std::uint64_t after, std::size_t most) = 0;

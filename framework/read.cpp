@@ -169,7 +169,12 @@ Answer configuration(const Plugin &plugin, DeviceTransaction &device,
 
 Model openconfig_model() {
     const lys_module &module = *models::Schema::openconfig().top_nodes().front()->module;
-    return {module.name, module.revision, module.prefix, module.ns, models::embedded_modules().front().text};
+    return {module.name,
+            module.revision,
+            module.prefix,
+            module.ns,
+            models::embedded_modules().front().text,
+            models::Schema::openconfig().top_nodes().front()->name};
 }
 
 const AnswerTree &tree_of(const Answer &answer) {

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "framework/operation.hpp"
@@ -48,6 +49,7 @@ struct RequestAttribute {
     NamespaceName namespace_uri;
     std::string name;
     std::string value;
+    std::vector<std::pair<std::string, NamespaceName>> prefixes = {}; // XML: those that stand before a : in the value
 };
 
 // How a node was written; it decides what it may stand for (RFC 7951, 5 and 6) and whether an empty value was meant.

@@ -184,7 +184,7 @@ std::shared_ptr<void> Service::lock() const {
     return parts_->required_device().lock();
 }
 
-std::uint32_t Service::lock_holder() const {
+std::optional<LockHolder> Service::lock_holder() const {
     return parts_->required_device().lock_holder();
 }
 

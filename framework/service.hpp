@@ -24,6 +24,7 @@
 #include "framework/error.hpp"
 #include "framework/journal.hpp"
 #include "framework/kind.hpp"
+#include "framework/lock.hpp"
 #include "framework/operation.hpp"
 #include "framework/request_tree.hpp"
 
@@ -206,6 +207,7 @@ struct Model {
     std::string_view prefix;
     std::string_view namespace_uri;
     std::string_view text; // YANG
+    std::string_view top;  // the name of its top node
 };
 
 class Service {
@@ -244,8 +246,7 @@ public:
     // Throws Error: lock-denied, with the holder, where it is held, by this process too.
     std::shared_ptr<void> lock() const;
 
-    // The process that holds the lock; 0: none.
-    std::uint32_t lock_holder() const;
+    std::optional<LockHolder> lock_holder() const;
 
     static const std::vector<Model> &models();
 

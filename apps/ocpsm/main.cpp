@@ -62,6 +62,7 @@ struct CommandLine {
         add_client_commands(app, program);
         add_device_commands(app, program);
         add_serve_command(app, program);
+        add_server_commands(app, program);
         add_mapping_commands(app, program);
     }
 };

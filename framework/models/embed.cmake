@@ -1,21 +1,21 @@
-# Writes OUTPUT, a source file that holds the texts of the YANG modules TEXTS.
+# Writes OUTPUT, a source file that holds the texts of the YANG modules TEXTS in NAMESPACE, as HEADER declares them.
 set(rows "")
 foreach(text IN LISTS TEXTS)
   get_filename_component(name "${text}" NAME_WE)
   file(READ "${text}" content)
   string(APPEND rows "    {\"${name}\", R\"yang(${content})yang\"},\n")
 endforeach()
-file(WRITE "${OUTPUT}" "#include \"framework/models/models.hpp\"
+file(WRITE "${OUTPUT}" "#include \"${HEADER}\"
 
-namespace ocpsm::models {
+namespace ${NAMESPACE} {
 namespace {
 
-constexpr ModuleText modules[] = {
+constexpr ModuleText texts[] = {
 ${rows}};
 
 } // namespace
 
-std::span<const ModuleText> embedded_modules() { return modules; }
+std::span<const ModuleText> embedded_modules() { return texts; }
 
-} // namespace ocpsm::models
+} // namespace ${NAMESPACE}
 ")

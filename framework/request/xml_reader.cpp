@@ -112,6 +112,7 @@ private:
         for (; *attributes != nullptr; attributes += 2) {
             auto attribute = named<RequestAttribute>(attributes[0]);
             attribute.value = attributes[1];
+            attribute.prefixes = prefixes_in(attribute.value);
             open.node.attributes.push_back(std::move(attribute));
         }
         open_.push_back(std::move(open));
@@ -164,6 +165,21 @@ private:
             node.name = local;
         }
         return node;
+    }
+
+    // Each once.
+    std::vector<std::pair<std::string, NamespaceName>> prefixes_in(std::string_view value) const {
+        constexpr std::string_view ends = " \t\r\n/[]()|@'\"=<>!+*,:";
+        std::map<std::string_view, NamespaceName> found;
+        for (std::size_t colon = value.find(':'); colon != std::string_view::npos; colon = value.find(':', colon + 1)) {
+            const std::string_view before = value.substr(0, colon);
+            const std::string_view prefix = before.substr(before.find_last_of(ends) + 1);
+            const auto declared = prefixes_.find(prefix);
+            if (!prefix.empty() && declared != prefixes_.end() && !declared->second.empty()) {
+                found.emplace(prefix, declared->second.back());
+            }
+        }
+        return {found.begin(), found.end()};
     }
 
     NamespaceName namespace_in(std::string_view value) const {

@@ -75,7 +75,23 @@ bool FrameReader::take_marked() {
     return true;
 }
 
+// Blanks behind the mark of the last message, as people type them, are not held against who sends them.
+bool FrameReader::take_blanks() {
+    while (behind_mark_ && !rest().starts_with(chunk_mark)) {
+        if (rest().size() < chunk_mark.size() && rest().find_first_not_of(blanks) == std::string_view::npos) {
+            return false;
+        }
+        behind_mark_ = blanks.find(rest().front()) != std::string_view::npos;
+        at_ += behind_mark_ ? 1 : 0;
+    }
+    behind_mark_ = false;
+    return true;
+}
+
 bool FrameReader::take_chunked() {
+    if (!take_blanks()) {
+        return false;
+    }
     ended_ = false;
     while (!ended_) {
         const bool taken = expected_ == Expected::header ? take_header()
@@ -156,7 +172,7 @@ bool FrameReader::take_data() {
 
 std::string framed(const std::string &message, Framing framing) {
     if (framing == Framing::end_mark) {
-        return message + std::string(end_mark) + "\n";
+        return message + std::string(end_mark);
     }
     return "\n#" + std::to_string(message.size()) + "\n" + message + "\n##\n";
 }

@@ -18,7 +18,10 @@ inline constexpr std::size_t max_message_size = std::size_t{16} << 20; // bytes
 class FrameReader {
 public:
     // Of the messages that begin behind what next() has returned.
-    void use(Framing framing) { framing_ = framing; }
+    void use(Framing framing) {
+        framing_ = framing;
+        behind_mark_ = framing == Framing::chunked;
+    }
     Framing framing() const { return framing_; }
 
     void feed(std::string_view bytes);
@@ -34,6 +37,7 @@ private:
     enum class Expected { header, size, data };
 
     bool take_marked();
+    bool take_blanks();
     bool take_chunked();
     bool take_header();
     bool take_size();
@@ -47,9 +51,10 @@ private:
     std::size_t at_ = 0;  // what stands before has been taken
     std::string message_; // of the message that is being read
     Expected expected_ = Expected::header;
-    std::string digits_;   // of the size of a chunk
-    std::size_t left_ = 0; // of a chunk
-    bool ended_ = false;   // the end of the chunks stood there
+    std::string digits_;       // of the size of a chunk
+    std::size_t left_ = 0;     // of a chunk
+    bool behind_mark_ = false; // nothing has come since chunks are expected
+    bool ended_ = false;       // the end of the chunks stood there
 };
 
 // A message, or an answer, as it goes out.

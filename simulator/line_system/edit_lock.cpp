@@ -1,6 +1,7 @@
 #include "simulator/line_system/edit_lock.hpp"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -51,9 +52,15 @@ std::uint32_t EditLock::other_holder() {
     return held && lock.l_pid > 0 ? static_cast<std::uint32_t>(lock.l_pid) : 0;
 }
 
-std::uint32_t EditLock::holder() {
+// The file was written to when the lock was taken.
+std::optional<LockHolder> EditLock::holder() {
     const std::lock_guard guard(mutex_);
-    return held_ ? static_cast<std::uint32_t>(getpid()) : other_holder();
+    const std::uint32_t process = held_ ? static_cast<std::uint32_t>(getpid()) : other_holder();
+    struct stat file {};
+    if (process == 0 || fstat(file_, &file) != 0) {
+        return std::nullopt;
+    }
+    return LockHolder{process, file.st_mtim.tv_sec * 1000 + file.st_mtim.tv_nsec / 1000000};
 }
 
 void EditLock::check() {
@@ -77,6 +84,7 @@ std::shared_ptr<void> EditLock::take() {
     if (fcntl(file_, F_SETLK, &lock) != 0) { // NOLINT(cppcoreguidelines-pro-type-vararg)
         refuse("lock-denied", other_holder());
     }
+    static_cast<void>(futimens(file_, nullptr) == 0);
     held_ = true;
     return {this, [](EditLock *held) { held->give_back(); }};
 }

@@ -2,11 +2,13 @@
 #ifndef OCPSM_SIMULATOR_LINE_SYSTEM_EDIT_LOCK_HPP
 #define OCPSM_SIMULATOR_LINE_SYSTEM_EDIT_LOCK_HPP
 
-#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <utility>
+
+#include "framework/lock.hpp"
 
 namespace ocpsm::line_system {
 
@@ -24,8 +26,8 @@ public:
     // holder, input when the file cannot be made.
     std::shared_ptr<void> take();
 
-    // The process that holds it, this one among them; 0: none.
-    std::uint32_t holder();
+    // The process that holds it, which may be this one.
+    std::optional<LockHolder> holder();
 
     // Throws Error (refused, in-use) while another process holds it.
     void check();

@@ -114,7 +114,7 @@ public:
         const auto transaction = parts_->store().write();
         return std::make_shared<Held>(parts_, parts_->lock->take());
     }
-    std::uint32_t lock_holder() override { return parts_->lock->holder(); }
+    std::optional<LockHolder> lock_holder() override { return parts_->lock->holder(); }
 
     std::vector<JournalEntry> journal(std::uint64_t after, std::size_t most) override {
         return line_system::read_journal(*parts_->store().read(), after, most);

@@ -312,7 +312,7 @@ public:
         return std::make_unique<Transaction>(behind_->write());
     }
     std::shared_ptr<void> lock() override { return behind_->lock(); }
-    std::uint32_t lock_holder() override { return behind_->lock_holder(); }
+    std::optional<ocpsm::LockHolder> lock_holder() override { return behind_->lock_holder(); }
     std::vector<ocpsm::JournalEntry> journal(std::uint64_t after, std::size_t most) override {
         return behind_->journal(after, most);
     }
@@ -351,10 +351,10 @@ TEST(Service, AnEditThatCannotBeKeptIsAnErrorWithoutChanges) {
 
 TEST(Service, LocksTheConfigurationForThisProcess) {
     const System system;
-    EXPECT_EQ(system.service.lock_holder(), 0U);
+    EXPECT_FALSE(system.service.lock_holder());
     const auto process = static_cast<std::uint32_t>(getpid());
     std::shared_ptr<void> held = system.service.lock();
-    EXPECT_EQ(system.service.lock_holder(), process);
+    EXPECT_EQ(system.service.lock_holder()->process, process);
     EXPECT_THAT(told(system.service.edit(PathEdits{{timer, Operation::merge, "7"}})),
                 ElementsAre(timer + ": 10000 -> 7"));
     try {
@@ -364,9 +364,9 @@ TEST(Service, LocksTheConfigurationForThisProcess) {
         EXPECT_EQ(error.tag, "lock-denied");
         EXPECT_EQ(error.holder, process);
     }
-    EXPECT_EQ(system.service.lock_holder(), process);
+    EXPECT_EQ(system.service.lock_holder()->process, process);
     held.reset();
-    EXPECT_EQ(system.service.lock_holder(), 0U);
+    EXPECT_FALSE(system.service.lock_holder());
     EXPECT_NE(system.service.lock(), nullptr);
 }
 
@@ -412,7 +412,7 @@ TEST(Service, IsKeptFromEditingByAnotherProcessUntilThatEnds) {
         Holder holder(state);
         const Service service(PLUGIN, SimulatedLineSystem::open(state).device());
         const std::string other = std::to_string(holder.process());
-        EXPECT_EQ(service.lock_holder(), static_cast<std::uint32_t>(holder.process()));
+        EXPECT_EQ(service.lock_holder()->process, static_cast<std::uint32_t>(holder.process()));
         EXPECT_EQ(thrown_by([&] { return service.lock(); }),
                   "lock-denied||the configuration is locked by process " + other);
         const PathEdits edit{{timer, Operation::merge, "7"}};
@@ -422,7 +422,7 @@ TEST(Service, IsKeptFromEditingByAnotherProcessUntilThatEnds) {
         trial.dry_run = true;
         EXPECT_THAT(told(service.edit(edit, trial)), ElementsAre(timer + ": 10000 -> 7"));
         holder.end();
-        EXPECT_EQ(service.lock_holder(), 0U);
+        EXPECT_FALSE(service.lock_holder());
         EXPECT_THAT(told(service.edit(edit)), ElementsAre(timer + ": 10000 -> 7"));
         EXPECT_NE(service.lock(), nullptr);
     }
