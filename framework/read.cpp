@@ -1,6 +1,4 @@
 // Reads: from the request to the answer.
-#include <libyang/libyang.h>
-
 #include <algorithm>
 #include <iterator>
 #include <optional>
@@ -10,7 +8,6 @@
 #include "framework/answer/defaults.hpp"
 #include "framework/answer/left_out.hpp"
 #include "framework/answer/walk.hpp"
-#include "framework/models/models.hpp"
 #include "framework/request/hand_over.hpp"
 #include "framework/request/instance_read.hpp"
 #include "framework/request/node_path.hpp"
@@ -165,16 +162,6 @@ Answer configuration(const Plugin &plugin, DeviceTransaction &device,
         throw Error(*result.error);
     }
     return std::move(result.answer);
-}
-
-Model openconfig_model() {
-    const lys_module &module = *models::Schema::openconfig().top_nodes().front()->module;
-    return {module.name,
-            module.revision,
-            module.prefix,
-            module.ns,
-            models::embedded_modules().front().text,
-            models::Schema::openconfig().top_nodes().front()->name};
 }
 
 const AnswerTree &tree_of(const Answer &answer) {

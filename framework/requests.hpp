@@ -40,9 +40,6 @@ Tree typed(const Edit &edit, const EditOptions &options);
 // Answers a typed read.
 ReadResult answer_read(const Plugin &plugin, TypedRead read, DeviceTransaction &device, const Options &options);
 
-// The model that they are in.
-Model openconfig_model();
-
 // Carries out a typed edit in a transaction: without an error the caller may commit it, or show it and drop it; with
 // one it has to drop it.
 EditResult carry_out(const Plugin &plugin, Tree tops, DeviceTransaction &device, const EditOptions &options);

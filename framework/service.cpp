@@ -188,11 +188,6 @@ std::optional<LockHolder> Service::lock_holder() const {
     return parts_->required_device().lock_holder();
 }
 
-const std::vector<Model> &Service::models() {
-    static const std::vector<Model> models = {framework::openconfig_model()};
-    return models;
-}
-
 Tree Service::elements_of(const Text &text) {
     return framework::read_elements(text.text);
 }

@@ -200,16 +200,6 @@ struct TranslateResult : Outcome {
 
 // ---- the service ----
 
-// A model that requests and answers are in. The texts live as long as the program.
-struct Model {
-    std::string_view name;
-    std::string_view revision;
-    std::string_view prefix;
-    std::string_view namespace_uri;
-    std::string_view text; // YANG
-    std::string_view top;  // the name of its top node
-};
-
 class Service {
 public:
     // Loads a mapping plug-in. The database client that it reads must be loaded by then (a device of the simulator has
@@ -247,8 +237,6 @@ public:
     std::shared_ptr<void> lock() const;
 
     std::optional<LockHolder> lock_holder() const;
-
-    static const std::vector<Model> &models();
 
     // An XML text within the limits of a request as it was written, with all that stands around a request in it. The
     // nodes of a filter or an edit among them may be read or edited as they are. Throws Error (input).

@@ -120,7 +120,7 @@ int print_result(const RequestOptions &options, const EditResult &result, std::o
 
 int run_edit(const RequestOptions &options, const Edit &edit, std::ostream &output, std::ostream &errors) {
     EditOptions request = options.request;
-    request.user = cli_user();
+    request.user = "cli " + user_name();
     return print_result(options, open_service(options).edit(edit, request), output, errors);
 }
 
@@ -210,7 +210,7 @@ int undo_command(const RequestOptions &options, std::ostream &output, std::ostre
     const Service service = open_service(options);
     const Undo undo = undo_of(service, options.sequence);
     EditOptions request = options.request;
-    request.user = cli_user();
+    request.user = "cli " + user_name();
     request.check = undo.check;
     return print_result(options, service.edit(undo.edits, request), output, errors);
 }

@@ -32,7 +32,7 @@ void add_mapping_commands(CLI::App &app, Program &program); // translate, explai
 void add_client_commands(CLI::App &app, Program &program);  // get, edit, set, delete, undo, journal
 void add_device_commands(CLI::App &app, Program &program);  // device, watch
 void add_serve_command(CLI::App &app, Program &program);
-void add_server_commands(CLI::App &app, Program &program);  // netconf
+void add_server_commands(CLI::App &app, Program &program); // netconf
 
 // ---- what the groups have in common ----
 

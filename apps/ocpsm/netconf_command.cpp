@@ -29,7 +29,7 @@ int netconf_command(const RequestOptions &options, std::ostream &errors) {
     if (session.failure().empty()) {
         return exit_done;
     }
-    return print_error(errors, {Error::Source::refused, "malformed-message", {}, session.failure()});
+    return print_error(errors, {Error::Source::refused, {}, {}, session.failure()});
 }
 
 } // namespace

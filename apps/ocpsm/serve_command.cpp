@@ -154,7 +154,14 @@ int serve_command(const ServeOptions &options, std::ostream &output, std::ostrea
     const std::unique_ptr<RunningClock> clock = start_clock(system, options, errors);
     Doors doors;
     output << "serving the line system in " << on_one_line(options.state.string()) << ", "
-           << speed_in_words(options, clock != nullptr) << std::endl;
+           << speed_in_words(options, clock != nullptr) << '\n';
+    if (options.gnmi) {
+        doors.open(gnmi_door(service, *options.gnmi), output);
+    }
+    if (options.netconf) {
+        doors.open(netconf_door(*options.netconf), output);
+    }
+    output.flush();
     tell_service_manager("READY=1");
     wait_for_the_end(clock.get(), signals);
     tell_service_manager("STOPPING=1");

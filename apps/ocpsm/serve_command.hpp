@@ -5,6 +5,10 @@
 #include <cstdint>
 #include <filesystem>
 #include <iosfwd>
+#include <optional>
+
+#include "gnmi_door.hpp"
+#include "netconf_door.hpp"
 
 namespace ocpsm {
 
@@ -13,6 +17,9 @@ struct ServeOptions {
     std::filesystem::path plugin;
     std::uint32_t speed = 1; // how many times faster than time passes elsewhere the line system's does
     bool stopped = false;    // its time is left to others
+
+    std::optional<GnmiDoorOptions> gnmi;
+    std::optional<NetconfDoorOptions> netconf; // its state and plug-in are those above
 };
 
 inline constexpr std::uint32_t highest_speed = 1000;

@@ -11,12 +11,54 @@ namespace {
 constexpr char footer[] =
     "Makes the example line system in a directory that holds none, and lets the clock of the line system run, in "
     "steps\n"
-    "of 100 milliseconds; one process at a time lets it run. Ends with SIGINT (Ctrl-C), SIGTERM or SIGHUP.";
+    "of 100 milliseconds; one process at a time lets it run. Without a door that is named gNMI is served on\n"
+    "127.0.0.1:9339. Ends with SIGINT (Ctrl-C), SIGTERM or SIGHUP.";
+
+constexpr char default_gnmi[] = "127.0.0.1:9339";
 
 struct ServeLine {
     ServeOptions options;
     std::optional<std::string> state;
+    GnmiDoorOptions gnmi;
+    NetconfDoorOptions netconf;
+
+    ServeOptions finished(const Program &program) const {
+        ServeOptions finished = options;
+        finished.state = state_directory(state, process_environment);
+        finished.plugin = program.plugin_file();
+        if (!netconf.address.empty()) {
+            finished.netconf = netconf;
+            finished.netconf->state = finished.state;
+            finished.netconf->plugin = finished.plugin;
+        }
+        if (!gnmi.address.empty() || !finished.netconf) {
+            finished.gnmi = gnmi;
+            finished.gnmi->address = gnmi.address.empty() ? default_gnmi : gnmi.address;
+        }
+        return finished;
+    }
 };
+
+void add_doors(CLI::App &serve, ServeLine &line) {
+    CLI::Option *gnmi =
+        serve.add_option("--gnmi", line.gnmi.address, "Serve gNMI; plaintext on loopback only")->type_name("ADDR:PORT");
+    CLI::Option *certificate =
+        serve.add_option("--tls-cert", line.gnmi.certificate, "The certificate of gNMI's TLS, in PEM")
+            ->type_name("FILE")
+            ->needs(gnmi);
+    CLI::Option *key = serve.add_option("--tls-key", line.gnmi.key, "Its key")->type_name("FILE")->needs(certificate);
+    certificate->needs(key);
+    serve.add_option("--tls-ca", line.gnmi.client_authority, "Who signs the certificates that clients must have")
+        ->type_name("FILE")
+        ->needs(certificate);
+    CLI::Option *netconf =
+        serve.add_option("--netconf", line.netconf.address, "Serve NETCONF over SSH")->type_name("ADDR:PORT");
+    CLI::Option *keys =
+        serve.add_option("--authorized-keys", line.netconf.authorized_keys, "The public keys that NETCONF lets in")
+            ->type_name("FILE")
+            ->needs(netconf);
+    netconf->needs(keys);
+}
 
 } // namespace
 
@@ -32,11 +74,9 @@ void add_serve_command(CLI::App &app, Program &program) {
                              ->check(whole_number(1, highest_speed));
     serve->add_flag("--stopped", line->options.stopped, "Leave the time of the line system to ocpsm device tick")
         ->excludes(speed);
+    add_doors(*serve, *line);
     serve->callback([line, &program] {
-        ServeOptions options = line->options;
-        options.state = state_directory(line->state, process_environment);
-        options.plugin = program.plugin_file();
-        program.chosen = [options](std::ostream &output, std::ostream &errors) {
+        program.chosen = [options = line->finished(program)](std::ostream &output, std::ostream &errors) {
             return serve_command(options, output, errors);
         };
     });

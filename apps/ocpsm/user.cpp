@@ -9,7 +9,7 @@
 
 namespace ocpsm {
 
-std::string cli_user() {
+std::string user_name() {
     constexpr std::size_t longest = std::size_t{1} << 20; // of all that is known of a user, bytes
     const uid_t user = getuid();
     std::vector<char> texts(1024);
@@ -18,7 +18,7 @@ std::string cli_user() {
     while (getpwuid_r(user, &entry, texts.data(), texts.size(), &found) == ERANGE && texts.size() < longest) {
         texts.resize(texts.size() * 2);
     }
-    return "cli " + (found == nullptr ? std::to_string(user) : std::string(found->pw_name));
+    return found == nullptr ? std::to_string(user) : found->pw_name;
 }
 
 } // namespace ocpsm

@@ -1,4 +1,4 @@
-// Who uses the program, for the journal.
+// Who uses the program.
 #ifndef OCPSM_USER_HPP
 #define OCPSM_USER_HPP
 
@@ -6,8 +6,8 @@
 
 namespace ocpsm {
 
-// "cli NAME", by the login name of the process's user, or the number of one that has none.
-std::string cli_user();
+// The login name of the process's user, or the number of one that has none.
+std::string user_name();
 
 } // namespace ocpsm
 

@@ -18,20 +18,16 @@ std::string_view said(std::string_view text, std::string_view statement) {
     return text.substr(begin, text.find_last_not_of(" \"") + 1 - begin);
 }
 
-Model model_of(const ModuleText &module) {
-    return {module.name,
-            said(module.text, "revision"),
-            said(module.text, "prefix"),
-            said(module.text, "namespace"),
-            module.text,
-            {}};
+YangModule model_of(const ModuleText &module) {
+    const auto says = [&module](std::string_view statement) { return std::string(said(module.text, statement)); };
+    return {std::string(module.name), says("revision"), says("prefix"), says("namespace"), std::string(module.text)};
 }
 
 } // namespace
 
-const std::vector<Model> &modules() {
-    static const std::vector<Model> all = [] {
-        std::vector<Model> models = Service::models();
+const std::vector<YangModule> &modules() {
+    static const std::vector<YangModule> all = [] {
+        std::vector<YangModule> models{Model::openconfig()};
         for (const ModuleText &module : embedded_modules()) {
             models.push_back(model_of(module));
         }
@@ -48,15 +44,14 @@ std::vector<std::string> capabilities() {
                             "capability:notification:1.0", "capability:interleave:1.0"}) {
         all.push_back(std::string(base) + own);
     }
-    for (const Model &model : modules()) {
+    for (const YangModule &model : modules()) {
         if (model.name == "ietf-yang-library") {
-            all.push_back(std::string(base) + "capability:yang-library:1.1?revision=" + std::string(model.revision) +
+            all.push_back(std::string(base) + "capability:yang-library:1.1?revision=" + model.revision +
                           "&content-id=" + content_id());
         }
     }
-    for (const Model &model : modules()) {
-        all.push_back(std::string(model.namespace_uri) + "?module=" + std::string(model.name) +
-                      "&revision=" + std::string(model.revision));
+    for (const YangModule &model : modules()) {
+        all.push_back(model.namespace_uri + "?module=" + model.name + "&revision=" + model.revision);
     }
     return all;
 }
@@ -64,8 +59,8 @@ std::vector<std::string> capabilities() {
 // FNV-1a, 64 bits.
 std::string content_id() {
     std::uint64_t hash = 0xcbf29ce484222325;
-    for (const Model &model : modules()) {
-        for (const char c : std::string(model.name) + "@" + std::string(model.revision) + "\n") {
+    for (const YangModule &model : modules()) {
+        for (const char c : model.name + "@" + model.revision + "\n") {
             hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3;
         }
     }

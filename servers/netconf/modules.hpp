@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "framework/model.hpp"
 #include "framework/service.hpp"
 
 namespace ocpsm::netconf {
@@ -19,7 +20,7 @@ struct ModuleText {
 std::span<const ModuleText> embedded_modules();
 
 // Those of the service, then our own.
-const std::vector<Model> &modules();
+const std::vector<YangModule> &modules();
 
 // What is said of what a session can do: the protocol's capabilities, then a URI per module.
 std::vector<std::string> capabilities();

@@ -39,8 +39,8 @@ Tree content_of(RequestNode &config) {
 
 // Replacing the configuration by nothing says so of the model's top node.
 Tree nothing() {
-    const Model &model = Service::models().front();
-    RequestNode top = inner(model.namespace_uri, std::string(model.top), {});
+    const Model &model = Model::openconfig();
+    RequestNode top = inner(model.namespace_uri, model.root.children.front().name, {});
     top.operation = Operation::replace;
     return {std::move(top)};
 }
@@ -131,7 +131,7 @@ std::string Operations::get_schema(RequestNode &operation) {
     if (!format.empty() && format.substr(format.find(':') + 1) != "yang") {
         throw protocol_refusal("invalid-value", "format", "there is no schema in the format " + format, "yang");
     }
-    for (const Model &model : modules()) {
+    for (const YangModule &model : modules()) {
         if (model.name == name && (version.empty() || model.revision == version)) {
             return "  <data xmlns=\"" + space::monitoring.str() + "\">" + escaped(model.text) + "</data>\n";
         }

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string_view>
 
+#include "framework/model.hpp"
 #include "framework/service.hpp"
 #include "servers/netconf/xml.hpp"
 
@@ -120,7 +121,7 @@ LayerError protocol_refusal(const std::string &tag, const std::string &element, 
 }
 
 std::string print(const Error &error, ErrorType layer) {
-    const Model &model = Service::models().front();
+    const Model &model = Model::openconfig();
     const std::string prefix(model.prefix);
     Lines lines;
     lines.add("error-type", std::string(layers.at(static_cast<std::size_t>(layer))));

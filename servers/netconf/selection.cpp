@@ -57,7 +57,7 @@ const RequestAttribute *xpath_of(const RequestNode &filter) {
 
 std::vector<std::string> expressions_of(const RequestAttribute &select) {
     std::vector<std::string_view> served;
-    for (const Model &model : modules()) {
+    for (const YangModule &model : modules()) {
         served.push_back(model.namespace_uri);
     }
     return expressions(select, served);
@@ -85,7 +85,7 @@ Selected by_xpath(const RequestAttribute &select) {
 
 Selected by_subtrees(Tree filters) {
     Selected selected{std::nullopt, Tree()};
-    const Model &model = Service::models().front();
+    const Model &model = Model::openconfig();
     Tree device;
     leave_out_attributes(filters);
     for (RequestNode &filter : filters) {

@@ -1,7 +1,6 @@
 #include "servers/netconf/sessions.hpp"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <pwd.h>
 #include <unistd.h>
 
@@ -13,10 +12,7 @@
 #include <vector>
 
 #include "framework/error.hpp"
-
-extern "C" { // which the header of Debian 12 lacks
-#include <sys/pidfd.h>
-}
+#include "servers/netconf/process_handle.hpp"
 
 namespace ocpsm::netconf {
 
@@ -24,7 +20,7 @@ namespace {
 
 // The record of a process stands at a place of its own.
 constexpr off_t record_size = sizeof(SessionRecord);
-constexpr int longest_end = 5000; // milliseconds
+constexpr std::chrono::seconds longest_end{5};
 
 off_t place_of(std::uint32_t id) {
     return static_cast<off_t>(id) * record_size;
@@ -42,22 +38,6 @@ struct flock part(short type, off_t from, off_t size) {
 [[noreturn]] void refuse(const std::string &tag, const std::string &message) {
     throw Error(Error::Source::refused, tag, "", message);
 }
-
-class ProcessHandle {
-public:
-    explicit ProcessHandle(std::uint32_t id) : file_(pidfd_open(static_cast<pid_t>(id), 0)) {}
-    ProcessHandle(const ProcessHandle &) = delete;
-    ProcessHandle &operator=(const ProcessHandle &) = delete;
-    ~ProcessHandle() {
-        if (file_ >= 0) {
-            close(file_);
-        }
-    }
-    int file() const { return file_; }
-
-private:
-    int file_;
-};
 
 } // namespace
 
@@ -112,18 +92,15 @@ bool Sessions::is_there(std::uint32_t id) const {
 
 // The process is held before it is looked for, so that no other one of its number is ended.
 void Sessions::end(std::uint32_t id) const {
-    const ProcessHandle process(id);
-    if (process.file() < 0 || !is_there(id)) {
+    const ProcessHandle process(static_cast<pid_t>(id));
+    if (!process.exists() || !is_there(id)) {
         refuse("invalid-value", "there is no session " + std::to_string(id));
     }
-    if (pidfd_send_signal(process.file(), SIGKILL, nullptr, 0) != 0) {
+    if (!process.send(SIGKILL)) {
         refuse(errno == EPERM ? "access-denied" : "operation-failed",
                "the session " + std::to_string(id) + " of another user cannot be ended");
     }
-    struct pollfd ended {
-        process.file(), POLLIN, 0
-    };
-    if (poll(&ended, 1, longest_end) <= 0) {
+    if (!process.wait(longest_end)) {
         refuse("operation-failed", "the session " + std::to_string(id) + " does not end");
     }
 }

@@ -23,11 +23,10 @@ RequestNode identity(const NamespaceName &space, const std::string &tag, const N
 
 RequestNode library() {
     Tree set{leaf(space::library, "name", name_of_set)};
-    for (const Model &model : modules()) {
+    for (const YangModule &model : modules()) {
         set.push_back(inner(space::library, "module",
-                            {leaf(space::library, "name", std::string(model.name)),
-                             leaf(space::library, "revision", std::string(model.revision)),
-                             leaf(space::library, "namespace", std::string(model.namespace_uri))}));
+                            {leaf(space::library, "name", model.name), leaf(space::library, "revision", model.revision),
+                             leaf(space::library, "namespace", model.namespace_uri)}));
         if (model.namespace_uri == std::string_view(space::netconf)) {
             for (const char *feature : {"writable-running", "rollback-on-error", "validate", "xpath"}) {
                 set.back().children.push_back(leaf(space::library, "feature", feature));
@@ -64,10 +63,9 @@ RequestNode datastore(const Service &service) {
 
 RequestNode schemas() {
     Tree all;
-    for (const Model &model : modules()) {
-        all.push_back(own_inner("schema", {own_leaf("identifier", std::string(model.name)),
-                                           own_leaf("version", std::string(model.revision)), own_leaf("format", "yang"),
-                                           own_leaf("namespace", std::string(model.namespace_uri)),
+    for (const YangModule &model : modules()) {
+        all.push_back(own_inner("schema", {own_leaf("identifier", model.name), own_leaf("version", model.revision),
+                                           own_leaf("format", "yang"), own_leaf("namespace", model.namespace_uri),
                                            own_leaf("location", "NETCONF")}));
     }
     return own_inner("schemas", std::move(all));

@@ -316,10 +316,6 @@ public:
     std::vector<ocpsm::JournalEntry> journal(std::uint64_t after, std::size_t most) override {
         return behind_->journal(after, most);
     }
-
-    std::vector<ocpsm::JournalEntry> journal(std::uint64_t after, std::size_t most) override {
-        return behind_->journal(after, most);
-    }
     std::uint64_t last_sequence() override { return behind_->last_sequence(); }
 
 private:
@@ -463,16 +459,6 @@ TEST(Service, AnswersWithDefaultsAsTheyAreSetWithoutThemAndWithAll) {
     EXPECT_EQ(leaves(ocpsm::Defaults::all),
               with({"/config/relative-switch-threshold=0.0", "/config/relative-switch-threshold-offset=0.0",
                     "/config/force-to-port=NONE"}));
-}
-
-TEST(Service, HasTheModelOfItsRequests) {
-    ASSERT_EQ(Service::models().size(), 1U);
-    const ocpsm::Model &model = Service::models().front();
-    EXPECT_EQ(model.name, "openconfig-transport-line-protection");
-    EXPECT_EQ(model.revision, "2018-11-21");
-    EXPECT_EQ(model.prefix, "oc-line-protect");
-    EXPECT_EQ(model.namespace_uri, space);
-    EXPECT_TRUE(model.text.starts_with("module openconfig-transport-line-protection {"));
 }
 
 TEST(Error, BelongsToTheLayerOfItsTag) {

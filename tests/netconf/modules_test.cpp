@@ -13,7 +13,7 @@
 
 namespace {
 
-using ocpsm::Model;
+using ocpsm::YangModule;
 using ocpsm::netconf::modules;
 
 struct Destroy {
@@ -26,7 +26,7 @@ protected:
         ly_ctx *made = nullptr;
         ASSERT_EQ(ly_ctx_new(nullptr, LY_CTX_NO_YANGLIBRARY | LY_CTX_DISABLE_SEARCHDIRS, &made), LY_SUCCESS);
         context_.reset(made);
-        for (const Model &model : modules()) {
+        for (const YangModule &model : modules()) {
             ly_in *in = nullptr;
             const std::string text(model.text);
             ASSERT_EQ(ly_in_new_memory(text.c_str(), &in), LY_SUCCESS);
@@ -46,7 +46,7 @@ protected:
 TEST_F(Modules, AreWhatIsSaidOfThem) {
     ASSERT_EQ(parsed_.size(), modules().size());
     for (std::size_t at = 0; at < parsed_.size(); ++at) {
-        const Model &model = modules()[at];
+        const YangModule &model = modules()[at];
         EXPECT_EQ(model.name, parsed_[at]->name);
         EXPECT_EQ(model.revision, parsed_[at]->revision) << model.name;
         EXPECT_EQ(model.prefix, parsed_[at]->prefix) << model.name;

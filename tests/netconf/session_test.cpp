@@ -51,6 +51,7 @@ public:
         }
         return found;
     }
+    std::uint64_t last_sequence() override { return entries_.empty() ? 0 : entries_.back().sequence; }
 
 private:
     std::shared_ptr<ocpsm::Device> behind_;
