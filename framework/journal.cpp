@@ -1,6 +1,7 @@
 #include "framework/journal.hpp"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <ctime>
 
@@ -18,6 +19,11 @@ std::string date_and_time(std::int64_t time) {
                                      parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday, parts.tm_hour, parts.tm_min,
                                      parts.tm_sec, static_cast<int>(since_first % 1000));
     return {text.data(), static_cast<std::size_t>(length)};
+}
+
+std::int64_t time_of_day() {
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
 }
 
 } // namespace ocpsm

@@ -28,13 +28,13 @@ enum class JournalKind {
     pulled,
     cut, // a fibre
     spliced,
-    dimmed, // another light is on a fibre
+    lit, // another light is on a fibre
 };
 
 // By kind, as people and programs read them.
 inline constexpr std::array<std::string_view, 7> journal_kind_names{"switched", "configured", "fitted", "pulled",
-                                                                    "cut",      "spliced",    "dimmed"};
-static_assert(static_cast<std::size_t>(JournalKind::dimmed) + 1 == journal_kind_names.size());
+                                                                    "cut",      "spliced",    "lit"};
+static_assert(static_cast<std::size_t>(JournalKind::lit) + 1 == journal_kind_names.size());
 
 constexpr std::string_view name_of(JournalKind kind) {
     return journal_kind_names.at(static_cast<std::size_t>(kind));
@@ -47,9 +47,9 @@ struct JournalEntry {
     std::uint64_t clock = 0;    // of the device, milliseconds
     JournalKind kind = JournalKind::configured;
     std::string module = {};          // its name; empty: an edit, which may concern several
-    std::string before = {};          // of switched: "PRIMARY" or "SECONDARY"; of dimmed: dBm
+    std::string before = {};          // of switched: "PRIMARY" or "SECONDARY"; of lit: dBm
     std::string after = {};           // likewise
-    std::string line = {};            // of cut, spliced and dimmed: "primary" or "secondary"
+    std::string line = {};            // of cut, spliced and lit: "primary" or "secondary"
     std::string reason = {};          // of switched, in words
     std::string user = {};            // of configured: who asked, see EditOptions; else empty
     std::vector<Change> changes = {}; // of configured
@@ -60,6 +60,9 @@ struct JournalEntry {
 // A time of day as RFC 3339 writes it, "2026-11-21T21:09:32.123Z"; of a time that is in no year from 0 to 9999, that of
 // the nearest one that is.
 std::string date_and_time(std::int64_t time);
+
+// Now, milliseconds since 1970 (UTC).
+std::int64_t time_of_day();
 
 } // namespace ocpsm
 

@@ -136,7 +136,7 @@ EditResult Service::edit(const Edit &edit, const EditOptions &options) const {
     } catch (const Error &error) {
         result.error = error;
     }
-    if (result.error || !options.report_changes) {
+    if (result.error) {
         result.changes.clear();
     }
     return result;

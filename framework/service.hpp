@@ -137,9 +137,8 @@ enum class DefaultOperation {
 
 struct EditOptions : Options {
     DefaultOperation default_operation = DefaultOperation::merge;
-    bool dry_run = false;       // do everything but the last step: the device stays as it is
-    bool report_changes = true; // say what has changed
-    std::string user = {};      // who asks, for the journal: the door, and the user or peer there
+    bool dry_run = false;  // do everything but the last step: the device stays as it is
+    std::string user = {}; // who asks, for the journal: the door, and the user or peer there
 
     // Looks at what is to change before it is made to last; what it throws refuses the edit. None: everything may.
     std::function<void(const std::vector<Change> &changes)> check = {};

@@ -128,14 +128,6 @@ std::optional<std::string_view> nearest(std::string_view text, std::span<const s
     return found;
 }
 
-std::string listed(std::span<const std::string> texts, std::size_t most) {
-    std::string list;
-    for (const std::string &text : texts.first(std::min(most, texts.size()))) {
-        list.append(list.empty() ? "" : ", ").append(one_line(text));
-    }
-    return texts.size() > most ? list + " and " + std::to_string(texts.size() - most) + " more" : list;
-}
-
 std::string xpath_literal(std::string_view text) {
     for (const char *quote : {"'", "\""}) {
         if (text.find(*quote) == std::string_view::npos) {
@@ -194,12 +186,37 @@ void append_xml(std::string &out, std::string_view text) {
     }
 }
 
+std::string xml_element(std::string_view name, std::string_view text) {
+    std::string element = std::string("<").append(name).append(">");
+    append_xml(element, text);
+    return element.append("</").append(name).append(">\n");
+}
+
+std::string xml_text(std::string_view text) {
+    constexpr std::string_view replacement = "\xef\xbf\xbd";
+    std::string shown;
+    while (!text.empty()) {
+        const std::string_view before = text;
+        const bool is_carried = is_xml_character(next_character(text));
+        shown += is_carried ? before.substr(0, before.size() - text.size()) : replacement;
+    }
+    return shown;
+}
+
 std::string FirstTexts::in_a_row() const {
     std::string text;
     for (const std::string &kept : kept_) {
         text.append(text.empty() ? "" : ", ").append(kept);
     }
     return more() == 0 ? text : text + " and " + std::to_string(more()) + " more";
+}
+
+std::string listed(std::span<const std::string> texts) {
+    FirstTexts first;
+    for (const std::string &text : texts) {
+        first.add([&text] { return one_line(text); });
+    }
+    return first.in_a_row();
 }
 
 } // namespace ocpsm

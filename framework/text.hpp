@@ -25,9 +25,6 @@ std::string quoted(std::string_view text, std::size_t longest = 60);
 // 64; none where several are as near.
 std::optional<std::string_view> nearest(std::string_view text, std::span<const std::string> known);
 
-// These, behind each other: "a, b and 3 more".
-std::string listed(std::span<const std::string> texts, std::size_t most = 16);
-
 // A text as an XPath 1.0 literal: in single quotes, in double ones where it holds single ones, else as a concat().
 std::string xpath_literal(std::string_view text);
 
@@ -36,6 +33,12 @@ std::string key_predicate(std::string_view key, std::string_view value);
 
 // Appends a text as XML has it between tags.
 void append_xml(std::string &out, std::string_view text);
+
+// An element on a line, "<name>text</name>".
+std::string xml_element(std::string_view name, std::string_view text);
+
+// A text with U+FFFD for each byte or character that XML 1.0 cannot carry.
+std::string xml_text(std::string_view text);
 
 // Whether a text is UTF-8, and whether it also holds nothing but characters of XML 1.0.
 bool is_utf8(std::string_view text);
@@ -65,6 +68,9 @@ private:
     std::vector<std::string> kept_;
     std::size_t count_ = 0;
 };
+
+// Texts of any origin in such a row, each as one_line has it.
+std::string listed(std::span<const std::string> texts);
 
 } // namespace ocpsm
 

@@ -5,11 +5,11 @@
 
 #include "commands.hpp"
 #include "following.hpp"
+#include "framework/user.hpp"
 #include "leaf_table.hpp"
 #include "line_system_service.hpp"
 #include "result_document.hpp"
 #include "undo.hpp"
-#include "user.hpp"
 
 namespace ocpsm {
 namespace {

@@ -4,6 +4,7 @@
 #include <ostream>
 #include <string>
 
+#include "columns.hpp"
 #include "commands.hpp"
 #include "following.hpp"
 #include "line_system_service.hpp"
@@ -13,22 +14,13 @@
 namespace ocpsm {
 namespace {
 
-std::string right(const std::string &text, std::size_t width) {
-    return std::string(width - std::min(width, text.size()), ' ') + text;
-}
-
-std::string left(std::string text, std::size_t width) {
-    text.resize(std::max(width, text.size()), ' ');
-    return text;
-}
-
 std::string what_and_who(const JournalEntry &entry) {
     std::string text = entry.module;
     text += entry.line.empty() ? "" : " " + entry.line;
     if (entry.before != entry.after) {
         text += " " + entry.before + " -> " + entry.after;
     }
-    text += entry.kind == JournalKind::dimmed ? " dBm" : "";
+    text += entry.kind == JournalKind::lit ? " dBm" : "";
     text += entry.reason.empty() ? "" : ", " + entry.reason;
     text += entry.user.empty() ? "" : "by " + entry.user;
     return on_one_line(text);
@@ -38,9 +30,9 @@ std::string words(const JournalEntry &entry) {
     constexpr std::size_t sequence_width = 6;
     constexpr std::size_t clock_width = 10;
     constexpr std::size_t kind_width = 10;
-    std::string text = right(std::to_string(entry.sequence), sequence_width) + "  " + date_and_time(entry.time) + "  " +
-                       right(seconds(entry.clock), clock_width) + "  " +
-                       left(std::string(name_of(entry.kind)), kind_width) + "  " + what_and_who(entry);
+    std::string text = to_the_right(std::to_string(entry.sequence), sequence_width) + "  " + date_and_time(entry.time) +
+                       "  " + to_the_right(seconds(entry.clock), clock_width) + "  " +
+                       to_the_left(name_of(entry.kind), kind_width) + "  " + what_and_who(entry);
     text.erase(text.find_last_not_of(' ') + 1);
     for (const Change &change : entry.changes) {
         text += "\n" + std::string(sequence_width + 2, ' ') + in_words(change);

@@ -6,6 +6,7 @@
 #include <iterator>
 #include <map>
 
+#include "columns.hpp"
 #include "framework/models/models.hpp"
 #include "framework/openconfig.hpp"
 #include "framework/text.hpp"
@@ -27,16 +28,6 @@ struct Group {
     std::string path; // below a module
     std::vector<Row> rows;
 };
-
-// Characters, or rather what begins one.
-std::size_t width(std::string_view text) {
-    return static_cast<std::size_t>(std::count_if(
-        text.begin(), text.end(), [](char byte) { return (static_cast<unsigned char>(byte) >> 6U) != 2; }));
-}
-
-std::string blanks(std::size_t wanted, std::string_view text) {
-    return std::string(wanted - std::min(wanted, width(text)), ' ');
-}
 
 // A container of configuration or of state, with all that is below it.
 std::size_t end_of_group(const std::string &path) {
@@ -77,11 +68,11 @@ public:
         }
         std::size_t name_width = 0;
         std::vector<std::size_t> widths;
-        std::transform(modules_.begin(), modules_.end(), std::back_inserter(widths), width);
+        std::transform(modules_.begin(), modules_.end(), std::back_inserter(widths), width_of);
         for_each_row([&](const Row &row) {
             name_width = std::max(name_width, gap + row.path.size());
             for (const auto &[column, value] : row.values) {
-                widths[column] = std::max(widths[column], width(value));
+                widths[column] = std::max(widths[column], width_of(value));
             }
         });
         std::string text = std::string(name_width, ' ');
@@ -92,7 +83,7 @@ public:
         for (const Group &group : groups_) {
             text += "\n" + group.path + "\n";
             for (const Row &row : group.rows) {
-                text += std::string(gap, ' ') + row.path + blanks(name_width - gap, row.path);
+                text += std::string(gap, ' ') + to_the_left(row.path, name_width - gap);
                 for (std::size_t column = 0; column < modules_.size(); ++column) {
                     const auto value = row.values.find(column);
                     text += cell(value == row.values.end() ? "-" : value->second, widths[column]);
@@ -105,7 +96,7 @@ public:
 
 private:
     static std::string cell(std::string_view text, std::size_t column_width) {
-        return std::string(gap, ' ') + blanks(column_width, text) + std::string(text);
+        return std::string(gap, ' ') + to_the_right(text, column_width);
     }
 
     template <class Visit>

@@ -5,6 +5,9 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "columns.hpp"
+#include "framework/text.hpp"
+
 namespace ocpsm {
 namespace {
 
@@ -13,10 +16,6 @@ constexpr std::array<std::string_view, 2> path_names = {"PRIMARY", "SECONDARY"};
 constexpr std::size_t gap = 2;           // in front of a column
 constexpr std::size_t longest_value = 8; // "-1234.56"
 constexpr std::size_t name_width = 11;   // of a line, with what marks the active one
-
-std::string right(std::string_view text, std::size_t width) {
-    return std::string(width - std::min(width, text.size()), ' ').append(text);
-}
 
 std::size_t width_of(const LineColumn &column) {
     std::size_t longest = longest_value;
@@ -43,7 +42,7 @@ void for_each_value(const LineRow &row, Visit visit) {
 std::string heading(std::size_t row, std::string_view last) {
     std::string text(name_width, ' ');
     for (const LineColumn &column : line_columns()) {
-        text += right(column.at(row), width_of(column));
+        text += to_the_right(column.at(row), width_of(column));
     }
     return last.empty() ? text : text.append("  ").append(last);
 }
@@ -52,7 +51,7 @@ std::string line_text(const LineRow &row, std::size_t line) {
     std::string text(row.active ? "* " : "  ");
     text.append(line_names.at(line)).resize(name_width, ' ');
     for_each_value(row, [&](const LineColumn &column, const std::optional<int> &value) {
-        text += right(value ? hundredths(*value) : "-", width_of(column));
+        text += to_the_right(value ? hundredths(*value) : "-", width_of(column));
     });
     return text.append("  ").append(row.cut ? "cut" : "whole");
 }
@@ -142,24 +141,22 @@ std::string to_json(const LineTable &table) {
 }
 
 std::string to_xml(const LineTable &table) {
-    const auto element = [](std::string_view name, std::string_view value) {
-        return std::string("<").append(name).append(">").append(value).append("</").append(name).append(">\n");
-    };
-    std::string text = "<line-system>\n  " + element("clock", std::to_string(table.clock));
+    std::string text = "<line-system>\n  " + xml_element("clock", std::to_string(table.clock));
     for (const ModuleRow &module : table.modules) {
-        text += "  <module>\n    " + element("slot", std::to_string(module.slot)) + "    " +
-                element("name", module.name) + "    " + element("active-path", path_names.at(active_line(module))) +
-                "    " + element("force-to-port", forced_path(module));
+        text += "  <module>\n    " + xml_element("slot", std::to_string(module.slot)) + "    " +
+                xml_element("name", module.name) + "    " +
+                xml_element("active-path", path_names.at(active_line(module))) + "    " +
+                xml_element("force-to-port", forced_path(module));
         for (const Detail &detail : details(module.settings)) {
-            text += "    " + element(detail.name, detail.value);
+            text += "    " + xml_element(detail.name, detail.value);
         }
         for (std::size_t line = 0; line < module.lines.size(); ++line) {
             const LineRow &row = module.lines.at(line);
-            text += "    <line>\n      " + element("name", line_names.at(line));
+            text += "    <line>\n      " + xml_element("name", line_names.at(line));
             for_each_value(row, [&](const LineColumn &column, const std::optional<int> &value) {
-                text += value ? "      " + element(name_of(column), hundredths(*value)) : "";
+                text += value ? "      " + xml_element(name_of(column), hundredths(*value)) : "";
             });
-            text += "      " + element("fibre", row.cut ? "cut" : "whole") + "    </line>\n";
+            text += "      " + xml_element("fibre", row.cut ? "cut" : "whole") + "    </line>\n";
         }
         text += "  </module>\n";
     }

@@ -11,8 +11,8 @@
 namespace ocpsm {
 
 struct NetconfDoorOptions {
-    std::string address;                   // HOST:PORT, [HOST]:PORT
-    std::filesystem::path authorized_keys; // of the user who serves
+    std::string address;         // HOST:PORT, [HOST]:PORT
+    std::string authorized_keys; // a file, of the user who serves
     std::filesystem::path state;
     std::filesystem::path plugin;
 };

@@ -87,12 +87,6 @@ std::string to_json(const Content &content) {
 
 // ---- XML ----
 
-std::string element(std::string_view name, std::string_view value) {
-    std::string text = std::string("<").append(name).append(">");
-    append_xml(text, value);
-    return text.append("</").append(name).append(">\n");
-}
-
 std::string to_xml(const Content &content) {
     std::string text = content.native.empty() ? "<result>\n  <native/>\n" : "<result>\n  <native>\n";
     for (const DeviceRequest &request : content.native) {
@@ -100,16 +94,16 @@ std::string to_xml(const Content &content) {
     }
     text += content.native.empty() ? "" : "  </native>\n";
     if (content.result != nullptr) {
-        text += "  " + element("result", *content.result);
+        text += "  " + xml_element("result", *content.result);
     }
     for (const Change &change : content.changes == nullptr ? std::vector<Change>() : *content.changes) {
-        text += "  <change>\n    " + element("path", change.path);
-        text += change.before ? "    " + element("before", *change.before) : "";
-        text += change.after ? "    " + element("after", *change.after) : "";
+        text += "  <change>\n    " + xml_element("path", change.path);
+        text += change.before ? "    " + xml_element("before", *change.before) : "";
+        text += change.after ? "    " + xml_element("after", *change.after) : "";
         text += "  </change>\n";
     }
     for (const std::string &warning : content.warnings) {
-        text += "  " + element("warning", one_line(warning, whole_text));
+        text += "  " + xml_element("warning", one_line(warning, whole_text));
     }
     return text + "</result>\n";
 }

@@ -39,25 +39,24 @@ struct ServeLine {
     }
 };
 
+// A file that goes with another option.
+CLI::Option *add_file(CLI::App &serve, const std::string &name, std::string &file, const std::string &help,
+                      CLI::Option *with) {
+    return serve.add_option(name, file, help)->type_name("FILE")->needs(with);
+}
+
 void add_doors(CLI::App &serve, ServeLine &line) {
     CLI::Option *gnmi =
         serve.add_option("--gnmi", line.gnmi.address, "Serve gNMI; plaintext on loopback only")->type_name("ADDR:PORT");
     CLI::Option *certificate =
-        serve.add_option("--tls-cert", line.gnmi.certificate, "The certificate of gNMI's TLS, in PEM")
-            ->type_name("FILE")
-            ->needs(gnmi);
-    CLI::Option *key = serve.add_option("--tls-key", line.gnmi.key, "Its key")->type_name("FILE")->needs(certificate);
-    certificate->needs(key);
-    serve.add_option("--tls-ca", line.gnmi.client_authority, "Who signs the certificates that clients must have")
-        ->type_name("FILE")
-        ->needs(certificate);
+        add_file(serve, "--tls-cert", line.gnmi.certificate, "The certificate of gNMI's TLS, in PEM", gnmi);
+    certificate->needs(add_file(serve, "--tls-key", line.gnmi.key, "Its key", certificate));
+    add_file(serve, "--tls-ca", line.gnmi.client_authority, "Who signs the certificates that clients must have",
+             certificate);
     CLI::Option *netconf =
         serve.add_option("--netconf", line.netconf.address, "Serve NETCONF over SSH")->type_name("ADDR:PORT");
-    CLI::Option *keys =
-        serve.add_option("--authorized-keys", line.netconf.authorized_keys, "The public keys that NETCONF lets in")
-            ->type_name("FILE")
-            ->needs(netconf);
-    netconf->needs(keys);
+    netconf->needs(add_file(serve, "--authorized-keys", line.netconf.authorized_keys,
+                            "The public keys that NETCONF lets in", netconf));
 }
 
 } // namespace

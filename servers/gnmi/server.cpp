@@ -10,6 +10,7 @@
 #include <mutex>
 #include <utility>
 
+#include "servers/address.hpp"
 #include "servers/gnmi/get.hpp"
 #include "servers/gnmi/set.hpp"
 #include "servers/gnmi/subscribe_call.hpp"
@@ -30,30 +31,6 @@ Error bad_input(const std::string &message, const std::string &advice) {
 }
 
 // ---- addresses ----
-
-struct Address {
-    std::string host; // without brackets
-    std::string port;
-};
-
-Address parse_address(const std::string &text) {
-    const std::size_t colon = text.rfind(':');
-    if (colon != std::string::npos && colon > 0) {
-        Address address{text.substr(0, colon), text.substr(colon + 1)};
-        const bool bracketed = address.host.front() == '[' && address.host.back() == ']' && address.host.size() > 2;
-        if (bracketed) {
-            address.host = address.host.substr(1, address.host.size() - 2);
-        }
-        unsigned number = 0;
-        const char *end = address.port.data() + address.port.size();
-        const auto parsed = std::from_chars(address.port.data(), end, number);
-        if (parsed.ec == std::errc() && parsed.ptr == end && number <= 65'535 &&
-            (bracketed || address.host.find(':') == std::string::npos)) {
-            return address;
-        }
-    }
-    throw bad_input("no address to listen on: " + text, "write HOST:PORT, for example 127.0.0.1:9339");
-}
 
 bool is_loopback(const std::string &host) {
     return host == "localhost" || host == "::1" ||

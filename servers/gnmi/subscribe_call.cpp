@@ -8,16 +8,6 @@ namespace {
 // The field that aliases had before they were given up.
 constexpr int aliases_field = 2;
 
-bool has_aliases(const messages::SubscribeRequest &request) {
-    const google::protobuf::UnknownFieldSet &fields = request.GetReflection()->GetUnknownFields(request);
-    for (int at = 0; at < fields.field_count(); ++at) {
-        if (fields.field(at).number() == aliases_field) {
-            return true;
-        }
-    }
-    return false;
-}
-
 grpc::Status invalid(const std::string &message) {
     return {grpc::StatusCode::INVALID_ARGUMENT, message};
 }
@@ -110,7 +100,7 @@ void SubscribeCall::OnReadDone(bool ok) {
 }
 
 void SubscribeCall::read_list() {
-    if (has_aliases(list_)) {
+    if (has_unknown_field(list_, aliases_field)) {
         end_with({grpc::StatusCode::UNIMPLEMENTED, "aliases are not served"});
         return;
     }
@@ -136,7 +126,7 @@ void SubscribeCall::read_list() {
 
 // The next one is read when it has been answered: a client that does not read its answers cannot pile up polls.
 void SubscribeCall::read_poll() {
-    if (has_aliases(poll_)) {
+    if (has_unknown_field(poll_, aliases_field)) {
         end_with({grpc::StatusCode::UNIMPLEMENTED, "aliases are not served"});
     } else if (!poll_.has_poll()) {
         end_with(invalid("a Subscribe has one subscription list, and polls behind it"));

@@ -29,16 +29,6 @@ std::optional<Time> interval_of(std::uint64_t nanoseconds, const char *name, con
     return Time(std::min(nanoseconds, static_cast<std::uint64_t>(longest_interval.count())));
 }
 
-bool has_unknown_field(const google::protobuf::Message &message, int number) {
-    const google::protobuf::UnknownFieldSet &fields = message.GetReflection()->GetUnknownFields(message);
-    for (int at = 0; at < fields.field_count(); ++at) {
-        if (fields.field(at).number() == number) {
-            return true;
-        }
-    }
-    return false;
-}
-
 void require_list(const messages::SubscriptionList &list) {
     require_served(list.encoding());
     require_models(list.use_models());
@@ -121,6 +111,16 @@ bool fell_due(std::optional<Time> &next, const std::optional<Time> &interval, Ti
 }
 
 } // namespace
+
+bool has_unknown_field(const google::protobuf::Message &message, int number) {
+    const google::protobuf::UnknownFieldSet &fields = message.GetReflection()->GetUnknownFields(message);
+    for (int at = 0; at < fields.field_count(); ++at) {
+        if (fields.field(at).number() == number) {
+            return true;
+        }
+    }
+    return false;
+}
 
 Subscriptions::Subscriptions(const messages::SubscriptionList &list)
     : mode_(list.mode()), updates_only_(list.updates_only()) {

@@ -22,6 +22,9 @@ inline constexpr Time shortest_interval = std::chrono::milliseconds(100);
 // of that.
 inline constexpr Time measurement_interval = std::chrono::seconds(1);
 
+// Whether a message has a field of this number that is none of ours.
+bool has_unknown_field(const google::protobuf::Message &message, int number);
+
 /*
  * The subscriptions of one call. Samples are due at whole intervals from the start, however late one of them was
  * taken; what fell due meanwhile is one sample. Not safe for threads.

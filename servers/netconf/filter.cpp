@@ -10,16 +10,10 @@ namespace ocpsm::netconf {
 
 namespace {
 
-constexpr std::string_view blanks = " \t\r\n";
 constexpr std::string_view quotes = "'\"";
 constexpr std::string_view in_names = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-.";
 
 using Filters = std::vector<const RequestNode *>;
-
-std::string_view trimmed(std::string_view text) {
-    const std::size_t begin = std::min(text.find_first_not_of(blanks), text.size());
-    return text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
-}
 
 bool is_content_match(const RequestNode &filter) {
     return filter.value.has_value();

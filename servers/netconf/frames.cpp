@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "framework/error.hpp"
+#include "servers/netconf/xml.hpp"
 
 namespace ocpsm::netconf {
 
@@ -14,7 +15,6 @@ namespace {
 constexpr std::string_view end_mark = "]]>]]>";
 constexpr std::string_view chunk_mark = "\n#";
 constexpr std::string_view last_mark = "\n##\n";
-constexpr std::string_view blanks = " \t\r\n";
 constexpr std::size_t most_digits = 10; // of the largest size that the protocol has, 4294967295
 constexpr std::size_t first_digit = 2;  // of a chunk's header
 

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <utility>
 
+#include "framework/user.hpp"
 #include "servers/netconf/filter.hpp"
 #include "servers/netconf/modules.hpp"
 #include "servers/netconf/parameters.hpp"

@@ -3,12 +3,11 @@
 #include <algorithm>
 
 #include "servers/netconf/rpc_error.hpp"
+#include "servers/netconf/xml.hpp"
 
 namespace ocpsm::netconf {
 
 namespace {
-
-constexpr std::string_view blanks = " \t\r\n";
 
 bool is(const RequestNode &node, const Parameters::Known &known, const RequestNode &operation) {
     return node.tag == known.tag && (known.namespace_uri.empty() ? node.namespace_uri == operation.namespace_uri
@@ -87,9 +86,7 @@ void Parameters::require_running(std::string_view tag) const {
 }
 
 std::string text_of(const RequestNode &leaf) {
-    const std::string_view value = leaf.value ? std::string_view(*leaf.value) : std::string_view();
-    const std::size_t begin = std::min(value.find_first_not_of(blanks), value.size());
-    return std::string(value.substr(begin, value.find_last_not_of(blanks) + 1 - begin));
+    return std::string(leaf.value ? trimmed(*leaf.value) : std::string_view());
 }
 
 } // namespace ocpsm::netconf

@@ -1,7 +1,6 @@
 #include "servers/netconf/sessions.hpp"
 
 #include <fcntl.h>
-#include <pwd.h>
 #include <unistd.h>
 
 #include <array>
@@ -12,6 +11,7 @@
 #include <vector>
 
 #include "framework/error.hpp"
+#include "framework/journal.hpp"
 #include "servers/netconf/process_handle.hpp"
 
 namespace ocpsm::netconf {
@@ -103,21 +103,6 @@ void Sessions::end(std::uint32_t id) const {
     if (!process.wait(longest_end)) {
         refuse("operation-failed", "the session " + std::to_string(id) + " does not end");
     }
-}
-
-std::string user_name(std::uint32_t user) {
-    struct passwd entry {};
-    struct passwd *found = nullptr;
-    std::vector<char> texts(16384);
-    if (getpwuid_r(user, &entry, texts.data(), texts.size(), &found) != 0 || found == nullptr) {
-        return std::to_string(user);
-    }
-    return found->pw_name;
-}
-
-std::int64_t time_of_day() {
-    using namespace std::chrono;
-    return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
 }
 
 } // namespace ocpsm::netconf

@@ -42,12 +42,6 @@ private:
     SessionRecord own_;
 };
 
-// The name of a user, its number where it has none.
-std::string user_name(std::uint32_t user);
-
-// The time of day, milliseconds since 1970 (UTC).
-std::int64_t time_of_day();
-
 } // namespace ocpsm::netconf
 
 #endif

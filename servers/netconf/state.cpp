@@ -3,8 +3,8 @@
 #include <string>
 #include <utility>
 
+#include "framework/user.hpp"
 #include "servers/netconf/modules.hpp"
-#include "servers/netconf/times.hpp"
 #include "servers/netconf/xml.hpp"
 
 namespace ocpsm::netconf {

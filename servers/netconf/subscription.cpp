@@ -1,12 +1,10 @@
 #include "servers/netconf/subscription.hpp"
 
-#include <array>
 #include <string_view>
 #include <utility>
 
 #include "servers/netconf/filter.hpp"
 #include "servers/netconf/modules.hpp"
-#include "servers/netconf/times.hpp"
 #include "servers/netconf/xml.hpp"
 
 namespace ocpsm::netconf {
@@ -14,10 +12,6 @@ namespace ocpsm::netconf {
 namespace {
 
 constexpr std::size_t at_a_time = 64; // entries of the journal
-
-// By JournalKind.
-constexpr std::array<std::string_view, 7> names{"switched", "configured", "fitted", "pulled",
-                                                "cut",      "spliced",    "dimmed"};
 
 RequestNode own_leaf(const std::string &tag, const std::string &value) {
     return leaf(space::journal, tag, value);
@@ -51,7 +45,7 @@ RequestNode event_of(const JournalEntry &entry) {
     for (const Change &change : entry.changes) {
         nodes.push_back(node_of(change));
     }
-    return inner(space::journal, std::string(names.at(static_cast<std::size_t>(entry.kind))), std::move(nodes));
+    return inner(space::journal, std::string(name_of(entry.kind)), std::move(nodes));
 }
 
 std::string notification(std::int64_t time, const Tree &content) {
@@ -59,18 +53,10 @@ std::string notification(std::int64_t time, const Tree &content) {
            "</eventTime>\n" + print(content, space::notification, 1) + "</notification>";
 }
 
-std::uint64_t last_of_journal(const Service &service) {
-    std::uint64_t last = 0;
-    for (auto entries = service.journal(0, at_a_time); !entries.empty(); entries = service.journal(last, at_a_time)) {
-        last = entries.back().sequence;
-    }
-    return last;
-}
-
 } // namespace
 
 Subscription::Subscription(const Service &service, SubscriptionOptions options)
-    : service_(service), options_(std::move(options)), replay_(last_of_journal(service)),
+    : service_(service), options_(std::move(options)), replay_(service.last_sequence()),
       replaying_(options_.start.has_value()) {
     after_ = replaying_ ? 0 : replay_;
 }

@@ -1,27 +1,11 @@
 #include "servers/netconf/times.hpp"
 
-#include <array>
 #include <chrono>
-#include <cstdio>
 #include <regex>
 
 namespace ocpsm::netconf {
 
 using namespace std::chrono;
-
-std::string date_and_time(std::int64_t time) {
-    const sys_time<milliseconds> point{milliseconds(time)};
-    const auto day = floor<days>(point);
-    const year_month_day date(day);
-    const hh_mm_ss clock(point - day);
-    std::array<char, 40> text{};
-    static_cast<void>(
-        std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ", static_cast<int>(date.year()),
-                      static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-                      static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
-                      static_cast<int>(clock.seconds().count()), static_cast<int>(clock.subseconds().count())));
-    return text.data();
-}
 
 std::optional<std::int64_t> milliseconds_of(const std::string &text) {
     constexpr std::size_t longest = 64;

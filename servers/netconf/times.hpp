@@ -8,9 +8,8 @@
 
 namespace ocpsm::netconf {
 
-// Milliseconds since 1970 (UTC) as 2026-11-21T20:15:00.250Z, and back; nothing for a text that is no such time. Digits
-// behind the milliseconds do not count.
-std::string date_and_time(std::int64_t milliseconds);
+// 2026-11-21T20:15:00.250Z as milliseconds since 1970 (UTC), the other way of ocpsm::date_and_time; nothing for a text
+// that is no such time. Digits behind the milliseconds do not count.
 std::optional<std::int64_t> milliseconds_of(const std::string &date_and_time);
 
 } // namespace ocpsm::netconf

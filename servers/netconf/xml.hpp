@@ -12,6 +12,11 @@ namespace ocpsm::netconf {
 // A text as it stands between tags and in double quotes; what XML cannot carry is U+FFFD.
 std::string escaped(std::string_view text);
 
+inline constexpr std::string_view blanks = " \t\r\n";
+
+// A text without the blanks around it.
+std::string_view trimmed(std::string_view text);
+
 // Nodes in lines of their own, indented by so many levels. A namespace is declared where it changes, beginning with
 // `around`, the one that holds around them.
 std::string print(const Tree &nodes, std::string_view around, std::size_t level = 0);

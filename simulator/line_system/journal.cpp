@@ -20,7 +20,7 @@ constexpr std::string_view head_record = "head";
 
 // By JournalKind.
 constexpr std::array<char, 7> letters = {'s', 'e', 'f', 'p', 'c', 'w', 'd'};
-static_assert(static_cast<std::size_t>(JournalKind::dimmed) + 1 == letters.size());
+static_assert(static_cast<std::size_t>(JournalKind::lit) + 1 == letters.size());
 
 // The members of an entry that are texts, in the order in which they are kept.
 constexpr std::array texts = {&JournalEntry::module, &JournalEntry::before, &JournalEntry::after,

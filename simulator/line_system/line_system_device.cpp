@@ -1,6 +1,5 @@
 #include "simulator/line_system/line_system_device.hpp"
 
-#include <chrono>
 #include <stdexcept>
 
 #include "framework/text.hpp"
@@ -10,11 +9,6 @@
 #include "simulator/line_system/storage.hpp"
 
 namespace ocpsm::line_system {
-
-std::int64_t time_of_day() {
-    const auto now = std::chrono::system_clock::now().time_since_epoch();
-    return std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
-}
 
 native::NativeData LineSystemDevice::answer(const native::NetRequest &read) {
     return native::answer(native_data(system()), read);

@@ -15,7 +15,6 @@ namespace ocpsm::line_system {
 
 // Milliseconds since 1970 (UTC). The journal is the only thing that depends on it.
 using TimeOfDay = std::int64_t (*)();
-std::int64_t time_of_day();
 
 // Answers from a transaction of the caller's, and edits in it. It must not outlive the transaction, in which nobody
 // else changes anything.

@@ -203,7 +203,7 @@ LineSystem light(const LineSystem &system, int number, Path line, int hundredths
                     "name a power from -40.00 to 30.00 dBm");
     }
     if (light != hundredths_of_dbm) {
-        JournalEntry entry = fibre_event(JournalKind::dimmed, system, number, line);
+        JournalEntry entry = fibre_event(JournalKind::lit, system, number, line);
         entry.before = hundredths(light);
         entry.after = hundredths(hundredths_of_dbm);
         add(events, std::move(entry));

@@ -44,7 +44,6 @@ struct Step {
     int amount = 0; // light: hundredths of a dBm; tick: milliseconds; clear: the settings before this one
     std::vector<SettingEdit> edits = {};
     bool compare = false; // the whole answer afterwards
-    bool report = false;  // what an edit says that it has changed
 };
 
 // How a sequence begins: bare with modules in these slots, none for the example.
@@ -270,7 +269,6 @@ Sequence random_sequence(unsigned number) {
     }
     for (Step &step : sequence.steps) {
         step.compare = step.compare || random.one_in(100);
-        step.report = random.one_in(5);
     }
     sequence.steps.back().compare = true;
     return sequence;
@@ -368,8 +366,7 @@ public:
         const Model before = model_;
         switch (step.what) {
         case Do::edit:
-            return step.edits.empty() ? ""
-                                      : carry_out(request_of(step.edits), model_.edit(step.edits), before, step.report);
+            return step.edits.empty() ? "" : carry_out(request_of(step.edits), model_.edit(step.edits), before);
         case Do::clear:
             return clear(step, before);
         case Do::cut:
@@ -413,17 +410,14 @@ private:
         const bool whole = end == circle::settings.size();
         const ocpsm::PathEdits request{{circle::module_path(step.slot, whole ? "" : "/config"),
                                         whole ? Operation::delete_existing : Operation::remove}};
-        return carry_out(request, model_.clear(step.slot, end), before, step.report);
+        return carry_out(request, model_.clear(step.slot, end), before);
     }
 
     // A refused edit tells one of the reasons; that it has changed nothing shows when the answer is compared.
-    std::string carry_out(const ocpsm::Edit &request, const std::set<std::string> &reasons, const Model &before,
-                          bool report) {
+    std::string carry_out(const ocpsm::Edit &request, const std::set<std::string> &reasons, const Model &before) {
         ocpsm::EditResult result;
-        ocpsm::EditOptions options;
-        options.report_changes = report;
         try {
-            result = system_.service().edit(request, options);
+            result = system_.service().edit(request);
         } catch (const ocpsm::Error &error) {
             result.error = error;
         }
@@ -438,7 +432,7 @@ private:
             changes.push_back(circle::short_path(change.path) + ": " + change.before.value_or("-") + " -> " +
                               change.after.value_or("-"));
         }
-        return difference(changes, report ? model_.changes_since(before) : Lines());
+        return difference(changes, model_.changes_since(before));
     }
 
     LineSystem &system_;

@@ -167,6 +167,25 @@ class Case(unittest.TestCase):
         return stream
 
 
+class OwnServerCase(Case):
+    """Tests each of which has a server of its own."""
+
+    @classmethod
+    def setUpClass(cls):
+        pass
+
+    @classmethod
+    def tearDownClass(cls):
+        pass
+
+    def setUp(self):
+        Case.setUpClass.__func__(self)
+
+    def tearDown(self):
+        self.doCleanups()
+        Case.tearDownClass.__func__(self)
+
+
 def message(text, kind):
     return text_format.Parse(text, kind())
 

@@ -1,5 +1,5 @@
 """Set: operations, values of every form, whole or not at all, errors."""
-from client import Case, Server, gnmi, gnmi_grpc, grpc, main, message, module, path
+from client import OwnServerCase, gnmi, grpc, main, message, module, path
 
 ONE = "/aps/aps-modules/aps-module[name='0/1-PSM-OM']"
 
@@ -8,25 +8,7 @@ def update(text, **value):
     return gnmi.Update(path=path(text), val=gnmi.TypedValue(**value))
 
 
-class Set(Case):
-    """Each test has a line system of its own."""
-
-    def setUp(self):
-        self.server = Server()
-        self.channel = grpc.insecure_channel(self.server.address)
-        self.stub = gnmi_grpc.gNMIStub(self.channel)
-
-    def tearDown(self):
-        self.channel.close()
-        self.assertEqual(self.server.close(), 0)
-
-    @classmethod
-    def setUpClass(cls):
-        pass
-
-    @classmethod
-    def tearDownClass(cls):
-        pass
+class Set(OwnServerCase):
 
     def set(self, **fields):
         return self.stub.Set(gnmi.SetRequest(**fields), timeout=60)

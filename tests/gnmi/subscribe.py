@@ -4,7 +4,7 @@ import subprocess
 import sys
 
 import client
-from client import LONGEST, Case, Server, Stream, gnmi, gnmi_grpc, grpc, main, message, module, path
+from client import LONGEST, OwnServerCase, Server, Stream, gnmi, gnmi_grpc, grpc, main, message, module, path
 
 ACTIVE = "/.../active-path"
 POWER = module(1, "/ports/line-primary-in/state/optical-power/instant")
@@ -21,25 +21,7 @@ def on_change(text):
     return to(text, gnmi.ON_CHANGE)
 
 
-class Subscribe(Case):
-    def setUp(self):
-        self.server = Server()
-        self.channel = grpc.insecure_channel(self.server.address)
-        self.stub = gnmi_grpc.gNMIStub(self.channel)
-
-    def tearDown(self):
-        self.doCleanups()
-        self.channel.close()
-        self.assertEqual(self.server.close(), 0)
-
-    @classmethod
-    def setUpClass(cls):
-        pass
-
-    @classmethod
-    def tearDownClass(cls):
-        pass
-
+class Subscribe(OwnServerCase):
     def happens(self, *commands):
         for command in [*commands, "news"]:
             self.assertEqual(self.server.tell(command), "done")

@@ -69,13 +69,10 @@ public:
 private:
     // Edits, one after the other, while the server does what it does.
     void burst(int count) {
-        ocpsm::EditOptions options;
-        options.report_changes = false;
         for (int value = 1; value <= count; ++value) {
             static_cast<void>(service_.edit(
                 ocpsm::PathEdits{{"/aps/aps-modules/aps-module[name=0/1-PSM-OM]/config/wait-to-restore-time",
-                                  ocpsm::Operation::merge, std::to_string(value)}},
-                options));
+                                  ocpsm::Operation::merge, std::to_string(value)}}));
             news_ = true;
         }
     }

@@ -103,8 +103,8 @@ TEST_F(JournalTest, HasWhatHappensToTheLineSystem) {
                                        JournalEntry{3, noon, 1250, JournalKind::spliced, first, "", "", "primary"},
                                        JournalEntry{4, noon, 11'350, JournalKind::switched, first, "SECONDARY",
                                                     "PRIMARY", "", "primary restored: -12.34 dBm, good for 10.0 s"},
-                                       JournalEntry{5, noon, 61'250, JournalKind::dimmed, "0/3-PSM-OM", "-16.59",
-                                                    "-20.00", "secondary"},
+                                       JournalEntry{5, noon, 61'250, JournalKind::lit, "0/3-PSM-OM", "-16.59", "-20.00",
+                                                    "secondary"},
                                        JournalEntry{6, noon, 61'250, JournalKind::pulled, "0/3-PSM-OM"},
                                        JournalEntry{7, noon, 61'250, JournalKind::fitted, "0/2-PSM-OM"}));
     EXPECT_EQ(last_sequence(*store->read()), 7U);

@@ -71,7 +71,7 @@ std::vector<std::string> split(const std::string &text, char at) {
 }
 
 JournalKind kind_named(const std::string &name) {
-    const std::vector<std::string> names{"switched", "configured", "fitted", "pulled", "cut", "spliced", "dimmed"};
+    const auto &names = ocpsm::journal_kind_names;
     return static_cast<JournalKind>(std::find(names.begin(), names.end(), name) - names.begin());
 }
 

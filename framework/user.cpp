@@ -1,4 +1,4 @@
-#include "user.hpp"
+#include "framework/user.hpp"
 
 #include <pwd.h>
 #include <unistd.h>
@@ -9,9 +9,8 @@
 
 namespace ocpsm {
 
-std::string user_name() {
+std::string user_name(std::uint32_t user) {
     constexpr std::size_t longest = std::size_t{1} << 20; // of all that is known of a user, bytes
-    const uid_t user = getuid();
     std::vector<char> texts(1024);
     struct passwd entry {};
     struct passwd *found = nullptr;
@@ -19,6 +18,10 @@ std::string user_name() {
         texts.resize(texts.size() * 2);
     }
     return found == nullptr ? std::to_string(user) : found->pw_name;
+}
+
+std::string user_name() {
+    return user_name(getuid());
 }
 
 } // namespace ocpsm
